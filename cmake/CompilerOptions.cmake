@@ -1,0 +1,37 @@
+# How every file of ours is compiled.
+#
+# -ffp-contract=off: the samples are fixed to the bit, so no compiler may fuse a
+# multiplication with an addition. For the same reason nothing here ever
+# switches on -ffast-math or one of its parts.
+set(CMAKE_CXX_STANDARD 17)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_AUTOMOC ON)
+
+add_compile_options(-ffp-contract=off)
+
+if(NOTCHBENCH_SANITIZER)
+    add_compile_options(-fsanitize=${NOTCHBENCH_SANITIZER} -fno-omit-frame-pointer
+                        -fno-sanitize-recover=all)
+    add_link_options(-fsanitize=${NOTCHBENCH_SANITIZER})
+endif()
+
+# Warnings, for our own targets only.
+add_library(notchbench_options INTERFACE)
+target_compile_options(notchbench_options INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion)
+target_compile_definitions(notchbench_options INTERFACE
+    QT_DEPRECATED_WARNINGS QT_NO_CAST_TO_ASCII)
+
+# notchbench_library(<folder> FILES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# makes the static library of one folder of src/. Headers are included by their
+# path below src/, as in "setup/signal_data.h".
+function(notchbench_library name)
+    cmake_parse_arguments(ARG "" "" "FILES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+    add_library(notchbench_${name} STATIC ${ARG_FILES})
+    target_include_directories(notchbench_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+    target_link_libraries(notchbench_${name}
+        PUBLIC ${ARG_DEPENDS}
+        PRIVATE notchbench_options ${ARG_PRIVATE_DEPENDS})
+endfunction()

@@ -1,0 +1,44 @@
+#include "instruments/analyzer.h"
+
+#include "instruments/bandwidth_code.h"
+#include "instruments/config_line.h"
+
+void Analyzer::setResolutionBandwidth(quint32 hertz)
+{
+    rbwCode = codeFromBandwidth(hertz);
+}
+
+void Analyzer::setVideoBandwidth(quint32 hertz)
+{
+    vbwCode = codeFromBandwidth(hertz);
+}
+
+quint32 Analyzer::resolutionBandwidth() const
+{
+    return bandwidthFromCode(rbwCode);
+}
+
+quint32 Analyzer::videoBandwidth() const
+{
+    return bandwidthFromCode(vbwCode);
+}
+
+void Analyzer::setAutoSweepTime(bool automatic)
+{
+    autoSweepTime = automatic;
+    if (automatic) {
+        sweepTime = 0.0;
+    }
+}
+
+QString Analyzer::configSection() const
+{
+    return commonConfigLines(QStringLiteral("Analyzer")) +
+           configLine("Span", QString::number(span)) + configLine("Level", QString::number(level)) +
+           configLine("Atten", QString::number(attenuation)) +
+           configLine("AUTO Atten", QString::number(int{autoAttenuation})) +
+           configLine("Res BW", QString::number(resolutionBandwidth())) +
+           configLine("Video BW", QString::number(videoBandwidth())) +
+           configLine("Sweeptime", QString::number(sweepTime)) +
+           configLine("AUTO Swt", QString::number(int{autoSweepTime})) + QLatin1Char('\n');
+}

@@ -1,0 +1,52 @@
+// The settings and the state of one remote instrument: how it is reached, what it is to
+// be set to, and what it last said. Plain values in base units (Hz, dBm).
+#pragma once
+
+#include <QString>
+
+// Transport to an instrument, as the row of its "Interface" combo box. A value above
+// Rs232 comes from files only and means no transport.
+enum class InterfaceKind : qint32 {
+    Gpib0 = 0,
+    Gpib1 = 1,
+    LanTlnk = 2,
+    LanVxi11 = 3,
+    LanSocket = 4,
+    LanHislip = 5,
+    Rs232 = 6
+};
+
+class Instrument
+{
+public:
+    virtual ~Instrument() = default;
+
+    // The instrument's section of the configuration file: header line, key lines in
+    // their fixed order, one empty line.
+    virtual QString configSection() const = 0;
+
+    InterfaceKind interfaceKind = InterfaceKind::LanSocket;
+    quint32 device = 0;       // row of the instrument's device list
+    quint32 gpibAddress = 20; // primary address
+    quint32 rs232Port = 0;    // index into the serial ports that the system reports
+    QString deviceMessage;    // last answer of the device, or the text of the last failure
+    QString ipAddress = QStringLiteral("127.0.0.1");
+    double frequency = 0.0; // Hz
+    double level = -20.0;   // dBm
+    quint32 rs232BaudRate = 9600;
+    qint32 rs232DataBits = 8;
+    qint32 rs232Parity = 0;      // a QSerialPort::Parity
+    qint32 rs232StopBits = 1;    // a QSerialPort::StopBits
+    qint32 rs232FlowControl = 0; // a QSerialPort::FlowControl
+    bool initialized = false;    // the connection was made and stands
+
+protected:
+    Instrument() = default;
+    Instrument(const Instrument&) = default;
+    Instrument(Instrument&&) = default;
+    Instrument& operator=(const Instrument&) = default;
+    Instrument& operator=(Instrument&&) = default;
+
+    // Header line and the key lines that all three instruments share.
+    QString commonConfigLines(const QString& section) const;
+};

@@ -1,0 +1,14 @@
+// Settings of the optional second generator, which converts the stimulus up. Device row 0
+// is "None": no microwave generator is in the chain.
+#pragma once
+
+#include "instruments/instrument.h"
+
+class MicrowaveGenerator : public Instrument
+{
+public:
+    QString configSection() const override;
+
+    quint32 attenuation = 0; // output attenuation, dB
+    bool ifInput = true;     // driven through its IF input
+};

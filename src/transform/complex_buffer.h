@@ -1,0 +1,36 @@
+// A contiguous, owned array of complex numbers for the transform: pairs of doubles, real
+// part first, zero when made.
+#pragma once
+
+#include <QtGlobal>
+
+#include <complex>
+#include <new>
+#include <vector>
+
+class ComplexBuffer
+{
+public:
+    using Element = std::complex<double>;
+
+    // Throws std::bad_alloc above 2^60 - 1 elements or when memory runs out.
+    explicit ComplexBuffer(quint64 count) : elements(checked(count)) {}
+
+    quint64 size() const { return elements.size(); }
+    Element* data() { return elements.data(); }
+    const Element* data() const { return elements.data(); }
+    Element& operator[](quint64 index) { return elements[index]; }
+    const Element& operator[](quint64 index) const { return elements[index]; }
+
+private:
+    static quint64 checked(quint64 count)
+    {
+        constexpr quint64 largestCount = (quint64{1} << 60) - 1;
+        if (count > largestCount) {
+            throw std::bad_alloc();
+        }
+        return count;
+    }
+
+    std::vector<Element> elements;
+};

@@ -1,0 +1,28 @@
+// The discrete Fourier transform of the signal engine. No state: any number of threads may
+// transform separate data at once.
+//
+// The samples are fixed to the bit: the twiddle factors come from a recurrence and carry its
+// rounding, so they are never taken from a table or another library. The textbook loop that
+// defines every bit stands in tests/transform/reference_transform.h.
+//
+// Lengths are meant to be powers of two. Any other length gives no meaningful result but
+// stays inside its data.
+#pragma once
+
+#include "transform/complex_buffer.h"
+
+#include <QVector>
+
+// In place: element k becomes 1/sqrt(N) times the sum over n of x[n] exp(+j 2 pi n k / N).
+// Positive exponent, unitary scaling.
+void fft(ComplexBuffer& buffer);
+
+// In place on two vectors of at least n elements: the transform of re + j im by fft, with
+// the factor 1/sqrt(n) and no other. Throws std::bad_alloc when memory runs out.
+void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n);
+
+// In place on two vectors of at least n elements: 1/(n sqrt(n)) times the sum over m of
+// (re[m] + j im[m]) exp(-j 2 pi m k / n). Called with the quadrature vector first it turns
+// the exponent's sign, so that a positive bin is a positive frequency. The doubled scaling
+// is deliberate: SignalData::buildTransformInput multiplies by N beforehand.
+void inverseTransform(QVector<double>& re, QVector<double>& im, quint32 n);
