@@ -1,3 +1,11 @@
+# Whole call stacks are needed to tell a leak of Qt's plugins, which are listed, from one
+# of ours.
+if(NOTCHBENCH_SANITIZER MATCHES "address")
+    set(NOTCHBENCH_SANITIZER_ENVIRONMENT
+        "ASAN_OPTIONS=fast_unwind_on_malloc=0"
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
+endif()
+
 # notchbench_test(<name> FILES ... LINKS ... [WINDOW] [LABELS ...] [LOCKS ...] [TIMEOUT s])
 # makes one Qt Test program and its CTest entry. WINDOW marks a test that drives
 # widgets; it runs on the offscreen platform. Every test has a home of its own, so
