@@ -1,6 +1,8 @@
 #include "transform/transform.h"
 
-#include <algorithm>
+#include "transform/bit_reversal.h"
+#include "transform/butterfly_stages.h"
+
 #include <cmath>
 
 namespace {
@@ -9,50 +11,30 @@ using Element = ComplexBuffer::Element;
 
 constexpr double pi = 3.141592653589793;
 
-// One stage of butterflies at distance k = n/2, with the twiddle advancing by rotation.
-void runStage(ComplexBuffer& x, quint64 n, Element rotation)
+bool isPowerOfTwo(quint64 count)
+{
+    return (count & (count - 1)) == 0;
+}
+
+// The stages for a length that is no power of two. The last butterfly of a stage can then
+// miss its partner; it is left out, which keeps the loop inside the buffer.
+void runPlainStages(ComplexBuffer& x)
 {
     const quint64 count = x.size();
-    const quint64 k = n / 2;
-    Element w(1.0, 0.0);
-    for (quint64 l = 0; l < k; ++l) {
-        for (quint64 a = l; a + k < count; a += n) {
-            const Element t = x[a] - x[a + k];
-            x[a] += x[a + k];
-            x[a + k] = {t.real() * w.real() - t.imag() * w.imag(),
-                        t.real() * w.imag() + t.imag() * w.real()};
+    const double theta = pi / static_cast<double>(count);
+    Element rotation(std::cos(theta), std::sin(theta));
+    for (quint64 n = count; n > 1; n /= 2) {
+        const quint64 k = n / 2;
+        rotation = plainProduct(rotation, rotation);
+        Element w(1.0, 0.0);
+        for (quint64 l = 0; l < k; ++l) {
+            for (quint64 a = l; a + k < count; a += n) {
+                const Element t = x[a] - x[a + k];
+                x[a] += x[a + k];
+                x[a + k] = plainProduct(t, w);
+            }
+            w = plainProduct(w, rotation);
         }
-        w = {w.real() * rotation.real() - w.imag() * rotation.imag(),
-             w.imag() * rotation.real() + w.real() * rotation.imag()};
-    }
-}
-
-quint32 reversedBits(quint32 value)
-{
-    value = ((value >> 1) & 0x55555555U) | ((value & 0x55555555U) << 1);
-    value = ((value >> 2) & 0x33333333U) | ((value & 0x33333333U) << 2);
-    value = ((value >> 4) & 0x0F0F0F0FU) | ((value & 0x0F0F0F0FU) << 4);
-    value = ((value >> 8) & 0x00FF00FFU) | ((value & 0x00FF00FFU) << 8);
-    return (value >> 16) | (value << 16);
-}
-
-void reorder(ComplexBuffer& x)
-{
-    const auto bits = static_cast<quint32>(std::log2(static_cast<double>(x.size())));
-    const quint32 shift = (32 - bits) % 32;
-    for (quint32 a = 0; a < x.size(); ++a) {
-        const quint32 b = reversedBits(a) >> shift;
-        if (b > a) {
-            std::swap(x[a], x[b]);
-        }
-    }
-}
-
-void scale(ComplexBuffer& x)
-{
-    const double f = 1.0 / std::sqrt(static_cast<double>(x.size()));
-    for (quint64 i = 0; i < x.size(); ++i) {
-        x[i] = {x[i].real() * f - x[i].imag() * 0.0, x[i].imag() * f + x[i].real() * 0.0};
     }
 }
 
@@ -60,49 +42,50 @@ void scale(ComplexBuffer& x)
 
 void fft(ComplexBuffer& buffer)
 {
-    if (buffer.size() == 0) {
+    const quint64 count = buffer.size();
+    if (count == 0) {
         return;
     }
-    const double theta = pi / static_cast<double>(buffer.size());
-    double c = std::cos(theta);
-    double s = std::sin(theta);
-    for (quint64 n = buffer.size(); n > 1; n /= 2) {
-        const double doubledSine = 2 * c * s;
-        c = c * c - s * s;
-        s = doubledSine;
-        runStage(buffer, n, {c, s});
+    if (isPowerOfTwo(count)) {
+        runButterflyStages(buffer.data(), count);
+    } else {
+        runPlainStages(buffer);
     }
-    reorder(buffer);
-    scale(buffer);
+    reorderAndScale(buffer.data(), count, 1.0 / std::sqrt(static_cast<double>(count)));
 }
 
 void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n)
 {
     ComplexBuffer buffer(n);
-    const int end = static_cast<int>(n);
-    for (int i = 0; i < end; ++i) {
-        buffer[static_cast<quint64>(i)] = {re.at(i), im.at(i)};
+    double* real = re.data();
+    double* imag = im.data();
+    for (quint32 i = 0; i < n; ++i) {
+        buffer[i] = {real[i], imag[i]};
     }
     fft(buffer);
-    for (int i = 0; i < end; ++i) {
-        re[i] = buffer[static_cast<quint64>(i)].real();
-        im[i] = buffer[static_cast<quint64>(i)].imag();
+    for (quint32 i = 0; i < n; ++i) {
+        real[i] = buffer[i].real();
+        imag[i] = buffer[i].imag();
     }
 }
 
+// Conjugate, transform, conjugate, divide: the conjugates are taken while the buffer is filled
+// and emptied, so that one buffer serves.
 void inverseTransform(QVector<double>& re, QVector<double>& im, quint32 n)
 {
     ComplexBuffer buffer(n);
-    const int end = static_cast<int>(n);
-    for (int i = 0; i < end; ++i) {
-        buffer[static_cast<quint64>(i)] = {re.at(i), -im.at(i)};
+    double* real = re.data();
+    double* imag = im.data();
+    for (quint32 i = 0; i < n; ++i) {
+        buffer[i] = {real[i], -imag[i]};
     }
     fft(buffer);
     const double divisor = n;
-    for (int i = 0; i < end; ++i) {
-        const double real = buffer[static_cast<quint64>(i)].real();
-        const double imag = -buffer[static_cast<quint64>(i)].imag();
-        re[i] = (real + imag * 0.0) / divisor;
-        im[i] = (imag - real * 0.0) / divisor;
+    for (quint32 i = 0; i < n; ++i) {
+        const double x = buffer[i].real();
+        const double y = -buffer[i].imag();
+        // Division by the complex number (n, 0) in Smith's form.
+        real[i] = (x + y * 0.0) / divisor;
+        imag[i] = (y - x * 0.0) / divisor;
     }
 }

@@ -1,0 +1,11 @@
+// VECTOR_CLONES in front of a function compiles it once for plain SSE2 and once for AVX2;
+// the loader picks the one that the processor has. Both do the same operations on each
+// element, so the choice changes no bit. The sanitizers can't stand such early picking.
+#pragma once
+
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+#define VECTOR_CLONES
+#endif
