@@ -52,7 +52,7 @@ NotchList NotchList::rowsOnly() const
 
 void NotchList::insert(qint32 position, const Notch& notch)
 {
-    items.insert(position, notch);
+    items.insert(qBound(0, position, items.size()), notch);
 }
 
 void NotchList::clear()

@@ -23,7 +23,8 @@ constexpr quint32 maxSignalLength = 1U << 26;
 
 struct SignalData
 {
-    explicit SignalData(quint32 n = 0);
+    SignalData() = default; // empty, length 0
+    explicit SignalData(quint32 n);
 
     // n zeros in each vector; with n below 1 all vectors are empty. length is n as it came.
     void reset(qint32 n);

@@ -1,0 +1,26 @@
+// The configuration file: all settings of a MeasurementSetup as sections of "key = value" lines.
+// Run-time state, the signal and the loaded correction are not part of it. Main thread.
+//
+// To add a setting: a row in a table of config_file.cpp, which reader and writer share. (The
+// instruments write their own sections, see Instrument::configSection, and have a row each for
+// reading.)
+//
+// Doubles are written with six significant digits, and that is the format. Some values come back
+// changed; each such place is marked deliberate, because stored files rely on it.
+#pragma once
+
+#include "setup/measurement_setup.h"
+
+#include <QString>
+
+// A new record; whatever the file does not carry has its default. Never fails: without a readable
+// file the record is the default one.
+MeasurementSetup loadConfig(const QString& path);
+
+// Writes the file whole or leaves the former one as it is, also when it is cut off in the middle.
+// A failure is not reported.
+void saveConfig(const MeasurementSetup& setup, const QString& path);
+
+// The same with a file in the application's local data directory, which saving makes if needed.
+MeasurementSetup loadDefaultConfig(const QString& name);
+void saveDefaultConfig(const MeasurementSetup& setup, const QString& name);

@@ -1,0 +1,159 @@
+#include "setup/config_text.h"
+
+#include <QStringView>
+#include <QVector>
+
+namespace {
+
+const QLatin1String separator(" = ");
+constexpr int separatorLength = 3;
+
+struct Line
+{
+    QStringView text;
+    bool terminated; // by CR or LF; the last line of a file may not be
+};
+
+bool isLineEnd(QChar c)
+{
+    return c == QLatin1Char('\r') || c == QLatin1Char('\n');
+}
+
+bool isDigit(QStringView text, qsizetype at)
+{
+    return at < text.size() && text[at] >= QLatin1Char('0') && text[at] <= QLatin1Char('9');
+}
+
+// Lines that hold at least one character; runs of line ends separate them.
+QVector<Line> linesOf(const QString& text)
+{
+    QVector<Line> lines;
+    const QStringView all(text);
+    qsizetype at = 0;
+    while (at < all.size()) {
+        const qsizetype start = at;
+        while (at < all.size() && !isLineEnd(all[at])) {
+            ++at;
+        }
+        if (at > start) {
+            lines.append({all.mid(start, at - start), at < all.size()});
+        }
+        while (at < all.size() && isLineEnd(all[at])) {
+            ++at;
+        }
+    }
+    return lines;
+}
+
+qsizetype skipDigits(QStringView text, qsizetype at)
+{
+    while (isDigit(text, at)) {
+        ++at;
+    }
+    return at;
+}
+
+// Length of the number that the text begins with: optional minus, digits, optional fraction,
+// optional exponent whose sign may also be a bar. 0 if there is none.
+qsizetype numberLength(QStringView text)
+{
+    const qsizetype digits = text.startsWith(QLatin1Char('-')) ? 1 : 0;
+    if (!isDigit(text, digits)) {
+        return 0;
+    }
+    qsizetype end = skipDigits(text, digits);
+    if (end < text.size() && text[end] == QLatin1Char('.') && isDigit(text, end + 1)) {
+        end = skipDigits(text, end + 1);
+    }
+    const bool exponent = end + 1 < text.size() && QStringView(u"eE").contains(text[end]) &&
+                          QStringView(u"+|-").contains(text[end + 1]);
+    if (exponent && isDigit(text, end + 2)) {
+        end = skipDigits(text, end + 2);
+    }
+    return end;
+}
+
+// Whether some separator, with a key before it, is followed by a value that ends the line.
+bool isKeyLine(const Line& line)
+{
+    if (!line.terminated) {
+        return false;
+    }
+    const QStringView text = line.text;
+    if (text.endsWith(QLatin1Char('"'))) {
+        const qsizetype quoted = text.indexOf(QLatin1String(" = \""), 1);
+        return quoted >= 0 && quoted + separatorLength < text.size() - 1;
+    }
+    // A number holds no blank, so only the last separator can stand before it.
+    const qsizetype last = text.lastIndexOf(separator);
+    if (last < 1) {
+        return false;
+    }
+    const QStringView value = text.mid(last + separatorLength);
+    return !value.isEmpty() && numberLength(value) == value.size();
+}
+
+// The name in brackets that the line ends with; null if there is none.
+QStringView sectionName(const Line& line)
+{
+    const qsizetype open = line.text.indexOf(QLatin1Char('['));
+    const bool closed = line.terminated && line.text.endsWith(QLatin1Char(']'));
+    if (!closed || open < 0 || line.text.size() - open < 3) {
+        return {};
+    }
+    return line.text.mid(open + 1, line.text.size() - open - 2);
+}
+
+// The value at the front of the text, a number or a quoted text up to the last quote of the line,
+// which lies lastQuote characters behind; null if there is none.
+QStringView valueAt(QStringView text, qsizetype lastQuote)
+{
+    const qsizetype length = numberLength(text);
+    if (length > 0) {
+        return text.left(length);
+    }
+    if (text.startsWith(QLatin1Char('"')) && lastQuote >= 2) {
+        return text.left(lastQuote + 1);
+    }
+    return {};
+}
+
+// Deliberate: the last separator that a value follows divides the line, even inside quotes, so a
+// path with " = 5" in it is cut there. Every reader of these files does the same.
+void readKey(QStringView line, ConfigSection& section)
+{
+    const qsizetype lastQuote = line.lastIndexOf(QLatin1Char('"'));
+    qsizetype at = line.lastIndexOf(separator);
+    while (at >= 1) {
+        const qsizetype start = at + separatorLength;
+        const QStringView value = valueAt(line.mid(start), lastQuote - start);
+        if (!value.isNull()) {
+            section.insert(line.left(at).toString(), value.toString());
+            return;
+        }
+        at = line.lastIndexOf(separator, at - 1);
+    }
+}
+
+} // namespace
+
+ConfigText parseConfigText(const QString& text)
+{
+    ConfigText sections;
+    const QVector<Line> lines = linesOf(text);
+    int at = 0;
+    while (at < lines.size()) {
+        const QStringView name = sectionName(lines.at(at));
+        ++at;
+        if (name.isNull() || at == lines.size() || !isKeyLine(lines.at(at))) {
+            continue;
+        }
+        ConfigSection section;
+        while (at < lines.size() && isKeyLine(lines.at(at))) {
+            readKey(lines.at(at).text, section);
+            ++at;
+        }
+        sections.insert(name.toString(), section);
+    }
+    return sections;
+}

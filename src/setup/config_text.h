@@ -1,0 +1,21 @@
+// The text of a configuration file, taken apart into sections and keys.
+//
+// The grammar is that of two expressions, matched globally, where "." takes neither CR nor LF:
+//   section:  \[(.+)\][\r\n]+((?:.+\ =\ (?:(?:-?\d+(?:\.\d+)?(?:[eE][\+|-]\d+)?)|".*")[\r\n]+)+)
+//   key:      (.+)\ =\ ((?:-?\d+(?:\.\d+)?(?:[eE][\+|-]\d+)?)|".+")
+// the second one inside the body of the first. They are not run as expressions, because matching
+// them backtracks: a line scanner takes the same texts in linear time, whatever the bytes are.
+//
+// What follows from them and is relied on: a line of another form ends its section without a word,
+// a section without a key line is lost, a last line without a line end isn't read, and a key whose
+// quoted value is empty is absent.
+#pragma once
+
+#include <QHash>
+#include <QString>
+
+using ConfigSection = QHash<QString, QString>;    // key -> value, quotes kept
+using ConfigText = QHash<QString, ConfigSection>; // section name -> section
+
+// A repeated section replaces the earlier one as a whole, a repeated key the earlier value.
+ConfigText parseConfigText(const QString& text);

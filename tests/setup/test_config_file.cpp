@@ -1,0 +1,392 @@
+// The configuration file, byte for byte and with everything that comes back changed.
+#include "setup/config_file.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+const char defaultText[] = R"([NPR]
+SRate = 1e+08
+NBW/SRate = 1
+FFT Len = 131072
+Notch Count = 0
+Notch Width = 1e+07
+Notch Offset = 1e+07
+Notch Depth = -100
+Notch/Carrier = 0
+Phase Mode = 0
+Custom = 0
+Seed = 1
+
+[TCP/IP]
+Port = 1000
+
+[Display]
+Sinus(x)/x = 0
+
+[Notch 1]
+fcenter = 5e+06
+fspan = 1e+06
+fstart = 4.5e+06
+fstop = 5.5e+06
+Start = 5898
+Stop = 7208
+Notch Depth = -100
+
+[User]
+PhaseMag File = ""
+I File = ""
+Q File = ""
+
+[Generator1]
+Device = 0
+Interface = 4
+GPIB Addr = 20
+IP Addr = "127.0.0.1"
+RS232 Port = 0
+RS232 BaudRate = 9600
+RS232 DataBits = 8
+RS232 Parity = 0
+RS232 StopBits = 1
+RS232 FlowControl = 0
+Frequency = 0
+Level = -20
+
+[Analyzer]
+Device = 0
+Interface = 4
+GPIB Addr = 20
+IP Addr = "127.0.0.1"
+RS232 Port = 0
+RS232 BaudRate = 9600
+RS232 DataBits = 8
+RS232 Parity = 0
+RS232 StopBits = 1
+RS232 FlowControl = 0
+Frequency = 0
+Span = 100000
+Level = -20
+Atten = 10
+AUTO Atten = 1
+Res BW = 30000
+Video BW = 300000
+Sweeptime = 2
+AUTO Swt = 1
+
+[Generator2]
+Device = 0
+Interface = 4
+GPIB Addr = 20
+IP Addr = "127.0.0.1"
+RS232 Port = 0
+RS232 BaudRate = 9600
+RS232 DataBits = 8
+RS232 Parity = 0
+RS232 StopBits = 1
+RS232 FlowControl = 0
+Frequency = 0
+Level = -20
+Atten = 0
+IF Input = 1
+
+)";
+
+Notch notchOf(qint32 start, qint32 stop, double depth)
+{
+    Notch notch;
+    notch.startIndex = start;
+    notch.stopIndex = stop;
+    notch.depth = depth;
+    return notch;
+}
+
+} // namespace
+
+class TestConfigFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void defaultsWithOneNotchAreWrittenLetterForLetter();
+    void everySettingComesBack();
+    void doublesKeepSixDigits();
+    void notchDepthComesBackAsAWholeNumber();
+    void lengthBecomesTheRowAbove_data();
+    void lengthBecomesTheRowAbove();
+    void bandwidthsAreRoundedToTheirSeries();
+    void automaticSweepTimeMayClearTheSweepTime();
+    void numbersAreCutToTheirWidth();
+    void anyNonZeroIsTrue();
+    void barAsExponentSignGivesZero();
+    void lineEndsOfEveryKindAreRead_data();
+    void lineEndsOfEveryKindAreRead();
+    void sectionNamedAfterANotchCounts();
+    void unknownSectionsAndKeysAreIgnored();
+    void missingFileGivesDefaults();
+    void anyBytesGiveARecord();
+    void unwritablePlaceChangesNothing();
+    void failedSaveLeavesTheFormerFile();
+    void defaultFileGetsItsFolders();
+
+private:
+    MeasurementSetup load(const QByteArray& text);
+    QString path() const { return folder->filePath("test.cfg"); }
+
+    std::unique_ptr<QTemporaryDir> folder;
+};
+
+void TestConfigFile::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+}
+
+MeasurementSetup TestConfigFile::load(const QByteArray& text)
+{
+    QFile file(path());
+    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
+        qFatal("no test file");
+    }
+    file.close();
+    return loadConfig(path());
+}
+
+void TestConfigFile::defaultsWithOneNotchAreWrittenLetterForLetter()
+{
+    MeasurementSetup setup;
+    Notch notch = notchOf(5898, 7208, -100.0);
+    notch.center = 5e6;
+    notch.width = 1e6;
+    notch.startFreq = 4.5e6;
+    notch.stopFreq = 5.5e6;
+    setup.notches->items.append(notch);
+    saveConfig(setup, path());
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(QString(file.readAll()), QString(defaultText));
+}
+
+void TestConfigFile::everySettingComesBack()
+{
+    MeasurementSetup setup;
+    setup.sampleRate = 61.44e6;
+    setup.nbwSrate = 0.75;
+    setup.fftLengthIndex = 16;
+    setup.notchCount = 7;
+    setup.notchWidth = 1e6;
+    setup.notchOffset = -2e6;
+    setup.notchDepth = -40.5;
+    setup.notchOrCarrier = 1;
+    setup.phaseMode = 2;
+    setup.customSource = 1;
+    setup.seed = 4711;
+    setup.tcpPort = 5000;
+    setup.sinxCompensation = true;
+    setup.phaseMagFile = "/home/a b/ü.pmc";
+    setup.iFile = "i.wav";
+    setup.qFile = "with \"quotes\" inside";
+    setup.generator.device = 3;
+    setup.generator.interfaceKind = InterfaceKind::LanHislip;
+    setup.generator.frequency = 1e9;
+    setup.generator.level = -7.5;
+    setup.analyzer.ipAddress = "10.1.2.3";
+    setup.analyzer.span = 5e6;
+    setup.analyzer.rbwCode = 20;
+    setup.analyzer.autoAttenuation = false;
+    setup.analyzer.autoSweepTime = false;
+    setup.analyzer.sweepTime = 0.5;
+    setup.analyzer.attenuation = 25;
+    setup.microwave.device = 1;
+    setup.microwave.attenuation = 15;
+    setup.microwave.ifInput = false;
+    setup.microwave.rs232Parity = 2;
+    setup.notches->items.append(notchOf(-5, 5, -60.0));
+
+    saveConfig(setup, path());
+    const MeasurementSetup back = loadConfig(path());
+    QCOMPARE(back.sampleRate, 61.44e6);
+    QCOMPARE(back.nbwSrate, 0.75);
+    QCOMPARE(back.fftLengthIndex, 16);
+    QCOMPARE(back.notchCount, 7U);
+    QCOMPARE(back.notchWidth, 1e6);
+    QCOMPARE(back.notchOffset, -2e6);
+    QCOMPARE(back.notchDepth, -40.5);
+    QCOMPARE(back.notchOrCarrier, 1);
+    QCOMPARE(back.phaseMode, 2);
+    QCOMPARE(back.customSource, 1);
+    QCOMPARE(back.seed, 4711U);
+    QCOMPARE(back.tcpPort, quint16{5000});
+    QVERIFY(back.sinxCompensation);
+    QCOMPARE(back.iFile, QString("i.wav"));
+    QCOMPARE(back.qFile, setup.qFile);
+    QCOMPARE(back.generator.device, 3U);
+    QVERIFY(back.generator.interfaceKind == InterfaceKind::LanHislip);
+    QCOMPARE(back.generator.frequency, 1e9);
+    QCOMPARE(back.generator.level, -7.5);
+    QCOMPARE(back.analyzer.ipAddress, QString("10.1.2.3"));
+    QCOMPARE(back.analyzer.span, 5e6);
+    QCOMPARE(back.analyzer.rbwCode, 20U);
+    QVERIFY(!back.analyzer.autoAttenuation);
+    QVERIFY(!back.analyzer.autoSweepTime);
+    QCOMPARE(back.analyzer.sweepTime, 0.5);
+    QCOMPARE(back.analyzer.attenuation, 25U);
+    QCOMPARE(back.microwave.device, 1U);
+    QCOMPARE(back.microwave.attenuation, 15U);
+    QVERIFY(!back.microwave.ifInput);
+    QCOMPARE(back.microwave.rs232Parity, 2);
+    QCOMPARE(back.notches->items.size(), 1);
+    QCOMPARE(back.notches->items.at(0).startIndex, -5);
+    QCOMPARE(back.notches->items.at(0).depth, -60.0);
+}
+
+void TestConfigFile::doublesKeepSixDigits()
+{
+    MeasurementSetup setup;
+    setup.sampleRate = 1234567890.0;
+    saveConfig(setup, path());
+    QCOMPARE(loadConfig(path()).sampleRate, 1.23457e9);
+}
+
+void TestConfigFile::notchDepthComesBackAsAWholeNumber()
+{
+    for (const auto& depths :
+         {qMakePair(-40.0, -40.0), qMakePair(-40.5, 0.0), qMakePair(-1e6, 0.0)}) {
+        MeasurementSetup setup;
+        setup.notches->items.append(notchOf(0, 1, depths.first));
+        saveConfig(setup, path());
+        QCOMPARE(loadConfig(path()).notches->items.at(0).depth, depths.second);
+    }
+}
+
+void TestConfigFile::lengthBecomesTheRowAbove_data()
+{
+    QTest::addColumn<QByteArray>("length");
+    QTest::addColumn<int>("row");
+    QTest::newRow("131072") << QByteArray("131072") << 5;
+    QTest::newRow("100000") << QByteArray("100000") << 5;
+    QTest::newRow("64") << QByteArray("64") << 16;
+    QTest::newRow("0") << QByteArray("0") << 0;
+    QTest::newRow("-3") << QByteArray("-3") << 0;
+    QTest::newRow("no whole number") << QByteArray("1e+05") << 0;
+}
+
+void TestConfigFile::lengthBecomesTheRowAbove()
+{
+    QFETCH(QByteArray, length);
+    QFETCH(int, row);
+    QCOMPARE(load("[NPR]\nFFT Len = " + length + "\n").fftLengthIndex, row);
+}
+
+void TestConfigFile::bandwidthsAreRoundedToTheirSeries()
+{
+    const MeasurementSetup setup = load("[Analyzer]\nRes BW = 40000\nVideo BW = 0\n");
+    QCOMPARE(setup.analyzer.resolutionBandwidth(), 50000U);
+    QCOMPARE(setup.analyzer.videoBandwidth(), 0U);
+}
+
+void TestConfigFile::automaticSweepTimeMayClearTheSweepTime()
+{
+    const double sweepTime = load("[Analyzer]\nSweeptime = 3\nAUTO Swt = 1\n").analyzer.sweepTime;
+    QVERIFY(sweepTime == 0.0 || sweepTime == 3.0);
+    QCOMPARE(load("[Analyzer]\nAUTO Swt = 1\n").analyzer.sweepTime, 0.0);
+    QCOMPARE(load("[Analyzer]\nSweeptime = 3\nAUTO Swt = 0\n").analyzer.sweepTime, 3.0);
+}
+
+void TestConfigFile::numbersAreCutToTheirWidth()
+{
+    QCOMPARE(load("[TCP/IP]\nPort = 70000\n").tcpPort, quint16{4464});
+    QCOMPARE(load("[NPR]\nSeed = -1\n").seed, 4294967295U);
+}
+
+void TestConfigFile::anyNonZeroIsTrue()
+{
+    QVERIFY(load("[Display]\nSinus(x)/x = 2\n").sinxCompensation);
+    QVERIFY(!load("[Display]\nSinus(x)/x = 0\n").sinxCompensation);
+}
+
+void TestConfigFile::barAsExponentSignGivesZero()
+{
+    QCOMPARE(load("[NPR]\nSRate = 1e|08\n").sampleRate, 0.0);
+}
+
+void TestConfigFile::lineEndsOfEveryKindAreRead_data()
+{
+    QTest::addColumn<QByteArray>("end");
+    QTest::newRow("LF") << QByteArray("\n");
+    QTest::newRow("CR") << QByteArray("\r");
+    QTest::newRow("CR LF") << QByteArray("\r\n");
+    QTest::newRow("empty lines") << QByteArray("\n\n\r\n");
+}
+
+void TestConfigFile::lineEndsOfEveryKindAreRead()
+{
+    QFETCH(QByteArray, end);
+    const MeasurementSetup setup =
+        load("[NPR]" + end + "Seed = 5" + end + "Phase Mode = 2" + end + "Custom = 1");
+    QCOMPARE(setup.seed, 5U);
+    QCOMPARE(setup.phaseMode, 2);
+    QCOMPARE(setup.customSource, 0); // a last line without a line end isn't part of its section
+}
+
+void TestConfigFile::sectionNamedAfterANotchCounts()
+{
+    const MeasurementSetup setup = load("[Old Notch 3]\nStart = 4\n");
+    QCOMPARE(setup.notches->items.size(), 1);
+    QCOMPARE(setup.notches->items.at(0).startIndex, 4);
+}
+
+void TestConfigFile::unknownSectionsAndKeysAreIgnored()
+{
+    const MeasurementSetup setup = load("[Other]\nSeed = 9\n[NPR]\nseed = 8\nSeed = 7\n");
+    QCOMPARE(setup.seed, 7U);
+}
+
+void TestConfigFile::missingFileGivesDefaults()
+{
+    const MeasurementSetup setup = loadConfig(folder->filePath("missing.cfg"));
+    QCOMPARE(setup.sampleRate, 1e8);
+    QCOMPARE(loadConfig(folder->path()).sampleRate, 1e8); // a folder
+}
+
+void TestConfigFile::anyBytesGiveARecord()
+{
+    QByteArray bytes("[NPR]\nSeed = 5\n[\xff\xfe\0[[", 20);
+    for (int i = 0; i < 256; ++i) {
+        bytes.append(static_cast<char>(i));
+    }
+    QCOMPARE(load(bytes).seed, 5U);
+}
+
+void TestConfigFile::unwritablePlaceChangesNothing()
+{
+    saveConfig(MeasurementSetup(), folder->filePath("missing/folder/a.cfg"));
+    saveConfig(MeasurementSetup(), folder->path());
+    QVERIFY(QDir(folder->path()).isEmpty());
+}
+
+// What stands in the folder beside the file is part of the promise: no half-written rest.
+void TestConfigFile::failedSaveLeavesTheFormerFile()
+{
+    MeasurementSetup setup;
+    saveConfig(setup, path());
+    setup.seed = 9;
+    saveConfig(setup, path());
+    QCOMPARE(loadConfig(path()).seed, 9U);
+    QCOMPARE(QDir(folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"test.cfg"});
+}
+
+void TestConfigFile::defaultFileGetsItsFolders()
+{
+    const QByteArray place = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", folder->filePath("a/b/c").toLocal8Bit());
+    MeasurementSetup setup;
+    setup.seed = 77;
+    saveDefaultConfig(setup, "Notchbench.cfg");
+    const quint32 seed = loadDefaultConfig("Notchbench.cfg").seed;
+    qputenv("XDG_DATA_HOME", place);
+    QCOMPARE(seed, 77U);
+}
+
+QTEST_GUILESS_MAIN(TestConfigFile)
+#include "test_config_file.moc"

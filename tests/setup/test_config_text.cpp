@@ -1,0 +1,167 @@
+// The scanner against the two expressions that define its grammar, and its cost on bad input.
+#include "setup/config_text.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <random>
+
+namespace {
+
+// Line ends of every kind, as the scanner takes them.
+ConfigText byExpressions(const QString& text)
+{
+    const QRegularExpression sections(QStringLiteral(
+        R"x((*ANYCRLF)\[(.+)\][\r\n]+((?:.+\ =\ (?:(?:-?\d+(?:\.\d+)?(?:[eE][\+|-]\d+)?)|".*")[\r\n]+)+))x"));
+    const QRegularExpression keys(
+        QStringLiteral(R"x((*ANYCRLF)(.+)\ =\ ((?:-?\d+(?:\.\d+)?(?:[eE][\+|-]\d+)?)|".+"))x"));
+    ConfigText result;
+    auto section = sections.globalMatch(text);
+    while (section.hasNext()) {
+        const QRegularExpressionMatch found = section.next();
+        ConfigSection values;
+        auto key = keys.globalMatch(found.captured(2));
+        while (key.hasNext()) {
+            const QRegularExpressionMatch pair = key.next();
+            values.insert(pair.captured(1), pair.captured(2));
+        }
+        result.insert(found.captured(1), values);
+    }
+    return result;
+}
+
+QString randomText(std::mt19937& engine)
+{
+    static const QStringList tokens = {
+        "[",
+        "]",
+        "[A]\n",
+        "[B c]\r\n",
+        "\n",
+        "\r",
+        " ",
+        "=",
+        " = ",
+        "\"",
+        "\"x\"",
+        "-",
+        ".",
+        "e",
+        "E+",
+        "e|1",
+        "1",
+        "23",
+        "4.5",
+        "x",
+        "key",
+        "\n\n",
+        "k = 1\n",
+        "k = \"v\"\n",
+        "k = \"\"\n",
+        "a = 5\" = \"\n",
+        "n = -1.5e-07\r\n",
+        QString(QChar(0)),
+    };
+    std::uniform_int_distribution<int> token(0, tokens.size() - 1);
+    std::uniform_int_distribution<int> length(1, 25);
+    QString text;
+    for (int i = length(engine); i > 0; --i) {
+        text += tokens.at(token(engine));
+    }
+    return text;
+}
+
+} // namespace
+
+class TestConfigText : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void takesWhatTheExpressionsTake();
+    void sectionWithoutAKeyLineIsLost();
+    void badLineEndsItsSection();
+    void lastLineNeedsALineEnd();
+    void repeatedSectionReplacesTheEarlierOne();
+    void emptyQuotedValueIsAbsent();
+    void separatorInsideQuotesDividesTheLine();
+    void hugeLinesTakeLinearTime_data();
+    void hugeLinesTakeLinearTime();
+};
+
+void TestConfigText::takesWhatTheExpressionsTake()
+{
+    std::mt19937 engine(20260305);
+    int filled = 0;
+    for (int round = 0; round < 40000; ++round) {
+        const QString text = randomText(engine);
+        const ConfigText expected = byExpressions(text);
+        filled += expected.isEmpty() ? 0 : 1;
+        if (parseConfigText(text) != expected) {
+            QFAIL(qPrintable(QString("differs for: %1")
+                                 .arg(QString(text.toUtf8().toPercentEncoding(" =[]\"")))));
+        }
+    }
+    QVERIFY2(filled > 1000, "the random texts hardly ever hold a section");
+}
+
+void TestConfigText::sectionWithoutAKeyLineIsLost()
+{
+    const ConfigText text = parseConfigText("[A]\nno key\nx = 1\n[B]\ny = 2\n");
+    QCOMPARE(text.keys(), QStringList{"B"});
+}
+
+void TestConfigText::badLineEndsItsSection()
+{
+    const ConfigText text = parseConfigText("[A]\nx = 1\ny = nan\nz = 3\n");
+    QCOMPARE(text.value("A").keys(), QStringList{"x"});
+}
+
+void TestConfigText::lastLineNeedsALineEnd()
+{
+    const ConfigText text = parseConfigText("[A]\nx = 1\ny = 2");
+    QCOMPARE(text.value("A").keys(), QStringList{"x"});
+}
+
+void TestConfigText::repeatedSectionReplacesTheEarlierOne()
+{
+    const ConfigText text = parseConfigText("[A]\nx = 1\n[A]\ny = 2\n");
+    QCOMPARE(text.value("A").keys(), QStringList{"y"});
+}
+
+void TestConfigText::emptyQuotedValueIsAbsent()
+{
+    const ConfigText text = parseConfigText("[A]\nx = \"\"\ny = 1\n");
+    QCOMPARE(text.value("A").keys(), QStringList{"y"});
+}
+
+void TestConfigText::separatorInsideQuotesDividesTheLine()
+{
+    const ConfigText text = parseConfigText("[A]\nI File = \"/a = 5/b\"\n");
+    QCOMPARE(text.value("A").value("I File = \"/a"), QString("5"));
+}
+
+void TestConfigText::hugeLinesTakeLinearTime_data()
+{
+    QTest::addColumn<QString>("unit");
+    QTest::newRow("brackets") << "[";
+    QTest::newRow("closed brackets") << "[]";
+    QTest::newRow("separators") << " = ";
+    QTest::newRow("quotes") << "\"";
+    QTest::newRow("quoted values") << "a = \"";
+    QTest::newRow("numbers") << "1 = 1";
+    QTest::newRow("zeros") << QString(QChar(0));
+}
+
+// Quadratic work on 4 million characters would not end within the time of a test.
+void TestConfigText::hugeLinesTakeLinearTime()
+{
+    QFETCH(QString, unit);
+    const QString line = unit.repeated(4000000 / unit.size());
+    QVERIFY(parseConfigText(line).size() <= 1);
+    QVERIFY(parseConfigText("[A]\n" + line + "\n").size() <= 1);
+    QVERIFY(parseConfigText("[A]\n" + line + "\"\n" + line + " = 1\n").size() <= 1);
+}
+
+QTEST_APPLESS_MAIN(TestConfigText)
+#include "test_config_text.moc"
