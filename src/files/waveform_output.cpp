@@ -1,0 +1,18 @@
+#include "files/waveform_output.h"
+
+#include "setup/truncation.h"
+
+void saveWaveform(const QString& path, const SignalData& signal, double sampleRate)
+{
+    const auto endsIn = [&path](const char* suffix) {
+        return path.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
+    };
+    const quint32 clock = truncatedToUint32(sampleRate);
+    if (endsIn(".i") || endsIn(".q")) {
+        writeIQTextFiles(signal, path.chopped(2));
+    } else if (endsIn(".i.wav") || endsIn(".q.wav")) {
+        writeIQWaveFiles(signal, path.chopped(6), clock);
+    } else if (endsIn(".wv")) {
+        writeWvFile(signal, path.chopped(3), clock);
+    }
+}
