@@ -1,0 +1,133 @@
+// From the settings to the samples: the operations of MeasurementSetup and SignalData that make
+// up a calculation, in the fixed order of their arithmetic.
+#include "files/signal_input.h"
+#include "setup/measurement_setup.h"
+#include "signal/notch_operations.h"
+#include "signal/sources.h"
+#include "transform/transform.h"
+
+#include <cmath>
+
+namespace {
+
+// The spectrum of the internal source. Any phase mode but the four leaves the old spectrum in
+// place, so that the later steps shape it once more; deliberate, configurations may carry one.
+void synthesise(const MeasurementSetup& setup, SignalData& signal)
+{
+    const quint32 n = setup.fftLength();
+    if (n > maxSignalLength) {
+        signal = SignalData();
+        return;
+    }
+    switch (setup.phaseMode) {
+    case 0:
+        signal = makeSeededPhases(n, setup.sinxCompensation, setup.seed);
+        break;
+    case 1:
+        signal = makeClockPhases(n, setup.sinxCompensation);
+        break;
+    case 2:
+        signal = makeParabolicPhases(n, setup.sinxCompensation);
+        break;
+    case 3:
+        signal = makeConstantPhases(n, setup.sinxCompensation);
+        break;
+    default:
+        break;
+    }
+}
+
+void runSource(const MeasurementSetup& setup, SignalData& signal)
+{
+    switch (setup.customSource) {
+    case 0:
+        synthesise(setup, signal);
+        break;
+    case 1:
+        signal = loadMagnitudePhaseFile(setup.phaseMagFile);
+        break;
+    case 2:
+        signal = loadIQFiles(setup.iFile, setup.qFile);
+        break;
+    default:
+        break;
+    }
+}
+
+} // namespace
+
+void MeasurementSetup::calculateSignal()
+{
+    runSource(*this, signal);
+    if (signal.length == 0) {
+        crestFactor = 0.0;
+        return;
+    }
+    finishSpectrum(signal);
+    crestFactor = signal.crestFactor();
+}
+
+void MeasurementSetup::finishSpectrum(SignalData& data) const
+{
+    if (compensate) {
+        data.applyCompensation(compensationTrace);
+    }
+    suppressOutOfBand(data, *this);
+    data.applyNotches(notches->rowsOnly(), notchOrCarrier == 1);
+    data.buildTransformInput();
+    // Quadrature first: that turns the sign of the exponent, so a bin above the carrier is a
+    // positive frequency.
+    inverseTransform(data.qSamples, data.iSamples, static_cast<quint32>(data.length));
+}
+
+void SignalData::applyCompensation(const QVector<double>& trace)
+{
+    if (trace.size() != magnitude.size() || length <= 0) {
+        return;
+    }
+    double* bins = magnitude.data();
+    for (int i = 0; i < trace.size(); ++i) {
+        bins[i] *= std::pow(10.0, trace.at(i) * 0.05);
+    }
+}
+
+void SignalData::buildTransformInput()
+{
+    const auto n = static_cast<quint32>(length);
+    const quint32 half = n >> 1;
+    const double* bins = magnitude.constData();
+    const double* angles = phase.constData();
+    double* re = iSamples.data();
+    double* im = qSamples.data();
+    // Frequency order to transform order: the carrier at half goes to 0, the lowest bin to half.
+    // With an odd length, which only a file can bring, the lowest bin takes the place of the
+    // highest one and the last place keeps what it held.
+    const auto convert = [=](quint32 from, quint32 to) {
+        const double amplitude = double(n) * bins[from];
+        re[to] = std::cos(angles[from]) * amplitude;
+        im[to] = std::sin(angles[from]) * amplitude;
+    };
+    for (quint32 i = half; i < n; ++i) {
+        convert(i, i - half);
+    }
+    for (quint32 i = half; i-- > 0;) {
+        convert(i, half + i);
+    }
+}
+
+double SignalData::crestFactor() const
+{
+    const double* re = iSamples.constData();
+    const double* im = qSamples.constData();
+    double peak = 0.0;
+    double sum = 0.0;
+    for (int i = 0; i < length; ++i) {
+        const double envelope = std::sqrt(im[i] * im[i] + re[i] * re[i]);
+        if (envelope > peak) {
+            peak = envelope;
+        }
+        sum += envelope * envelope; // the square of the root, rounding and all
+    }
+    const double rms = std::sqrt(sum / double(length));
+    return 20.0 * std::log10(peak / rms);
+}

@@ -1,0 +1,382 @@
+// The whole calculation: closed forms, an independent direct sum, and the textbook order of
+// operations for the bits.
+#include "setup/measurement_setup.h"
+#include "signal/notch_operations.h"
+#include "signal/sources.h"
+#include "transform/reference_transform.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include <cstring>
+
+namespace {
+
+constexpr double pi = 3.141592653589793;
+
+MeasurementSetup smallSetup(qint32 phaseMode)
+{
+    MeasurementSetup setup;
+    setup.fftLengthIndex = 14; // 256
+    setup.phaseMode = phaseMode;
+    return setup;
+}
+
+void addNotch(MeasurementSetup& setup, qint32 start, qint32 stop, double depth)
+{
+    Notch notch;
+    notch.startIndex = start;
+    notch.stopIndex = stop;
+    notch.depth = depth;
+    setup.notches->items.append(notch);
+}
+
+// The samples of a shaped spectrum as a direct sum over its bins, in the time domain's own
+// words: each bin is a rotating phasor.
+std::complex<double> sampleAt(const SignalData& data, int k)
+{
+    std::complex<double> sum;
+    for (int i = 0; i < data.length; ++i) {
+        const double turn = 2.0 * pi * (i - data.length / 2) * k / data.length;
+        sum += std::polar(data.magnitude[i], data.phase[i] + turn);
+    }
+    return sum / std::sqrt(double(data.length));
+}
+
+bool sameBits(const QVector<double>& a, const QVector<double>& b)
+{
+    return a.size() == b.size() &&
+           std::memcmp(a.constData(), b.constData(),
+                       static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
+}
+
+// Steps 4 and 5 of the spectrum's way, in the literal order of four passes and two buffers.
+void referenceSamples(SignalData& data)
+{
+    const int n = data.length;
+    const int half = n >> 1;
+    for (int i = half; i < n; ++i) {
+        data.iSamples[i - half] = std::cos(data.phase[i]) * (double(n) * data.magnitude[i]);
+    }
+    for (int i = half - 1; i >= 0; --i) {
+        data.iSamples[half + i] = std::cos(data.phase[i]) * (double(n) * data.magnitude[i]);
+    }
+    for (int i = half; i < n; ++i) {
+        data.qSamples[i - half] = std::sin(data.phase[i]) * (double(n) * data.magnitude[i]);
+    }
+    for (int i = half - 1; i >= 0; --i) {
+        data.qSamples[half + i] = std::sin(data.phase[i]) * (double(n) * data.magnitude[i]);
+    }
+    reference::inverseTransform(data.qSamples, data.iSamples);
+}
+
+} // namespace
+
+class TestPipeline : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void samplesAreTheDirectSumOfTheBins();
+    void samplesHaveTheBitsOfTheLiteralOrder();
+    void meanPowerIsTheMeanOfTheSquaredMagnitudes();
+    void constantPhasesGiveOnePeakOfRootN();
+    void parabolicPhasesGiveAConstantEnvelope_data();
+    void parabolicPhasesGiveAConstantEnvelope();
+    void seededPhasesGiveTheSameCrestFactorEveryTime();
+    void oneLineAboveTheCarrierTurnsForward();
+    void crestFactorIsPeakOverRootMeanSquare();
+    void missingMagnitudePhaseFileGivesAnEmptySignal();
+    void missingSampleFilesGiveAnEmptySignal();
+    void absurdLengthGivesAnEmptySignal();
+    void unknownPhaseModeShapesTheOldSpectrumAgain();
+    void unknownSourceOnAFreshSetupStaysEmpty();
+    void compensationRaisesBinsByDecibels();
+    void compensationOfAnotherLengthIsSkipped();
+    void compensationNeedsItsCheckBox();
+    void sinxCompensationDoesNotTouchFiles();
+    void magnitudeFileDrivesThePipeline();
+    void oddLengthFromAFileStaysInside();
+    void zeroSpectrumHasNoCrestFactor();
+    void copyForAnotherThreadSharesNoRows();
+};
+
+void TestPipeline::samplesAreTheDirectSumOfTheBins()
+{
+    MeasurementSetup setup = smallSetup(0);
+    setup.nbwSrate = 0.8;
+    addNotch(setup, -20, -10, -40.0);
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 256);
+    for (int k = 0; k < 256; ++k) {
+        const std::complex<double> expected = sampleAt(setup.signal, k);
+        QVERIFY(qAbs(setup.signal.iSamples[k] - expected.real()) < 1e-12);
+        QVERIFY(qAbs(setup.signal.qSamples[k] - expected.imag()) < 1e-12);
+    }
+}
+
+void TestPipeline::samplesHaveTheBitsOfTheLiteralOrder()
+{
+    MeasurementSetup setup;
+    setup.fftLengthIndex = 5; // 131072
+    setup.seed = 17;
+    setup.nbwSrate = 0.8;
+    addNotch(setup, -2000, -1000, -80.0);
+    addNotch(setup, 500, 600, -30.5);
+    setup.calculateSignal();
+
+    SignalData expected = makeSeededPhases(131072, false, 17);
+    suppressOutOfBand(expected, setup);
+    expected.applyNotches(*setup.notches, false);
+    referenceSamples(expected);
+    QVERIFY(sameBits(setup.signal.magnitude, expected.magnitude));
+    QVERIFY(sameBits(setup.signal.iSamples, expected.iSamples));
+    QVERIFY(sameBits(setup.signal.qSamples, expected.qSamples));
+}
+
+void TestPipeline::meanPowerIsTheMeanOfTheSquaredMagnitudes()
+{
+    MeasurementSetup setup = smallSetup(0);
+    setup.sinxCompensation = true;
+    setup.calculateSignal();
+    double samplePower = 0.0;
+    double binPower = 0.0;
+    for (int k = 0; k < 256; ++k) {
+        samplePower +=
+            std::pow(setup.signal.iSamples[k], 2) + std::pow(setup.signal.qSamples[k], 2);
+        binPower += std::pow(setup.signal.magnitude[k], 2);
+    }
+    QVERIFY(qAbs(samplePower / binPower - 1.0) < 1e-12);
+}
+
+void TestPipeline::constantPhasesGiveOnePeakOfRootN()
+{
+    MeasurementSetup setup;
+    setup.phaseMode = 3;
+    setup.calculateSignal();
+    QVERIFY(qAbs(setup.crestFactor - 51.1751) < 1e-4); // 10 log10(131072)
+    QVERIFY(qAbs(std::hypot(setup.signal.iSamples[0], setup.signal.qSamples[0]) - 362.0386719675) <
+            1e-9);
+    QVERIFY(qAbs(setup.signal.iSamples[1]) < 1e-9);
+}
+
+void TestPipeline::parabolicPhasesGiveAConstantEnvelope_data()
+{
+    QTest::addColumn<int>("index");
+    for (int index = 0; index <= 16; ++index) {
+        QTest::addRow("2^%d", 22 - index) << index;
+    }
+}
+
+void TestPipeline::parabolicPhasesGiveAConstantEnvelope()
+{
+    QFETCH(int, index);
+    MeasurementSetup setup;
+    setup.fftLengthIndex = index;
+    setup.phaseMode = 2;
+    setup.calculateSignal();
+    // 0 dB up to the rounding of the unwrapped phases, which grows with their size.
+    QVERIFY2(qAbs(setup.crestFactor) < 1e-6, qPrintable(QString::number(setup.crestFactor)));
+}
+
+void TestPipeline::seededPhasesGiveTheSameCrestFactorEveryTime()
+{
+    MeasurementSetup first = smallSetup(0);
+    MeasurementSetup second = smallSetup(0);
+    first.calculateSignal();
+    second.calculateSignal();
+    QCOMPARE(first.crestFactor, second.crestFactor);
+    QVERIFY(sameBits(first.signal.iSamples, second.signal.iSamples));
+    // Noise-like: a complex Gaussian of 256 samples peaks at about sqrt(ln 256) = 7.4 dB.
+    QVERIFY(first.crestFactor > 5.0 && first.crestFactor < 11.0);
+}
+
+void TestPipeline::oneLineAboveTheCarrierTurnsForward()
+{
+    MeasurementSetup setup = smallSetup(3);
+    setup.notchOrCarrier = 1;
+    addNotch(setup, 4, 4, 0.0); // the line stands at bin 5
+    setup.calculateSignal();
+    // 1/16 amplitude, phase pi/4, 5 turns over 256 samples; the rest is 105 dB down, all in
+    // sample 0, where 255 bins add up to 255/16 * 5.6e-6.
+    for (int k = 1; k < 256; ++k) {
+        const double angle = pi / 4 + 2 * pi * 5 * k / 256;
+        QVERIFY(qAbs(setup.signal.iSamples[k] - std::cos(angle) / 16) < 1e-6);
+        QVERIFY(qAbs(setup.signal.qSamples[k] - std::sin(angle) / 16) < 1e-6);
+    }
+}
+
+void TestPipeline::crestFactorIsPeakOverRootMeanSquare()
+{
+    SignalData data(4);
+    data.iSamples = {3.0, 0.0, 1.0, 0.0};
+    data.qSamples = {4.0, 1.0, 0.0, 1.0};
+    // Peak 5, mean square (25 + 3) / 4 = 7: 20 log10(5 / sqrt(7)).
+    QVERIFY(qAbs(data.crestFactor() - 5.5284196865778083) < 1e-12);
+}
+
+void TestPipeline::missingMagnitudePhaseFileGivesAnEmptySignal()
+{
+    MeasurementSetup setup = smallSetup(0);
+    setup.calculateSignal();
+    setup.customSource = 1;
+    setup.phaseMagFile = QStringLiteral("/nonexistent/file.pmc");
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 0);
+    QVERIFY(setup.signal.iSamples.isEmpty());
+    QVERIFY(setup.crestFactor == 0.0);
+}
+
+void TestPipeline::missingSampleFilesGiveAnEmptySignal()
+{
+    MeasurementSetup setup = smallSetup(0);
+    setup.customSource = 2;
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 0);
+    QVERIFY(setup.crestFactor == 0.0);
+}
+
+void TestPipeline::absurdLengthGivesAnEmptySignal()
+{
+    MeasurementSetup setup;
+    setup.fftLengthIndex = -8; // 2^30, as a configuration file can ask for
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 0);
+    setup.fftLengthIndex = 40;
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 0);
+}
+
+void TestPipeline::unknownPhaseModeShapesTheOldSpectrumAgain()
+{
+    MeasurementSetup setup = smallSetup(0);
+    addNotch(setup, 10, 20, -20.0);
+    setup.calculateSignal();
+    setup.phaseMode = 4;
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 256);
+    QVERIFY(qAbs(setup.signal.magnitude[128 + 15] - 0.01) < 1e-15); // twice 20 dB
+    QCOMPARE(setup.signal.magnitude[128], 1.0);
+}
+
+void TestPipeline::unknownSourceOnAFreshSetupStaysEmpty()
+{
+    MeasurementSetup setup = smallSetup(0);
+    setup.customSource = 3;
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 0);
+}
+
+void TestPipeline::compensationRaisesBinsByDecibels()
+{
+    MeasurementSetup setup = smallSetup(3);
+    setup.compensate = true;
+    setup.compensationTrace = QVector<double>(256, 0.0);
+    setup.compensationTrace[0] = 20.0;
+    setup.compensationTrace[255] = -40.0;
+    setup.calculateSignal();
+    QVERIFY(qAbs(setup.signal.magnitude[0] - 10.0) < 1e-14);
+    QVERIFY(qAbs(setup.signal.magnitude[255] - 0.01) < 1e-17);
+    QCOMPARE(setup.signal.magnitude[128], 1.0);
+}
+
+void TestPipeline::compensationOfAnotherLengthIsSkipped()
+{
+    MeasurementSetup setup = smallSetup(3);
+    setup.compensate = true;
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.magnitude, QVector<double>(256, 1.0));
+    setup.compensationTrace = QVector<double>(255, 6.0);
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.magnitude, QVector<double>(256, 1.0));
+}
+
+void TestPipeline::compensationNeedsItsCheckBox()
+{
+    MeasurementSetup setup = smallSetup(3);
+    setup.compensationTrace = QVector<double>(256, 6.0);
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.magnitude, QVector<double>(256, 1.0));
+}
+
+void TestPipeline::sinxCompensationDoesNotTouchFiles()
+{
+    QTemporaryDir dir;
+    QFile file(dir.filePath("flat.pmc"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("4\n0 0.5 1\n1 0.5 1\n2 0.5 1\n3 0.5 1\n");
+    file.close();
+    MeasurementSetup setup = smallSetup(0);
+    setup.customSource = 1;
+    setup.phaseMagFile = file.fileName();
+    setup.sinxCompensation = true;
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.magnitude, QVector<double>(4, 1.0));
+}
+
+void TestPipeline::magnitudeFileDrivesThePipeline()
+{
+    QTemporaryDir dir;
+    QFile file(dir.filePath("line.pmc"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("4\n3 0.0 2.0\n"); // one line, one bin above the carrier, phase 0
+    file.close();
+    MeasurementSetup setup;
+    setup.customSource = 1;
+    setup.phaseMagFile = file.fileName();
+    setup.calculateSignal();
+    // 2/sqrt(4) = 1 turning once over the four samples; a constant envelope.
+    const double expectedI[] = {1, 0, -1, 0};
+    const double expectedQ[] = {0, 1, 0, -1};
+    for (int k = 0; k < 4; ++k) {
+        QVERIFY(qAbs(setup.signal.iSamples[k] - expectedI[k]) < 1e-15);
+        QVERIFY(qAbs(setup.signal.qSamples[k] - expectedQ[k]) < 1e-15);
+    }
+    QVERIFY(qAbs(setup.crestFactor) < 1e-12);
+}
+
+void TestPipeline::oddLengthFromAFileStaysInside()
+{
+    QTemporaryDir dir;
+    for (const int length : {1, 3, 5, 7, 1001}) {
+        QFile file(dir.filePath("odd.pmc"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::number(length) + "\n0 0.1 1.0\n");
+        file.close();
+        MeasurementSetup setup;
+        addNotch(setup, -3, 3, -20.0);
+        setup.customSource = 1;
+        setup.phaseMagFile = file.fileName();
+        setup.calculateSignal();
+        QCOMPARE(setup.signal.length, length);
+        QCOMPARE(setup.signal.iSamples.size(), length);
+    }
+}
+
+void TestPipeline::zeroSpectrumHasNoCrestFactor()
+{
+    QTemporaryDir dir;
+    QFile file(dir.filePath("zero.pmc"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("8\n");
+    file.close();
+    MeasurementSetup setup;
+    setup.customSource = 1;
+    setup.phaseMagFile = file.fileName();
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 8);
+    QVERIFY(std::isnan(setup.crestFactor));
+}
+
+void TestPipeline::copyForAnotherThreadSharesNoRows()
+{
+    MeasurementSetup setup = smallSetup(0);
+    addNotch(setup, 1, 2, -3.0);
+    const MeasurementSetup copy = setup.forOtherThread();
+    setup.notches->items[0].startIndex = 99;
+    QCOMPARE(copy.notches->items.at(0).startIndex, 1);
+    QVERIFY(copy.notches->model() == nullptr);
+}
+
+QTEST_APPLESS_MAIN(TestPipeline)
+#include "test_pipeline.moc"
