@@ -3,12 +3,19 @@
 
 #include <QWidget>
 
+struct MeasurementSetup;
+
 class GraphWidget : public QWidget
 {
     Q_OBJECT
 
 public:
     explicit GraphWidget(QWidget* parent);
+
+    void setSetup(MeasurementSetup*) {}
+
+signals:
+    void graphChanged();
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -1,0 +1,279 @@
+#include "app/main_window.h"
+
+#include "app/signal_job.h"
+#include "look/house_style.h"
+#include "setup/config_file.h"
+#include "ui_main_window.h"
+
+#include <QAbstractButton>
+#include <QCloseEvent>
+#include <QDebug>
+#include <QDir>
+#include <QHeaderView>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QStandardItemModel>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+namespace {
+
+const char defaultConfigName[] = "Notchbench.cfg";
+
+QString fixedPoint(double value)
+{
+    return QString::number(value, 'f', 6);
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget* parent)
+    : QMainWindow(parent),
+      ui(std::make_unique<Ui::MainWindow>()),
+      signalJob(std::make_shared<SignalJob>())
+{
+    ui->setupUi(this);
+    setStyleSheet(houseStyleSheet());
+    ui->main_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // Its slot rewrites this field with its own value, which would swallow digits while one types.
+    ui->nbw_srate_input->setKeyboardTracking(false);
+    ui->graph_widget->setSetup(&setup);
+    setWindowFlags(Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
+                   Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
+    QDir::setCurrent(QDir::homePath());
+
+    setup = loadDefaultConfig(QLatin1String(defaultConfigName));
+    bindTable();
+    // A loaded port other than 1000 opens a server here, through port_input.
+    notifyPropertyChanged();
+    // Deliberate: the constant and not the loaded port, so that a client finds the program on
+    // port 1000 after every start. A server that the refresh opened stays open beside it.
+    openServer(1000);
+
+    connect(ui->graph_widget, &GraphWidget::graphChanged, this, &MainWindow::graphChanged);
+    connect(signalJob.get(), &SignalJob::finished, this, &MainWindow::storeResult);
+    connect(this, &MainWindow::fftFinished, this, &MainWindow::fftCalculationFinished);
+}
+
+MainWindow::~MainWindow()
+{
+    saveDefaultConfig(setup, QLatin1String(defaultConfigName));
+    closeServer();
+    // Sockets of the window would report their end to slots of a window that is half gone.
+    const QList<QTcpSocket*> sockets = findChildren<QTcpSocket*>(
+        QString(), Qt::FindDirectChildrenOnly); // those not yet fetched belong to their server
+    for (QTcpSocket* socket : sockets) {
+        socket->disconnect(this);
+        delete socket;
+    }
+}
+
+void MainWindow::notifyPropertyChanged(QWidget* from)
+{
+    if (from != ui->nc_combobox) {
+        ui->nc_combobox->setCurrentIndex(setup.notchOrCarrier);
+    }
+    ui->seed_input->setEnabled(setup.phaseMode == 0);
+    showSource();
+    showDerivedValues();
+    showNotchInputs(from);
+    showSignalInputs(from);
+    showDataState();
+    ui->tcp_status->setState(setup.tcpState);
+    ui->crest_factor_output->setText(crestFactorText());
+    showServer(from);
+    showMeasurement(from);
+    if (from != ui->sinx_checkbox) {
+        ui->sinx_checkbox->setChecked(setup.sinxCompensation);
+    }
+    ui->sinx_checkbox->setEnabled(setup.customSource == 0);
+    ui->graph_widget->update();
+    showTable();
+}
+
+void MainWindow::showSource()
+{
+    ui->le_custom_file->setText(setup.phaseMagFile);
+    ui->i_file->setText(setup.iFile);
+    ui->q_file->setText(setup.qFile);
+    ui->signal_stacked_widget->setCurrentIndex(setup.customSource);
+    ui->internal_ratio_button->setChecked(setup.customSource == 0);
+    ui->mp_load_ratio_button->setChecked(setup.customSource == 1);
+    ui->iq_load_ratio_button->setChecked(setup.customSource == 2);
+}
+
+void MainWindow::showDerivedValues()
+{
+    ui->line_spacing_input->setText(fixedPoint(setup.sampleRate / setup.fftLength() / 1000.0));
+    ui->noise_bw_output->setText(fixedPoint(setup.nbwSrate * setup.sampleRate / 1000000.0));
+}
+
+void MainWindow::showNotchInputs(QWidget* from)
+{
+    const bool notchMode = setup.notchOrCarrier == 0;
+    if (from != ui->notch_count_input) {
+        ui->notch_count_input->setValue(static_cast<int>(setup.notchCount));
+    }
+    if (from != ui->notch_width_input) {
+        ui->notch_width_input->setValue(setup.notchWidth / 1e6);
+    }
+    ui->notch_width_input->setEnabled(notchMode);
+    if (from != ui->notch_offset_input) {
+        ui->notch_offset_input->setValue(setup.notchOffset / 1e6);
+    }
+    ui->notch_depth_input->setEnabled(notchMode);
+    if (from != ui->notch_depth_input) {
+        ui->notch_depth_input->setValue(setup.notchDepth);
+    }
+}
+
+void MainWindow::showSignalInputs(QWidget* from)
+{
+    if (from != ui->sample_rate_input) {
+        ui->sample_rate_input->setValue(setup.sampleRate / 1e6);
+    }
+    if (from != ui->nbw_srate_input) {
+        ui->nbw_srate_input->setValue(setup.nbwSrate);
+    }
+    if (from != ui->fft_length_input) {
+        ui->fft_length_input->setCurrentIndex(setup.fftLengthIndex);
+    }
+    if (from != ui->phase_mode_combobox) {
+        ui->phase_mode_combobox->setCurrentIndex(setup.phaseMode);
+    }
+    if (from != ui->seed_input) {
+        ui->seed_input->setValue(static_cast<int>(setup.seed));
+    }
+    ui->compensate_checkbox->setEnabled(setup.traceLoaded);
+    if (from != ui->compensate_checkbox) {
+        ui->compensate_checkbox->setChecked(setup.compensate);
+    }
+}
+
+void MainWindow::showDataState()
+{
+    static const char* const texts[] = {"Data valid", "Data invalid", "Calculating ..."};
+    const auto state = static_cast<int>(setup.dataState);
+    ui->fft_status->setState(state);
+    ui->fft_status_label->setText(QLatin1String(texts[state]));
+    ui->calc_fft_button->setEnabled(setup.dataState != DataState::Calculating);
+    ui->actionSave_Waveform->setEnabled(setup.dataState == DataState::Valid);
+}
+
+QString MainWindow::crestFactorText() const
+{
+    if (setup.crestFactor == 0.0) {
+        return QStringLiteral("---");
+    }
+    return QString::number(setup.crestFactor, 'g', 6) + QLatin1String(" dB");
+}
+
+void MainWindow::showServer(QWidget* from)
+{
+    if (setup.tcpState == 0) {
+        ui->tcp_status_label->setText(QStringLiteral("connected"));
+    } else if (setup.tcpState == 1) {
+        ui->tcp_status_label->setText(QStringLiteral("not connected"));
+    }
+    if (from != ui->port_input) {
+        ui->port_input->setValue(setup.tcpPort);
+    }
+}
+
+void MainWindow::showMeasurement(QWidget* from)
+{
+    const bool notchPicked = setup.measureNotch != 0;
+    const bool single = setup.measureMode == 1;
+    ui->preset_button->setEnabled(single);
+    ui->measure_notch->setMaximum(setup.notches->items.size());
+    if (from != ui->measure_notch) {
+        ui->measure_notch->setValue(setup.measureNotch);
+    }
+    ui->measure_mode->setEnabled(notchPicked);
+    if (from != ui->measure_mode) {
+        ui->measure_mode->setCurrentIndex(setup.measureMode);
+    }
+    ui->measure_button->setEnabled(notchPicked && single);
+}
+
+void MainWindow::showTable()
+{
+    // The rebuild starts from an empty model; the operator's place in a long table is kept.
+    const int scrolledTo = ui->main_table->verticalScrollBar()->value();
+    setup.notches->fillTable(setup.effectiveFrequency());
+    QStandardItemModel* model = setup.notches->model();
+    ui->main_table->selectionModel()->select(
+        model->index(setup.measureNotch - 1, 0),
+        QItemSelectionModel::Clear | QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    const bool carrierMode = setup.notchOrCarrier == 1;
+    for (const int column : {1, 2, 3, 5, 6}) {
+        ui->main_table->setColumnHidden(column, carrierMode);
+    }
+    if (carrierMode) {
+        model->setHorizontalHeaderItem(4, new QStandardItem(QStringLiteral("Index")));
+    }
+    if (scrolledTo > 0) {
+        ui->main_table->doItemsLayout(); // the new rows give the scroll bar its range
+        ui->main_table->verticalScrollBar()->setValue(scrolledTo);
+    }
+}
+
+void MainWindow::invalidate(QWidget* from)
+{
+    setup.setDataState(DataState::Invalid);
+    notifyPropertyChanged(from);
+}
+
+void MainWindow::on_calc_fft_button_clicked()
+{
+    setup.setDataState(DataState::Calculating);
+    notifyPropertyChanged();
+    SignalJob::start(signalJob, setup);
+}
+
+void MainWindow::storeResult(const CalculationResult& result)
+{
+    setup.signal = result.signal;
+    setup.crestFactor = result.crestFactor;
+    emit fftFinished();
+}
+
+// Deliberate: the end of a job makes the data valid even if a parameter changed meanwhile.
+void MainWindow::fftCalculationFinished()
+{
+    setup.setDataState(setup.signal.size() != 0 ? DataState::Valid : DataState::Invalid);
+    notifyPropertyChanged();
+}
+
+void MainWindow::graphChanged()
+{
+    setup.notches->fillTable(setup.effectiveFrequency());
+    invalidate();
+}
+
+void MainWindow::on_quit_button_clicked()
+{
+    qDebug() << "Quit Clicked";
+    close();
+}
+
+void MainWindow::closeEvent(QCloseEvent* event)
+{
+    if (signalJob->isRunning()) {
+        QMessageBox box;
+        box.setText(QStringLiteral("Calculation in Progress"));
+        box.setInformativeText(QStringLiteral("Closing...\nPlease Wait"));
+        box.setStandardButtons(QMessageBox::Close);
+        box.button(QMessageBox::Close)->setText(QStringLiteral("Force Close"));
+        box.setDefaultButton(QMessageBox::NoButton);
+        box.exec();
+        // Deliberate: read once, and never again. Forcing the close of a running calculation
+        // hangs the program until it is killed, so no half-finished state is ever saved. The
+        // read is volatile because a loop without effect may be removed otherwise.
+        const volatile bool running = signalJob->isRunning();
+        while (running) {
+        }
+    }
+    event->accept();
+}

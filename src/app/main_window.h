@@ -1,0 +1,115 @@
+// The main window: owner of the one record, and the place where every input of the operator
+// lands. A slot stores into the record, says whether the signal still matches the settings, and
+// calls notifyPropertyChanged, the only path from the record to the screen.
+//
+// The slots are spread over files by concern: main_window.cpp (construction, refresh,
+// calculation, closing), main_window_panel.cpp, main_window_table.cpp, main_window_server.cpp,
+// main_window_menus.cpp. Slots named on_<object>_<signal> are connected by name.
+//
+// Main thread only. Calculations run on the global pool, on a copy of the record.
+#pragma once
+
+#include "setup/measurement_setup.h"
+
+#include <QMainWindow>
+#include <QPointer>
+
+#include <memory>
+
+class QStandardItem;
+class QTcpServer;
+class QTcpSocket;
+class SignalJob;
+struct CalculationResult;
+
+namespace Ui {
+class MainWindow;
+}
+
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    // Reads the default configuration and opens the status server on port 1000. Moves the
+    // process to the home directory, where the file dialogs start.
+    explicit MainWindow(QWidget* parent = nullptr);
+
+    // Writes the default configuration.
+    ~MainWindow() override;
+
+signals:
+    // A calculation has ended and its result stands in the record.
+    void fftFinished();
+
+public slots:
+    // Copies the record to all widgets. from is the widget that the operator is moving: its
+    // value is not written back. No signals are blocked: a write that changes a widget's value
+    // comes back through that widget's slot, rounded and clamped as the widget shows it.
+    void notifyPropertyChanged(QWidget* from = nullptr);
+
+    void new_connection();
+    void read_connection();
+    void disconnected();
+    void fftCalculationFinished();
+    void graphChanged();
+    void on_autocalc_notches_button_clicked();
+    void on_quit_button_clicked();
+    void on_notch_count_input_valueChanged(int value);
+    void table_cell_changed(QStandardItem* item);
+    void on_fft_length_input_currentIndexChanged(int index);
+    void on_notch_width_input_valueChanged(double value);
+    void on_notch_offset_input_valueChanged(double value);
+    void on_notch_depth_input_valueChanged(double value);
+    void on_sample_rate_input_valueChanged(double value);
+    void on_nbw_srate_input_valueChanged(double value);
+    void on_calc_fft_button_clicked();
+    void on_internal_ratio_button_toggled(bool checked);
+    void on_mp_load_ratio_button_toggled(bool checked);
+    void on_iq_load_ratio_button_toggled(bool checked);
+    void on_phase_mode_combobox_currentIndexChanged(int index);
+    void on_le_custom_file_button_clicked();
+    void on_i_file_button_clicked();
+    void on_q_file_button_clicked();
+    void on_nc_combobox_currentIndexChanged(int index);
+    void on_seed_input_valueChanged(int value);
+    void on_port_input_valueChanged(int value);
+    void on_sinx_checkbox_toggled(bool checked);
+    void on_actionHelp_triggered();
+    void on_actionLoad_Cfg_File_triggered();
+    void on_actionSave_Cfg_File_triggered();
+    void on_compensate_checkbox_toggled(bool checked);
+    void on_actionSave_Waveform_triggered();
+    void on_actionQuit_triggered();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    QString crestFactorText() const;
+    void showSource();
+    void showDerivedValues();
+    void showNotchInputs(QWidget* from);
+    void showSignalInputs(QWidget* from);
+    void showDataState();
+    void showServer(QWidget* from);
+    void showMeasurement(QWidget* from);
+    void showTable();
+
+    void invalidate(QWidget* from = nullptr);
+    void storeResult(const CalculationResult& result);
+    void bindTable();
+    void connectTable();
+    void disconnectTable();
+    void selectSource(int source, bool checked);
+    void pickFile(QString& field, const QString& title, const QString& filter);
+    void openServer(quint16 port);
+    void closeServer();
+    void send(const QByteArray& bytes);
+
+    std::unique_ptr<Ui::MainWindow> ui;
+    MeasurementSetup setup;
+    QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
+    QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list
+    std::shared_ptr<SignalJob> signalJob;
+};

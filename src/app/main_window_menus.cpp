@@ -1,0 +1,65 @@
+// The menu entries. Nothing here reports a failure: a file that can't be read or written leaves
+// everything as it was.
+#include "app/main_window.h"
+#include "files/waveform_output.h"
+#include "setup/config_file.h"
+#include "ui_main_window.h"
+
+#include <QDir>
+#include <QFileDialog>
+#include <QProcess>
+
+namespace {
+
+const char configFilter[] = "Config File (*.cfg)";
+
+} // namespace
+
+void MainWindow::on_actionLoad_Cfg_File_triggered()
+{
+    const QString name = QFileDialog::getOpenFileName(
+        this, QStringLiteral("Load Cfg File"), QDir::currentPath(), QLatin1String(configFilter));
+    if (name.isEmpty()) {
+        return;
+    }
+    // The table connection belongs to the old model, which may live on in a copy.
+    disconnectTable();
+    setup = loadConfig(name);
+    bindTable();
+    invalidate();
+}
+
+void MainWindow::on_actionSave_Cfg_File_triggered()
+{
+    const QString name = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Save Cfg File"), QDir::currentPath(), QLatin1String(configFilter));
+    if (!name.isEmpty()) {
+        saveConfig(setup, name);
+    }
+}
+
+void MainWindow::on_actionSave_Waveform_triggered()
+{
+    QString selectedFilter = QStringLiteral("Kelmar WV File (*.wv)");
+    const QString name = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Save Waveform"), QDir::currentPath(),
+        QStringLiteral("I/Q Files (*.i;*.q);;Wave Files (*.i.wav;*.q.wav);;Kelmar WV File (*.wv)"),
+        &selectedFilter);
+    saveWaveform(name, setup.signal, setup.sampleRate);
+}
+
+void MainWindow::on_actionQuit_triggered()
+{
+    close();
+}
+
+// Deliberate: the process is never freed, so the viewer outlives the window, and a missing
+// viewer gives no message.
+void MainWindow::on_actionHelp_triggered()
+{
+    auto* viewer = new QProcess;
+    viewer->start(QStringLiteral("assistant"),
+                  {QStringLiteral("-collectionFile"), QStringLiteral("collection.qhc")},
+                  QIODevice::ReadWrite);
+    viewer->waitForStarted(10000);
+}

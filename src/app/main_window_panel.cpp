@@ -1,0 +1,138 @@
+// Slots of the parameter panel. Parameters of the signal invalidate it; the four inputs that only
+// prepare "Auto-Calculate" do not.
+#include "app/main_window.h"
+#include "ui_main_window.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFileDialog>
+
+void MainWindow::on_nc_combobox_currentIndexChanged(int index)
+{
+    if (index == setup.notchOrCarrier) {
+        return;
+    }
+    setup.notchOrCarrier = index;
+    setup.notches->clear();
+    invalidate(ui->nc_combobox);
+}
+
+void MainWindow::on_sample_rate_input_valueChanged(double value)
+{
+    setup.sampleRate = value * 1e6;
+    invalidate(ui->sample_rate_input);
+}
+
+void MainWindow::on_nbw_srate_input_valueChanged(double value)
+{
+    setup.nbwSrate = value;
+    // Deliberate: names the other widget, so that this one is rewritten with its own value.
+    invalidate(ui->sample_rate_input);
+}
+
+void MainWindow::on_fft_length_input_currentIndexChanged(int index)
+{
+    setup.fftLengthIndex = index;
+    qDebug() << "FFT Length Changed To: " << setup.fftLength();
+    invalidate(ui->fft_length_input);
+}
+
+void MainWindow::on_notch_count_input_valueChanged(int value)
+{
+    qDebug() << "Notch Count Changed";
+    setup.notchCount = static_cast<quint32>(value);
+    notifyPropertyChanged(ui->notch_count_input);
+}
+
+void MainWindow::on_notch_width_input_valueChanged(double value)
+{
+    setup.notchWidth = value * 1e6;
+    notifyPropertyChanged(ui->notch_width_input);
+}
+
+void MainWindow::on_notch_offset_input_valueChanged(double value)
+{
+    setup.notchOffset = value * 1e6;
+    notifyPropertyChanged(ui->notch_offset_input);
+}
+
+void MainWindow::on_notch_depth_input_valueChanged(double value)
+{
+    setup.notchDepth = value;
+    notifyPropertyChanged(ui->notch_depth_input);
+}
+
+// A change of source fires two slots; the one of the button that was left does nothing, so the
+// signal is invalidated once.
+void MainWindow::selectSource(int source, bool checked)
+{
+    if (checked) {
+        setup.customSource = source;
+        invalidate();
+    }
+}
+
+void MainWindow::on_internal_ratio_button_toggled(bool checked)
+{
+    selectSource(0, checked);
+}
+
+void MainWindow::on_mp_load_ratio_button_toggled(bool checked)
+{
+    selectSource(1, checked);
+}
+
+void MainWindow::on_iq_load_ratio_button_toggled(bool checked)
+{
+    selectSource(2, checked);
+}
+
+void MainWindow::on_phase_mode_combobox_currentIndexChanged(int index)
+{
+    setup.phaseMode = index;
+    invalidate();
+}
+
+void MainWindow::on_seed_input_valueChanged(int value)
+{
+    setup.seed = static_cast<quint32>(value);
+    invalidate(ui->seed_input);
+}
+
+void MainWindow::on_sinx_checkbox_toggled(bool checked)
+{
+    setup.sinxCompensation = checked;
+    invalidate(ui->sinx_checkbox);
+}
+
+void MainWindow::on_compensate_checkbox_toggled(bool checked)
+{
+    setup.compensate = checked;
+    invalidate(ui->compensate_checkbox);
+}
+
+void MainWindow::pickFile(QString& field, const QString& title, const QString& filter)
+{
+    const QString name = QFileDialog::getOpenFileName(this, title, QDir::homePath(), filter);
+    if (name.isEmpty()) {
+        return;
+    }
+    field = name;
+    invalidate();
+}
+
+void MainWindow::on_le_custom_file_button_clicked()
+{
+    pickFile(setup.phaseMagFile, QStringLiteral("Load Magnitue / Phase File"),
+             QStringLiteral("Magnitude/Phase File (*.pmc)"));
+}
+
+void MainWindow::on_i_file_button_clicked()
+{
+    pickFile(setup.iFile, QStringLiteral("Load I File"), QStringLiteral("WAV File (*.wav)"));
+}
+
+void MainWindow::on_q_file_button_clicked()
+{
+    pickFile(setup.qFile, QStringLiteral("Load Q File"), QStringLiteral("WAV File (*.wav)"));
+}

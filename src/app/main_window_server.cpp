@@ -1,0 +1,99 @@
+// The TCP status server: one client at a time, on the main thread.
+#include "app/main_window.h"
+#include "app/status_replies.h"
+#include "ui_main_window.h"
+
+#include <QDebug>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int requestSize = 1024;          // bytes of one read
+constexpr int writeSize = 64000;           // bytes of one write
+constexpr qint64 mostUnread = 1024 * 1024; // bytes; the rest waits in the client
+
+} // namespace
+
+void MainWindow::openServer(quint16 port)
+{
+    tcpServer = new QTcpServer(this);
+    tcpServer->listen(QHostAddress::Any, port);
+    connect(tcpServer, &QTcpServer::newConnection, this, &MainWindow::new_connection);
+}
+
+void MainWindow::closeServer()
+{
+    if (tcpServer) {
+        tcpServer->close();
+        tcpServer->deleteLater();
+    }
+}
+
+void MainWindow::on_port_input_valueChanged(int value)
+{
+    setup.tcpPort = static_cast<quint16>(value);
+    closeServer();
+    openServer(setup.tcpPort);
+    notifyPropertyChanged(ui->port_input);
+}
+
+// The second of two clients takes the place of the first, which is neither closed nor told.
+void MainWindow::new_connection()
+{
+    // A server that was replaced still reports connections, which the present one doesn't have.
+    QTcpSocket* socket = tcpServer->nextPendingConnection();
+    if (socket == nullptr) {
+        return;
+    }
+    socket->setParent(this); // outlives a change of the port
+    socket->setReadBufferSize(mostUnread);
+    tcpSocket = socket;
+    connect(socket, &QTcpSocket::readyRead, this, &MainWindow::read_connection);
+    connect(socket, &QTcpSocket::disconnected, this, &MainWindow::disconnected);
+    send(greeting(setup));
+    // A client that went while it was greeted has already been reported as gone.
+    if (socket->state() == QAbstractSocket::ConnectedState) {
+        setup.tcpState = 0;
+    }
+    notifyPropertyChanged();
+}
+
+// One reply a read: what follows the first word is dropped, and a request split over two reads
+// is not recognised. Clients send one request and wait for its answer.
+void MainWindow::read_connection()
+{
+    if (!tcpSocket) {
+        return;
+    }
+    char buffer[requestSize];
+    const qint64 count = tcpSocket->read(buffer, sizeof(buffer));
+    const QString request =
+        QString::fromLocal8Bit(buffer, static_cast<int>(std::max<qint64>(count, 0)));
+    qDebug() << "<< " << request;
+    send(replyTo(request, setup));
+}
+
+// Deliberate: whichever client goes, the present one goes with it. The protocol is for one
+// client at a time.
+void MainWindow::disconnected()
+{
+    setup.tcpState = 1;
+    notifyPropertyChanged();
+    if (tcpSocket) {
+        tcpSocket->deleteLater();
+    }
+    if (sender() != nullptr && sender() != tcpSocket) {
+        sender()->deleteLater(); // a client whose place was taken is kept by nobody else
+    }
+}
+
+void MainWindow::send(const QByteArray& bytes)
+{
+    for (int from = 0; from < bytes.size(); from += writeSize) {
+        tcpSocket->write(bytes.constData() + from, std::min(writeSize, bytes.size() - from));
+    }
+    tcpSocket->flush();
+}

@@ -1,0 +1,93 @@
+// A program with the real window that closes at a chosen moment; test_closing runs it as a
+// process of its own and judges how it ends.
+#include "app/main_window.h"
+#include "support/window_driver.h"
+
+#include <QSemaphore>
+#include <QThreadPool>
+
+namespace {
+
+bool isCalculating(const WindowDriver& operate)
+{
+    return operate.text("fft_status_label") == QLatin1String("Calculating ...");
+}
+
+void closeWithNothingRunning(MainWindow& window, const WindowDriver&)
+{
+    window.close();
+}
+
+// The box stays until the operator ends it, even after the calculation has ended.
+void closeAndWaitForTheCalculation(MainWindow& window, const WindowDriver& operate)
+{
+    operate.pick("fft_length_input", 0);
+    operate.click("calc_fft_button");
+    QTest::qWait(50);
+    operate.onNext<QMessageBox>([&operate](QMessageBox* box) {
+        const bool texts = box->text() == QLatin1String("Calculation in Progress") &&
+                           box->informativeText() == QLatin1String("Closing...\nPlease Wait") &&
+                           box->buttons().size() == 1 &&
+                           box->buttons().constFirst()->text() == QLatin1String("Force Close") &&
+                           box->defaultButton() == nullptr;
+        const bool ended = QTest::qWaitFor([&operate] { return !isCalculating(operate); }, 120000);
+        QTest::qWait(100);
+        if (!texts || !ended || !box->isVisible()) {
+            qFatal("the box is not as it should be");
+        }
+        QTest::mouseClick(box->buttons().constFirst(), Qt::LeftButton);
+    });
+    window.close();
+}
+
+void forceTheCloseOfARunningCalculation(MainWindow& window, const WindowDriver& operate)
+{
+    operate.pick("fft_length_input", 0);
+    operate.click("calc_fft_button");
+    QTest::qWait(50);
+    operate.onNext<QMessageBox>(
+        [](QMessageBox* box) { QTest::mouseClick(box->buttons().constFirst(), Qt::LeftButton); });
+    window.close();
+}
+
+// The pool is busy with something else, so the calculation starts only after the window has gone.
+void closeBeforeTheCalculationStarts(MainWindow& window, const WindowDriver& operate)
+{
+    static QSemaphore gate;
+    QThreadPool::globalInstance()->setMaxThreadCount(1);
+    QThreadPool::globalInstance()->start([] { gate.acquire(); });
+    operate.click("calc_fft_button");
+    window.close();
+    QObject::connect(&window, &QObject::destroyed, [] { gate.release(); });
+}
+
+struct Scenario
+{
+    const char* name;
+    void (*play)(MainWindow&, const WindowDriver&);
+};
+
+const Scenario scenarios[] = {
+    {"idle", closeWithNothingRunning},
+    {"wait", closeAndWaitForTheCalculation},
+    {"force", forceTheCloseOfARunningCalculation},
+    {"queued", closeBeforeTheCalculationStarts},
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    const QString name = application.arguments().value(1);
+    MainWindow window;
+    const WindowDriver operate(window);
+    window.show();
+    for (const Scenario& scenario : scenarios) {
+        if (name == QLatin1String(scenario.name)) {
+            QTimer::singleShot(0, &window, [&] { scenario.play(window, operate); });
+            return QApplication::exec();
+        }
+    }
+    return 2;
+}

@@ -1,0 +1,262 @@
+// The menus: configurations, waveforms, signal files and help, through real file dialogs.
+#include "app/main_window.h"
+#include "support/fresh_home.h"
+#include "support/window_driver.h"
+
+#include <QTemporaryDir>
+
+#include <cmath>
+
+class TestMainWindowMenus : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void entriesOfLaterDialogsAreDisabled();
+    void savedConfigurationLoadsAgain();
+    void cancelledDialogsKeepEverything();
+    void missingConfigurationGivesDefaults();
+    void loadingForgetsTheSignal();
+    void typedCellsWorkAfterALoad();
+    void waveformIsSavedInThreeForms();
+    void waveformOfAnotherEndingIsNotSaved();
+    void magnitudePhaseFileIsPickedAndUsed();
+    void sampleFilesArePickedAndUsed();
+    void failedPickKeepsTheField();
+    void helpWithoutAViewerDoesNothingVisible();
+    void quitClosesTheWindow();
+
+private:
+    void writeFile(const QString& name, const QByteArray& bytes);
+    QByteArray readFile(const QString& name);
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowDriver> operate;
+};
+
+void TestMainWindowMenus::init()
+{
+    forgetSavedSettings();
+    folder = std::make_unique<QTemporaryDir>();
+    window = std::make_unique<MainWindow>();
+    operate = std::make_unique<WindowDriver>(*window);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void TestMainWindowMenus::cleanup()
+{
+    operate.reset();
+    window.reset();
+    folder.reset();
+}
+
+void TestMainWindowMenus::writeFile(const QString& name, const QByteArray& bytes)
+{
+    QFile file(folder->filePath(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64{bytes.size()});
+}
+
+QByteArray TestMainWindowMenus::readFile(const QString& name)
+{
+    QFile file(folder->filePath(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestMainWindowMenus::entriesOfLaterDialogsAreDisabled()
+{
+    for (const char* name :
+         {"actionDevices", "actionOptimize_Crest_Fector", "actionLoad_SAN_Mag", "actionAbout"}) {
+        QVERIFY2(!window->findChild<QAction*>(name)->isEnabled(), name);
+    }
+}
+
+void TestMainWindowMenus::savedConfigurationLoadsAgain()
+{
+    operate->type("sample_rate_input", "61.44");
+    operate->type("notch_count_input", "3");
+    operate->type("notch_offset_input", "0");
+    operate->click("autocalc_notches_button");
+    QString title;
+    operate->answerFileDialog(folder->filePath("a.cfg"), &title);
+    operate->trigger("actionSave_Cfg_File");
+    QCOMPARE(title, QStringLiteral("Save Cfg File"));
+    QVERIFY(readFile("a.cfg").contains("SRate = 6.144e+07\n"));
+
+    operate->type("sample_rate_input", "10");
+    operate->pick("nc_combobox", 1);
+    operate->answerFileDialog(folder->filePath("a.cfg"), &title);
+    operate->trigger("actionLoad_Cfg_File");
+    QCOMPARE(title, QStringLiteral("Load Cfg File"));
+    QCOMPARE(operate->text("sample_rate_input"), QStringLiteral("61.440000"));
+    QCOMPARE(operate->text("nc_combobox"), QStringLiteral("Notch"));
+    QCOMPARE(operate->rowCount(), 3);
+    QCOMPARE(operate->text("notch_count_input"), QStringLiteral("3"));
+}
+
+void TestMainWindowMenus::cancelledDialogsKeepEverything()
+{
+    operate->type("sample_rate_input", "61.44");
+    operate->type("notch_count_input", "3");
+    operate->click("autocalc_notches_button");
+    const int rows = operate->rowCount();
+    for (const char* action :
+         {"actionLoad_Cfg_File", "actionSave_Cfg_File", "actionSave_Waveform"}) {
+        window->findChild<QAction*>(action)->setEnabled(true);
+        operate->answerFileDialog(QString());
+        operate->trigger(action);
+    }
+    QCOMPARE(operate->text("sample_rate_input"), QStringLiteral("61.440000"));
+    QCOMPARE(operate->rowCount(), rows);
+}
+
+void TestMainWindowMenus::missingConfigurationGivesDefaults()
+{
+    operate->type("sample_rate_input", "61.44");
+    writeFile("empty.cfg", "no section at all\n");
+    operate->answerFileDialog(folder->filePath("empty.cfg"));
+    operate->trigger("actionLoad_Cfg_File");
+    QCOMPARE(operate->text("sample_rate_input"), QStringLiteral("100.000000"));
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+}
+
+void TestMainWindowMenus::loadingForgetsTheSignal()
+{
+    operate->pick("fft_length_input", 16);
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    QVERIFY(operate->text("crest_factor_output") != QLatin1String("---"));
+    writeFile("empty.cfg", "");
+    operate->answerFileDialog(folder->filePath("empty.cfg"));
+    operate->trigger("actionLoad_Cfg_File");
+    QCOMPARE(operate->text("crest_factor_output"), QStringLiteral("---"));
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+}
+
+void TestMainWindowMenus::typedCellsWorkAfterALoad()
+{
+    writeFile("one.cfg", "[Notch 1]\nfcenter = 0\nfspan = 1e+07\nStart = -10\nStop = 10\n"
+                         "Notch Depth = -40\n\n");
+    operate->answerFileDialog(folder->filePath("one.cfg"));
+    operate->trigger("actionLoad_Cfg_File");
+    QCOMPARE(operate->rowCount(), 1);
+    operate->typeCell(0, 4, "20");
+    QCOMPARE(operate->cell(0, 4), QStringLiteral("10"));
+    QCOMPARE(operate->cell(0, 5), QStringLiteral("20"));
+}
+
+void TestMainWindowMenus::waveformIsSavedInThreeForms()
+{
+    operate->pick("fft_length_input", 16);
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+
+    QString title;
+    operate->answerFileDialog(folder->filePath("text.i"), &title);
+    operate->trigger("actionSave_Waveform");
+    QCOMPARE(title, QStringLiteral("Save Waveform"));
+    QCOMPARE(readFile("text.i").count('\n'), 64);
+    QCOMPARE(readFile("text.q").count('\n'), 64);
+
+    operate->answerFileDialog(folder->filePath("wave.q.wav"));
+    operate->trigger("actionSave_Waveform");
+    QCOMPARE(readFile("wave.i.wav").size(), 44 + 128);
+    QCOMPARE(readFile("wave.q.wav").mid(24, 4), QByteArray::fromHex("00e1f505")); // 100 MHz
+
+    operate->answerFileDialog(folder->filePath("form.WV"));
+    operate->trigger("actionSave_Waveform");
+    QVERIFY(readFile("form.wv").startsWith("{TYPE:PHD-WV,0}{COPYRIGHT:"));
+    QVERIFY(readFile("form.wv").contains("{SAMPLES:64}             {CLOCK:100000000}"));
+}
+
+void TestMainWindowMenus::waveformOfAnotherEndingIsNotSaved()
+{
+    operate->pick("fft_length_input", 16);
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    operate->answerFileDialog(folder->filePath("wave.txt"));
+    operate->trigger("actionSave_Waveform");
+    QVERIFY(QDir(folder->path()).isEmpty());
+}
+
+void TestMainWindowMenus::magnitudePhaseFileIsPickedAndUsed()
+{
+    writeFile("line.pmc", "4\n3 0.0 2.0\n");
+    operate->click("mp_load_ratio_button");
+    QString title;
+    operate->answerFileDialog(folder->filePath("line.pmc"), &title);
+    operate->click("le_custom_file_button");
+    QCOMPARE(title, QStringLiteral("Load Magnitue / Phase File"));
+    QCOMPARE(operate->text("le_custom_file"), folder->filePath("line.pmc"));
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    operate->answerFileDialog(folder->filePath("out.i"));
+    operate->trigger("actionSave_Waveform");
+    // One line turning once over four samples, its peak made 2.5.
+    QCOMPARE(readFile("out.i").replace("-0.000000", "0.000000"),
+             QByteArray("2.500000\n0.000000\n-2.500000\n0.000000\n"));
+    QCOMPARE(readFile("out.q").replace("-0.000000", "0.000000"),
+             QByteArray("0.000000\n2.500000\n0.000000\n-2.500000\n"));
+}
+
+void TestMainWindowMenus::sampleFilesArePickedAndUsed()
+{
+    // Words 1, 2, 3 ... offset by the zero of 8192, so that no bin of the spectrum is zero.
+    QByteArray words;
+    for (int i = 0; i < 64; ++i) {
+        const int word = 8192 + 100 * i * i % 5000;
+        words.append(static_cast<char>(word & 0xFF)).append(static_cast<char>(word >> 8));
+    }
+    writeFile("i.wav", words);
+    writeFile("q.wav", words);
+    operate->click("iq_load_ratio_button");
+    QString title;
+    operate->answerFileDialog(folder->filePath("i.wav"), &title);
+    operate->click("i_file_button");
+    QCOMPARE(title, QStringLiteral("Load I File"));
+    operate->answerFileDialog(folder->filePath("q.wav"), &title);
+    operate->click("q_file_button");
+    QCOMPARE(title, QStringLiteral("Load Q File"));
+    QCOMPARE(operate->text("i_file"), folder->filePath("i.wav"));
+    QCOMPARE(operate->text("q_file"), folder->filePath("q.wav"));
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+
+    writeFile("q.wav", words.left(100)); // another size: a failed read, told by the status alone
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+}
+
+void TestMainWindowMenus::failedPickKeepsTheField()
+{
+    operate->click("mp_load_ratio_button");
+    operate->answerFileDialog(QString());
+    operate->click("le_custom_file_button");
+    QCOMPARE(operate->text("le_custom_file"), QString());
+}
+
+void TestMainWindowMenus::helpWithoutAViewerDoesNothingVisible()
+{
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", folder->path().toLocal8Bit());
+    operate->trigger("actionHelp");
+    qputenv("PATH", path);
+    QVERIFY(QApplication::activeModalWidget() == nullptr);
+    QVERIFY(window->isVisible());
+}
+
+void TestMainWindowMenus::quitClosesTheWindow()
+{
+    operate->trigger("actionQuit");
+    QVERIFY(!window->isVisible());
+    window->show();
+    operate->click("quit_button");
+    QVERIFY(!window->isVisible());
+}
+
+QTEST_MAIN(TestMainWindowMenus)
+#include "test_main_window_menus.moc"

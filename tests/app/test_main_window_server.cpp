@@ -1,0 +1,351 @@
+// The status server of the window, met by real clients on real sockets.
+#include "app/main_window.h"
+#include "support/fresh_home.h"
+#include "support/status_client.h"
+#include "support/window_driver.h"
+
+#include <QTcpServer>
+
+#include <cstring>
+
+namespace {
+
+QByteArray hex(const char* text)
+{
+    return QByteArray::fromHex(text);
+}
+
+// A port that was free a moment ago.
+quint16 freePort()
+{
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return server.serverPort();
+}
+
+// Only a privileged process may listen on port 1000 on this platform.
+bool mayUsePort1000()
+{
+    QTcpServer server;
+    return server.listen(QHostAddress::Any, 1000);
+}
+
+float floatAt(const QByteArray& bytes, int offset)
+{
+    float value = 0.0F;
+    std::memcpy(&value, bytes.constData() + offset, sizeof(value));
+    return value;
+}
+
+const char notNew[] = "03000000 00000000";
+const char rate100MHz[] = "00000000 20bcbe4c";
+const char length64[] = "01000000 00008042";
+
+} // namespace
+
+class TestMainWindowServer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void listensOnPort1000AtStart();
+    void loadedPortOpensASecondServer();
+    void greetingComesUnasked();
+    void newStateCarriesTheSamplesOnce();
+    void changeBeforeThePollForgetsTheResult();
+    void bigBlockArrivesWhole();
+    void splitRequestIsNotRecognised();
+    void joinedRequestsGetOneReply();
+    void unknownTextKeepsTheConnection();
+    void hugeRequestKeepsTheWindowAlive();
+    void disconnectionShowsOnTheScreen();
+    void secondClientTakesThePlaceOfTheFirst();
+    void firstClientThatGoesTakesTheSecondAlong();
+    void clientsThatComeAndGoLeaveNothingBehind();
+    void clientStaysConnectedThroughAPortChange();
+    void portInUseGoesUnnoticed();
+    void clientInTheMiddleOfABlockMayVanish();
+
+private:
+    void calculate64();
+
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowDriver> operate;
+    quint16 port = 0;
+};
+
+void TestMainWindowServer::init()
+{
+    forgetSavedSettings();
+    window = std::make_unique<MainWindow>();
+    operate = std::make_unique<WindowDriver>(*window);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    port = freePort();
+    operate->type("port_input", QString::number(port));
+    operate->pick("fft_length_input", 16); // 64
+}
+
+void TestMainWindowServer::cleanup()
+{
+    operate.reset();
+    window.reset();
+}
+
+void TestMainWindowServer::calculate64()
+{
+    operate->pick("phase_mode_combobox", 3); // constant: sample 0 is sqrt(64) at pi/4
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+}
+
+void TestMainWindowServer::listensOnPort1000AtStart()
+{
+    cleanup();
+    forgetSavedSettings();
+    if (!mayUsePort1000()) {
+        QSKIP("port 1000 needs a privileged process or is taken");
+    }
+    window = std::make_unique<MainWindow>();
+    StatusClient client;
+    QVERIFY(client.connectTo(1000));
+    QCOMPARE(client.take(24), hex(notNew) + hex("01000000 00000048") + hex(rate100MHz));
+}
+
+void TestMainWindowServer::loadedPortOpensASecondServer()
+{
+    cleanup(); // saves the port of init
+    window = std::make_unique<MainWindow>();
+    operate = std::make_unique<WindowDriver>(*window);
+    QCOMPARE(operate->text("port_input"), QString::number(port));
+    // The server on the loaded port is open, but its clients are never fetched from it.
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    if (!QTcpServer().listen(QHostAddress::Any, 1000)) {
+        StatusClient heard;
+        QVERIFY(heard.connectTo(1000));
+        QCOMPARE(heard.take(24).size(), 24);
+        QCOMPARE(client.socket.bytesAvailable(), 0);
+    }
+}
+
+void TestMainWindowServer::greetingComesUnasked()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    QCOMPARE(client.take(24), hex(notNew) + hex(length64) + hex(rate100MHz));
+    QVERIFY(client.isSilentBeforeIdentity());
+    QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
+}
+
+void TestMainWindowServer::newStateCarriesTheSamplesOnce()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    calculate64();
+    const QByteArray reply = client.ask("GetNewState", 24 + 4 + 64 * 8);
+    QCOMPARE(reply.left(28),
+             hex("03000000 0000803f") + hex(rate100MHz) + hex(length64) + hex("02000000"));
+    QCOMPARE(floatAt(reply, 28), 5.656854F); // 8 cos(pi/4)
+    QCOMPARE(floatAt(reply, 32), 5.656854F);
+    for (int word = 2; word < 128; ++word) {
+        QVERIFY(qAbs(floatAt(reply, 28 + 4 * word)) < 1e-12F);
+    }
+    QCOMPARE(client.ask("GetNewState", 8), hex(notNew));
+    QVERIFY(client.isSilentBeforeIdentity());
+    QCOMPARE(client.ask("GetSymbol", 4 + 64 * 8), reply.mid(24));
+}
+
+void TestMainWindowServer::changeBeforeThePollForgetsTheResult()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    calculate64();
+    operate->type("nbw_srate_input", "0.9");
+    QCOMPARE(client.ask("GetNewState", 8), hex(notNew));
+    QVERIFY(client.isSilentBeforeIdentity());
+}
+
+void TestMainWindowServer::bigBlockArrivesWhole()
+{
+    operate->pick("fft_length_input", 5); // 131072
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    const QByteArray block = client.ask("GetSymbol", 1048580);
+    QCOMPARE(block.size(), 1048580);
+    QCOMPARE(block.left(4), hex("02000000"));
+    QVERIFY(client.isSilentBeforeIdentity());
+    // Unit mean power: the squares of all words add up to the number of samples.
+    double power = 0.0;
+    for (int word = 1; word <= 262144; ++word) {
+        power += double(floatAt(block, 4 * word)) * double(floatAt(block, 4 * word));
+    }
+    QVERIFY(qAbs(power / 131072 - 1.0) < 1e-6);
+}
+
+void TestMainWindowServer::splitRequestIsNotRecognised()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    client.send("GetServ");
+    // The window reads the first half before the second is sent.
+    client.send(QByteArray());
+    QTest::qWait(100);
+    client.send("erID");
+    QTest::qWait(100);
+    QCOMPARE(client.socket.bytesAvailable(), 0);
+    QVERIFY(client.isSilentBeforeIdentity());
+}
+
+void TestMainWindowServer::joinedRequestsGetOneReply()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    QCOMPARE(client.ask("GetServerIDGetNewState", 100).left(4), hex("04000000"));
+    QVERIFY(client.isSilentBeforeIdentity());
+    QCOMPARE(client.ask("GetSymbolRate\r\n", 8), hex(rate100MHz));
+    QVERIFY(client.isSilentBeforeIdentity());
+}
+
+void TestMainWindowServer::unknownTextKeepsTheConnection()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    client.send("getserverid");
+    QTest::qWait(50);
+    QVERIFY(client.isSilentBeforeIdentity());
+    QCOMPARE(client.ask("GetSequenceLength", 8), hex(length64));
+}
+
+void TestMainWindowServer::hugeRequestKeepsTheWindowAlive()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    client.send(QByteArray(8 * 1024 * 1024, 'x'));
+    QTest::qWait(200);
+    operate->type("seed_input", "3");
+    QCOMPARE(operate->text("seed_input"), QStringLiteral("3"));
+    QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
+}
+
+void TestMainWindowServer::disconnectionShowsOnTheScreen()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
+    client.socket.close();
+    QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+    StatusClient next;
+    QVERIFY(next.connectTo(port));
+    QCOMPARE(next.take(24).size(), 24);
+    QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
+}
+
+void TestMainWindowServer::secondClientTakesThePlaceOfTheFirst()
+{
+    StatusClient first;
+    QVERIFY(first.connectTo(port));
+    first.take(24);
+    StatusClient second;
+    QVERIFY(second.connectTo(port));
+    second.take(24);
+    // What the first sends is read from the second's buffer, where nothing is.
+    first.send("GetServerID");
+    QTest::qWait(100);
+    QCOMPARE(first.socket.bytesAvailable(), 0);
+    QCOMPARE(second.socket.bytesAvailable(), 0);
+    QCOMPARE(first.socket.state(), QTcpSocket::ConnectedState);
+    QVERIFY(second.isSilentBeforeIdentity());
+}
+
+void TestMainWindowServer::firstClientThatGoesTakesTheSecondAlong()
+{
+    StatusClient first;
+    QVERIFY(first.connectTo(port));
+    first.take(24);
+    StatusClient second;
+    QVERIFY(second.connectTo(port));
+    second.take(24);
+    first.socket.close();
+    QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+    QTRY_COMPARE(second.socket.state(), QTcpSocket::UnconnectedState);
+    second.send("GetServerID");
+    StatusClient third;
+    QVERIFY(third.connectTo(port));
+    QCOMPARE(third.take(24).size(), 24);
+    QVERIFY(third.isSilentBeforeIdentity());
+}
+
+void TestMainWindowServer::clientsThatComeAndGoLeaveNothingBehind()
+{
+    for (int round = 0; round < 20; ++round) {
+        StatusClient first;
+        StatusClient second;
+        QVERIFY(first.connectTo(port));
+        QVERIFY(second.connectTo(port));
+        second.send("GetNewState");
+        if (round % 2 == 0) {
+            second.socket.abort();
+        }
+        first.socket.abort();
+    }
+    QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+    QTRY_VERIFY(window->findChildren<QTcpSocket*>().size() <= 1);
+}
+
+void TestMainWindowServer::clientStaysConnectedThroughAPortChange()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    const quint16 otherPort = freePort();
+    operate->type("port_input", QString::number(otherPort));
+    QTest::qWait(50); // the old server is deleted meanwhile
+    QVERIFY(client.isSilentBeforeIdentity());
+    QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
+    StatusClient next;
+    QVERIFY(next.connectTo(otherPort));
+    QCOMPARE(next.take(24).size(), 24);
+}
+
+void TestMainWindowServer::portInUseGoesUnnoticed()
+{
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::Any));
+    operate->type("port_input", QString::number(other.serverPort()));
+    QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+    operate->type("port_input", QString::number(port));
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    QCOMPARE(client.take(24).size(), 24);
+}
+
+void TestMainWindowServer::clientInTheMiddleOfABlockMayVanish()
+{
+    operate->pick("fft_length_input", 2); // 1048576: a block of 8 MiB
+    operate->click("calc_fft_button");
+    QTRY_COMPARE_WITH_TIMEOUT(operate->text("fft_status_label"), QStringLiteral("Data valid"),
+                              60000);
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    client.socket.setReadBufferSize(1000);
+    client.send("GetSymbol");
+    QTest::qWait(50);
+    client.socket.abort();
+    QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+}
+
+QTEST_MAIN(TestMainWindowServer)
+#include "test_main_window_server.moc"
