@@ -1,0 +1,127 @@
+// Drives the main job of the real window once, with mouse and keyboard, and prints what comes out:
+// settings, notches, calculation, and the first samples as a client on the network gets them.
+// Takes the path of the screenshot that it leaves.
+#include "app/main_window.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScreen>
+#include <QSpinBox>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTextStream>
+#include <QtEndian>
+#include <QtTest>
+
+namespace {
+
+constexpr int greetingSize = 24; // bytes
+constexpr int shownSamples = 4;
+constexpr int calculationLimit = 60000; // ms
+
+template <typename Widget> Widget* part(MainWindow& window, const char* name)
+{
+    return window.findChild<Widget*>(QLatin1String(name));
+}
+
+void type(MainWindow& window, const char* name, const QString& value)
+{
+    auto* box = part<QAbstractSpinBox>(window, name);
+    box->selectAll();
+    QTest::keyClicks(box, value);
+    QTest::keyClick(box, Qt::Key_Return);
+}
+
+void click(MainWindow& window, const char* name)
+{
+    QTest::mouseClick(part<QAbstractButton>(window, name), Qt::LeftButton);
+}
+
+bool calculate(MainWindow& window)
+{
+    type(window, "nbw_srate_input", "0.8");
+    type(window, "notch_count_input", "9");
+    type(window, "notch_width_input", "1");
+    type(window, "notch_offset_input", "0");
+    type(window, "notch_depth_input", "-80");
+    click(window, "autocalc_notches_button");
+    click(window, "calc_fft_button");
+    return QTest::qWaitFor(
+        [&window] {
+            return part<QLabel>(window, "fft_status_label")->text() == QLatin1String("Data valid");
+        },
+        calculationLimit);
+}
+
+// The port that the window listens on: 1000 where the system lets it, otherwise a free one.
+quint16 reachablePort(MainWindow& window)
+{
+    const auto* server = window.findChild<QTcpServer*>();
+    if (server != nullptr && server->isListening()) {
+        return server->serverPort();
+    }
+    QTcpServer free;
+    free.listen(QHostAddress::LocalHost);
+    const quint16 port = free.serverPort();
+    free.close();
+    type(window, "port_input", QString::number(port));
+    return port;
+}
+
+QByteArray fetchSymbols(quint16 port, int bytes)
+{
+    QTcpSocket client;
+    client.connectToHost(QStringLiteral("127.0.0.1"), port);
+    const auto arrived = [&client](int count) {
+        return QTest::qWaitFor([&] { return client.bytesAvailable() >= count; }, 10000);
+    };
+    if (!arrived(greetingSize)) {
+        return {};
+    }
+    client.read(greetingSize);
+    client.write("GetSymbol");
+    arrived(bytes);
+    return client.read(bytes);
+}
+
+void printSymbols(QTextStream& out, const QByteArray& block)
+{
+    for (int k = 0; k < shownSamples; ++k) {
+        const char* word = block.constData() + 4 + 8 * k;
+        out << "  I/Q sample " << k << ":  " << qFromLittleEndian<float>(word) << "  "
+            << qFromLittleEndian<float>(word + 4) << "\n";
+    }
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QApplication application(argc, argv);
+    QTextStream out(stdout);
+    MainWindow window;
+    window.show();
+    if (!QTest::qWaitForWindowExposed(&window) || !calculate(window)) {
+        out << "The calculation did not end in valid data.\n";
+        return 1;
+    }
+    const QByteArray symbols = fetchSymbols(reachablePort(window), 4 + 8 * shownSamples);
+    if (symbols.size() < 4 + 8 * shownSamples) {
+        out << "No samples came over TCP.\n";
+        return 1;
+    }
+    out << "Status:        " << part<QLabel>(window, "fft_status_label")->text() << "\n"
+        << "Crest factor:  " << part<QLineEdit>(window, "crest_factor_output")->text() << "\n"
+        << "Over TCP:\n";
+    printSymbols(out, symbols);
+
+    const QString screenshot = application.arguments().value(1, QStringLiteral("screenshot.png"));
+    QTest::qWait(200); // the last refresh reaches the screen
+    window.screen()->grabWindow(window.winId()).save(screenshot);
+    out << "Screenshot:    " << screenshot << "\n";
+    window.close();
+    return 0;
+}
