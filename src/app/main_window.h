@@ -105,6 +105,7 @@ private:
     void pickFile(QString& field, const QString& title, const QString& filter);
     void openServer(quint16 port);
     void closeServer();
+    void drop(QTcpSocket* socket);
     void send(const QByteArray& bytes);
 
     std::unique_ptr<Ui::MainWindow> ui;

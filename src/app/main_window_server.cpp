@@ -76,17 +76,24 @@ void MainWindow::read_connection()
     send(replyTo(request, setup));
 }
 
+// A socket that is dropped is not heard any more: it would report its end again while it dies.
+void MainWindow::drop(QTcpSocket* socket)
+{
+    if (socket != nullptr) {
+        socket->disconnect(this);
+        socket->deleteLater();
+    }
+}
+
 // Deliberate: whichever client goes, the present one goes with it. The protocol is for one
 // client at a time.
 void MainWindow::disconnected()
 {
     setup.tcpState = 1;
     notifyPropertyChanged();
-    if (tcpSocket) {
-        tcpSocket->deleteLater();
-    }
-    if (sender() != nullptr && sender() != tcpSocket) {
-        sender()->deleteLater(); // a client whose place was taken is kept by nobody else
+    drop(tcpSocket);
+    if (sender() != tcpSocket) {
+        drop(qobject_cast<QTcpSocket*>(sender())); // its place was taken; nobody else keeps it
     }
 }
 
