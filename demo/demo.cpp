@@ -90,7 +90,7 @@ QByteArray fetchSymbols(quint16 port, int bytes)
 void printSymbols(QTextStream& out, const QByteArray& block)
 {
     for (int k = 0; k < shownSamples; ++k) {
-        const char* word = block.constData() + 4 + 8 * k;
+        const char* word = block.constData() + 4 + 8 * qint64{k};
         out << "  I/Q sample " << k << ":  " << qFromLittleEndian<float>(word) << "  "
             << qFromLittleEndian<float>(word + 4) << "\n";
     }

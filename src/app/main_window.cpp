@@ -87,6 +87,7 @@ void MainWindow::notifyPropertyChanged(QWidget* from)
     if (from != ui->sinx_checkbox) {
         ui->sinx_checkbox->setChecked(setup.sinxCompensation);
     }
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a child of the form is never null
     ui->sinx_checkbox->setEnabled(setup.customSource == 0);
     ui->graph_widget->update();
     showTable();
@@ -118,6 +119,7 @@ void MainWindow::showNotchInputs(QWidget* from)
     if (from != ui->notch_width_input) {
         ui->notch_width_input->setValue(setup.notchWidth / 1e6);
     }
+    // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a child of the form is never null
     ui->notch_width_input->setEnabled(notchMode);
     if (from != ui->notch_offset_input) {
         ui->notch_offset_input->setValue(setup.notchOffset / 1e6);

@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr int requestSize = 1024;          // bytes of one read
-constexpr int writeSize = 64000;           // bytes of one write
-constexpr qint64 mostUnread = 1024 * 1024; // bytes; the rest waits in the client
+constexpr int requestSize = 1024;      // bytes of one read
+constexpr int writeSize = 64000;       // bytes of one write
+constexpr qint64 mostUnread = 1048576; // bytes; the rest waits in the client
 
 } // namespace
 

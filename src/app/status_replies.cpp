@@ -108,9 +108,8 @@ QByteArray replyTo(const QString& request, MeasurementSetup& setup)
 
 QByteArray symbolBlock(const SignalData& signal)
 {
-    // An own handle on the vectors: whatever becomes of the record, these samples stay.
-    const QVector<double> i = signal.iData();
-    const QVector<double> q = signal.qData();
+    const QVector<double>& i = signal.iSamples;
+    const QVector<double>& q = signal.qSamples;
     const int count = std::max(0, std::min({signal.size(), i.size(), q.size()}));
     QByteArray block((2 * count + 1) * wordSize, Qt::Uninitialized);
     char* word = block.data();

@@ -22,4 +22,6 @@ QByteArray greeting(MeasurementSetup& setup);
 QByteArray replyTo(const QString& request, MeasurementSetup& setup);
 
 // Tag 2, then I and Q of every sample as floats. The block carries no length of its own.
+// Main thread, where alone the record's signal is replaced, so the samples stay while they are
+// read.
 QByteArray symbolBlock(const SignalData& signal);

@@ -50,7 +50,8 @@ void readSamples(QFile& file, QVector<double>& samples)
     const QByteArray bytes = file.read(2 * qint64{samples.size()});
     for (int i = 0; i < samples.size(); ++i) {
         const bool offered = 2 * i + 1 < bytes.size();
-        samples[i] = sampleOf(offered ? qFromLittleEndian<quint16>(bytes.constData() + 2 * i) : 0);
+        samples[i] =
+            sampleOf(offered ? qFromLittleEndian<quint16>(bytes.constData() + 2 * qint64{i}) : 0);
     }
 }
 

@@ -17,7 +17,7 @@ using Element = ComplexBuffer::Element;
 constexpr quint32 tileBits = 5;
 constexpr quint32 tileSide = 1U << tileBits;
 
-using Tile = std::array<Element, tileSide * tileSide>;
+using Tile = std::array<Element, std::size_t{tileSide} * tileSide>;
 
 quint32 reversedWord(quint32 value)
 {

@@ -220,8 +220,10 @@ void runButterflyStages(Element* x, quint64 count)
 
     quint64 n = count;
     while (n > shortBlock) {
-        const quint64 left = static_cast<quint64>(std::log2(static_cast<double>(n / shortBlock)));
-        const quint64 stages = std::min(left, maxFusedStages);
+        quint64 stages = 1;
+        while (stages < maxFusedStages && (n >> stages) > shortBlock) {
+            ++stages;
+        }
         const FusedStages fused(n, stages, rotation);
         for (quint64 first = 0; first < count; first += n) {
             fused.run(x + first, *work);

@@ -117,13 +117,14 @@ void TestMainWindowServer::listensOnPort1000AtStart()
 void TestMainWindowServer::loadedPortOpensASecondServer()
 {
     cleanup(); // saves the port of init
+    const bool hears1000 = mayUsePort1000();
     window = std::make_unique<MainWindow>();
     operate = std::make_unique<WindowDriver>(*window);
     QCOMPARE(operate->text("port_input"), QString::number(port));
     // The server on the loaded port is open, but its clients are never fetched from it.
     StatusClient client;
     QVERIFY(client.connectTo(port));
-    if (!QTcpServer().listen(QHostAddress::Any, 1000)) {
+    if (hears1000) {
         StatusClient heard;
         QVERIFY(heard.connectTo(1000));
         QCOMPARE(heard.take(24).size(), 24);
