@@ -6,14 +6,16 @@ if(NOTCHBENCH_SANITIZER MATCHES "address")
         "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
 endif()
 
-# notchbench_test(<name> FILES ... LINKS ... [WINDOW] [LABELS ...] [LOCKS ...] [TIMEOUT s])
+# notchbench_test(<name> FILES ... LINKS ... [WINDOW] [LABELS ...] [LOCKS ...] [TIMEOUT s]
+#                [LIBRARY_PATH folder])
 # makes one Qt Test program and its CTest entry. WINDOW marks a test that drives
 # widgets; it runs on the offscreen platform. Every test has a home of its own, so
 # that none reads or writes the settings of the person who runs it.
 function(notchbench_test name)
-    cmake_parse_arguments(ARG "WINDOW" "TIMEOUT" "FILES;LINKS;LABELS;LOCKS" ${ARGN})
+    cmake_parse_arguments(ARG "WINDOW" "TIMEOUT;LIBRARY_PATH" "FILES;LINKS;LABELS;LOCKS" ${ARGN})
     add_executable(${name} ${ARG_FILES})
     target_link_libraries(${name} PRIVATE notchbench_options ${ARG_LINKS} Qt5::Test)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
     target_compile_definitions(${name} PRIVATE
         NOTCHBENCH_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
         NOTCHBENCH_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
@@ -26,6 +28,9 @@ function(notchbench_test name)
         QT_LOGGING_RULES=qt.qpa.*=false)
     if(ARG_WINDOW)
         list(APPEND environment QT_QPA_PLATFORM=offscreen)
+    endif()
+    if(ARG_LIBRARY_PATH) # where the program under test finds libraries at run time
+        list(APPEND environment LD_LIBRARY_PATH=${ARG_LIBRARY_PATH})
     endif()
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)

@@ -1,0 +1,19 @@
+#include "remote/ko_remote_exception.h"
+
+KORemoteException::KORemoteException(const QString& message) : text(message) {}
+
+void KORemoteException::raise() const
+{
+    throw *this;
+}
+
+KORemoteException* KORemoteException::clone() const
+{
+    return new KORemoteException(*this);
+}
+
+void throwRemoteException(const QString& message)
+{
+    // Catchers take the pointer, as told in the header.
+    throw new KORemoteException(message); // NOLINT(misc-throw-by-value-catch-by-reference)
+}

@@ -1,0 +1,26 @@
+// One way to reach one instrument: moves SCPI text there and gives back the text that the
+// instrument answers. Nothing above this layer knows which transport is in use.
+//
+// All operations block, within fixed time limits, and throw KORemoteException*. A transport
+// may be used from any thread, by one thread at a time (see InstrumentCommands).
+#pragma once
+
+#include <QString>
+
+class KORemoteInterface
+{
+public:
+    virtual ~KORemoteInterface() = default;
+
+    virtual void sendSCPI(const QString& command) = 0;
+    virtual QString querySCPI(const QString& command) = 0; // the answer to the command
+    virtual void open() = 0;
+    virtual void close() = 0;
+    virtual void goToLocal() = 0; // hands the front panel back to the operator
+
+    KORemoteInterface(const KORemoteInterface&) = delete;
+    KORemoteInterface& operator=(const KORemoteInterface&) = delete;
+
+protected:
+    KORemoteInterface() = default;
+};

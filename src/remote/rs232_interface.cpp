@@ -1,0 +1,92 @@
+#include "remote/rs232_interface.h"
+
+#include "remote/device_text.h"
+#include "remote/ko_remote_exception.h"
+
+#include <QSerialPort>
+#include <QSerialPortInfo>
+
+namespace {
+
+constexpr int writtenMs = 1000;
+constexpr int firstDataMs = 3000;
+constexpr int endSilenceMs = 1000;
+// SCPI answers are short; a device that never falls silent is cut off here.
+constexpr int longestAnswer = 1024 * 1024; // bytes
+
+} // namespace
+
+RS232Interface::RS232Interface(std::unique_ptr<QSerialPort> newPort,
+                               const SerialParameters& parameters)
+    : port(std::move(newPort))
+{
+    // Used by several threads in turn, with blocking calls only: it belongs to none. Opening
+    // makes Qt warn twice that its notifiers have no event loop, which is what is wanted.
+    port->moveToThread(nullptr);
+    port->setBaudRate(parameters.baudRate, QSerialPort::AllDirections);
+    port->setDataBits(static_cast<QSerialPort::DataBits>(parameters.dataBits));
+    port->setParity(static_cast<QSerialPort::Parity>(parameters.parity));
+    port->setStopBits(static_cast<QSerialPort::StopBits>(parameters.stopBits));
+    port->setFlowControl(static_cast<QSerialPort::FlowControl>(parameters.flowControl));
+}
+
+RS232Interface::RS232Interface(const QSerialPortInfo& info, const SerialParameters& parameters)
+    : RS232Interface(std::make_unique<QSerialPort>(info), parameters)
+{
+}
+
+RS232Interface::RS232Interface(const QString& portName, const SerialParameters& parameters)
+    : RS232Interface(std::make_unique<QSerialPort>(portName), parameters)
+{
+}
+
+RS232Interface::~RS232Interface() = default;
+
+void RS232Interface::open()
+{
+    if (!port->open(QIODevice::ReadWrite)) {
+        throwRemoteException(QStringLiteral("Error at openSerial"));
+    }
+}
+
+void RS232Interface::close()
+{
+    port->close();
+}
+
+void RS232Interface::sendSCPI(const QString& command)
+{
+    DeviceText::sendLine(*port, command);
+    port->flush();
+}
+
+QString RS232Interface::querySCPI(const QString& command)
+{
+    if (!port->isOpen()) {
+        return {};
+    }
+    port->waitForReadyRead(0);
+    const qint64 leftOver = port->bytesAvailable();
+    DeviceText::writeLine(*port, command);
+    port->flush();
+    port->waitForBytesWritten(writtenMs);
+    // The wait above takes in data that arrives meanwhile: a wait for more would run out.
+    if (port->bytesAvailable() <= leftOver && !port->waitForReadyRead(firstDataMs)) {
+        return {};
+    }
+    QByteArray answer = port->readAll();
+    while (answer.size() < longestAnswer && port->waitForReadyRead(endSilenceMs)) {
+        answer += port->readAll();
+    }
+    return DeviceText::answerFrom(answer);
+}
+
+void RS232Interface::goToLocal()
+{
+    sendSCPI(QStringLiteral("&GTL"));
+}
+
+bool serialPortsAvailable()
+{
+    return !QSerialPortInfo::availablePorts().isEmpty();
+}

@@ -1,0 +1,42 @@
+// SCPI over a serial line. The end of an answer is a silence of one second.
+#pragma once
+
+#include "remote/ko_remote_interface.h"
+
+#include <memory>
+
+class QSerialPort;
+class QSerialPortInfo;
+
+// Settings of a serial line; the last four are values of QSerialPort's enumerations.
+struct SerialParameters
+{
+    qint32 baudRate;
+    qint32 dataBits;
+    qint32 parity;
+    qint32 stopBits;
+    qint32 flowControl;
+};
+
+class RS232Interface : public KORemoteInterface
+{
+public:
+    RS232Interface(const QSerialPortInfo& port, const SerialParameters& parameters);
+    // portName: as the system reports it, or the path of a device.
+    RS232Interface(const QString& portName, const SerialParameters& parameters);
+    ~RS232Interface() override;
+
+    void sendSCPI(const QString& command) override;
+    QString querySCPI(const QString& command) override;
+    void open() override;
+    void close() override;
+    void goToLocal() override;
+
+private:
+    RS232Interface(std::unique_ptr<QSerialPort> port, const SerialParameters& parameters);
+
+    std::unique_ptr<QSerialPort> port;
+};
+
+// Whether the system reports any serial port.
+bool serialPortsAvailable();

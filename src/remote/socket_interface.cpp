@@ -1,0 +1,76 @@
+#include "remote/socket_interface.h"
+
+#include "remote/device_text.h"
+#include "remote/ko_remote_exception.h"
+
+#include <QTcpSocket>
+
+namespace {
+
+constexpr quint16 scpiPort = 5025; // fixed, not a setting
+constexpr int connectMs = 3000;
+constexpr int writtenMs = 1000;
+constexpr int firstDataMs = 3000;
+
+} // namespace
+
+SocketInterface::SocketInterface(const QString& ipAddress) : LANInterface(ipAddress) {}
+
+SocketInterface::~SocketInterface() = default;
+
+void SocketInterface::open()
+{
+    socket = std::make_unique<QTcpSocket>();
+    // The socket is used by several threads in turn, with blocking calls only. Belonging to
+    // no thread, it leaves no notifier behind in the event loop of the one that opened it.
+    socket->moveToThread(nullptr);
+    socket->connectToHost(address, scpiPort, QIODevice::ReadWrite);
+    if (!socket->waitForConnected(connectMs)) {
+        throwRemoteException(QLatin1String("Unable to connect to Host: ") + address.toString());
+    }
+}
+
+void SocketInterface::close()
+{
+    if (socket) {
+        socket->close();
+    }
+}
+
+void SocketInterface::sendSCPI(const QString& command)
+{
+    if (!socket) {
+        throwRemoteException(QLatin1String("Error at sendSCPI: ") + command);
+    }
+    DeviceText::sendLine(*socket, command);
+    socket->flush();
+}
+
+bool SocketInterface::connected() const
+{
+    return socket && socket->state() == QAbstractSocket::ConnectedState;
+}
+
+QString SocketInterface::querySCPI(const QString& command)
+{
+    // What is left of a late answer is taken in first, so that below only what came
+    // since tells that this answer is there.
+    if (connected()) {
+        socket->waitForReadyRead(0);
+    }
+    const qint64 leftOver = socket ? socket->bytesAvailable() : 0;
+    sendSCPI(command);
+    if (connected()) {
+        socket->waitForBytesWritten(writtenMs);
+    }
+    // A quick answer may have come in with the wait above; a wait for more would be lost.
+    if (connected() && socket->bytesAvailable() <= leftOver) {
+        socket->waitForReadyRead(firstDataMs);
+    }
+    return DeviceText::answerFrom(socket->readAll());
+}
+
+void SocketInterface::goToLocal()
+{
+    sendSCPI(QStringLiteral("&GTL"));
+}

@@ -1,0 +1,223 @@
+// The serial transport against a pseudo-terminal, opened by its device name.
+#include "remote/rs232_interface.h"
+
+#include "support/remote_failure.h"
+
+#include <QElapsedTimer>
+#include <QSerialPortInfo>
+#include <QThread>
+#include <QtTest>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+// The instrument's end of the line. Reads and writes raw bytes.
+class Line
+{
+public:
+    Line() : fd(posix_openpt(O_RDWR | O_NOCTTY))
+    {
+        grantpt(fd);
+        unlockpt(fd);
+        termios raw;
+        tcgetattr(fd, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(fd, TCSANOW, &raw);
+    }
+    ~Line()
+    {
+        if (answering) {
+            answering->wait();
+        }
+        ::close(fd);
+    }
+
+    QString name() const { return QString::fromLocal8Bit(ptsname(fd)); }
+
+    QByteArray readLine(int limitMs = 3000) const
+    {
+        QByteArray line;
+        char byte = 0;
+        pollfd waiting{fd, POLLIN, 0};
+        while (!line.endsWith('\n') && ::poll(&waiting, 1, limitMs) == 1 &&
+               ::read(fd, &byte, 1) == 1) {
+            line.append(byte);
+        }
+        return line;
+    }
+
+    // Reads one line, then sends the pieces, each after its pause.
+    void answerOnce(const QList<QPair<int, QByteArray>>& pieces)
+    {
+        answering.reset(QThread::create([this, pieces] {
+            readLine();
+            for (const auto& piece : pieces) {
+                QThread::msleep(static_cast<unsigned long>(piece.first));
+                if (::write(fd, piece.second.constData(), size_t(piece.second.size())) < 0) {
+                    return;
+                }
+            }
+        }));
+        answering->start();
+    }
+
+    termios settings() const
+    {
+        termios present;
+        tcgetattr(fd, &present);
+        return present;
+    }
+
+private:
+    int fd;
+    std::unique_ptr<QThread> answering;
+};
+
+constexpr SerialParameters usual = {9600, 8, 0, 1, 0};
+
+} // namespace
+
+class TestRs232Interface : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void aCommandArrivesAsOneLine();
+    void anAnswerIsNotLost_data();
+    void anAnswerIsNotLost();
+    void silenceIsAnEmptyAnswer();
+    void anAnswerEndsWithASecondOfSilence();
+    void settingsReachTheLine();
+    void goToLocalIsACommandLine();
+    void aPortThatIsNotThereCannotBeOpened();
+    void anUnopenedPortIsSilent();
+    void aPortCanBeClosedAndOpenedAgain();
+};
+
+void TestRs232Interface::initTestCase()
+{
+    const Line line;
+    RS232Interface transport(line.name(), usual);
+    if (failureOf([&] { transport.open(); }) != "(none)") {
+        QSKIP("no folder for the lock files of serial ports on this machine");
+    }
+}
+
+void TestRs232Interface::aCommandArrivesAsOneLine()
+{
+    const Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    transport.sendSCPI("OUTP ON");
+    QCOMPARE(line.readLine(), QByteArray("OUTP ON\n"));
+}
+
+void TestRs232Interface::anAnswerIsNotLost_data()
+{
+    QTest::addColumn<int>("afterMs");
+    QTest::newRow("at once") << 0;
+    QTest::newRow("0.2 s") << 200;
+    QTest::newRow("0.8 s") << 800;
+    QTest::newRow("1.4 s") << 1400;
+}
+
+void TestRs232Interface::anAnswerIsNotLost()
+{
+    QFETCH(int, afterMs);
+    Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    line.answerOnce({{afterMs, " who am i\r\n"}});
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("who am i"));
+    // The wait for the written bytes and the silence that ends the answer; no wait for more.
+    QVERIFY(timer.elapsed() < qMax(afterMs, 1000) + 1900);
+}
+
+void TestRs232Interface::silenceIsAnEmptyAnswer()
+{
+    const Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString());
+    QVERIFY(timer.elapsed() >= 2900);
+    QVERIFY(timer.elapsed() < 4500);
+}
+
+void TestRs232Interface::anAnswerEndsWithASecondOfSilence()
+{
+    Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    line.answerOnce({{100, "one,"}, {700, "two,"}, {700, "three"}, {1600, "late"}});
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("one,two,three"));
+}
+
+void TestRs232Interface::settingsReachTheLine()
+{
+    const Line line;
+    {
+        RS232Interface transport(line.name(), {19200, 8, 0, 1, 1});
+        transport.open();
+        QCOMPARE(cfgetospeed(std::make_unique<termios>(line.settings()).get()), speed_t(B19200));
+        QVERIFY((line.settings().c_cflag & CRTSCTS) != 0);
+        QVERIFY((line.settings().c_cflag & CSTOPB) == 0);
+    }
+    RS232Interface transport(line.name(), {4800, 8, 0, 2, 2});
+    transport.open();
+    QCOMPARE(cfgetospeed(std::make_unique<termios>(line.settings()).get()), speed_t(B4800));
+    QVERIFY((line.settings().c_cflag & CRTSCTS) == 0);
+    QVERIFY((line.settings().c_iflag & IXON) != 0);
+    QVERIFY((line.settings().c_cflag & CSTOPB) != 0);
+}
+
+void TestRs232Interface::goToLocalIsACommandLine()
+{
+    const Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    transport.goToLocal();
+    QCOMPARE(line.readLine(), QByteArray("&GTL\n"));
+}
+
+void TestRs232Interface::aPortThatIsNotThereCannotBeOpened()
+{
+    RS232Interface named("/dev/there-is-no-such-port", usual);
+    QCOMPARE(failureOf([&] { named.open(); }), QString("Error at openSerial"));
+    RS232Interface unreported(QSerialPortInfo(), usual);
+    QCOMPARE(failureOf([&] { unreported.open(); }), QString("Error at openSerial"));
+}
+
+void TestRs232Interface::anUnopenedPortIsSilent()
+{
+    RS232Interface transport("/dev/there-is-no-such-port", usual);
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(failureOf([&] { transport.sendSCPI("*RST"); }), QString("(none)"));
+    QCOMPARE(transport.querySCPI("*IDN?"), QString());
+    transport.close();
+    QVERIFY(timer.elapsed() < 1000);
+}
+
+void TestRs232Interface::aPortCanBeClosedAndOpenedAgain()
+{
+    const Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    transport.close();
+    transport.open();
+    transport.sendSCPI("*RST");
+    QCOMPARE(line.readLine(), QByteArray("*RST\n"));
+}
+
+QTEST_GUILESS_MAIN(TestRs232Interface)
+#include "test_rs232_interface.moc"

@@ -1,0 +1,243 @@
+// The raw socket transport against an instrument at the other end of a real connection.
+#include "remote/socket_interface.h"
+
+#include "support/remote_failure.h"
+#include "support/scripted_instrument.h"
+
+#include <QtTest>
+
+class TestSocketInterface : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aCommandArrivesAsOneLine();
+    void anAnswerComesBackTrimmed();
+    void anAnswerEndsAtAZeroByte();
+    void bytesAboveAsciiAreLatin1();
+    void aQuickAnswerCostsNoFullWait();
+    void aLateAnswerIsWaitedFor_data();
+    void aLateAnswerIsWaitedFor();
+    void silenceIsAnEmptyAnswerAfterThreeSeconds();
+    void anAnswerThatComesTooLateStandsBeforeTheNext();
+    void ofAnAnswerInPiecesTheFirstIsTaken();
+    void aConnectionThatClosesInTheMiddleLeavesWhatArrived();
+    void aLineThatHasGoneAwayIsSilent();
+    void aFloodOfTenMegabytesIsTakenInParts();
+    void goToLocalIsACommandLine();
+    void closingDropsTheConnection();
+    void itIsUsedFromOneThreadAfterTheOther();
+    void aHostNameIsNoAddress();
+    void aRefusedConnectionNamesTheAddress();
+    void beforeOpenItFailsInsteadOfCrashing();
+
+private:
+    static constexpr auto localhost = "127.0.0.1";
+};
+
+void TestSocketInterface::aCommandArrivesAsOneLine()
+{
+    ScriptedInstrument instrument;
+    SocketInterface transport(localhost);
+    transport.open();
+    transport.sendSCPI("FREQ 1000000.000000");
+    QCOMPARE(instrument.takeReceivedUpTo("\n"), QByteArray("FREQ 1000000.000000\n"));
+    transport.sendSCPI("INP:ATT 10.000000\n");
+    QCOMPARE(instrument.takeReceivedUpTo("\n\n"), QByteArray("INP:ATT 10.000000\n\n"));
+}
+
+void TestSocketInterface::anAnswerComesBackTrimmed()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", " ACME,1,2,3 \r\n");
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("ACME,1,2,3"));
+    QCOMPARE(instrument.takeReceived(), QByteArray("*IDN?\n"));
+}
+
+void TestSocketInterface::anAnswerEndsAtAZeroByte()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", QByteArray("front\0behind\n", 13));
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("front"));
+}
+
+void TestSocketInterface::bytesAboveAsciiAreLatin1()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", "\xb5V\n");
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString(QChar(0xb5)) + "V");
+}
+
+void TestSocketInterface::aQuickAnswerCostsNoFullWait()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*OPC?", "1\n");
+    SocketInterface transport(localhost);
+    transport.open();
+    QElapsedTimer timer;
+    timer.start();
+    for (int i = 0; i < 200; ++i) {
+        QCOMPARE(transport.querySCPI("*OPC?"), QString("1"));
+    }
+    QVERIFY2(timer.elapsed() < 2500, qPrintable(QString::number(timer.elapsed())));
+}
+
+void TestSocketInterface::aLateAnswerIsWaitedFor_data()
+{
+    QTest::addColumn<int>("afterMs");
+    QTest::newRow("at once") << 0;
+    QTest::newRow("0.2 s") << 200;
+    QTest::newRow("0.8 s") << 800;
+    QTest::newRow("1.4 s") << 1400;
+    QTest::newRow("2.7 s") << 2700;
+}
+
+void TestSocketInterface::aLateAnswerIsWaitedFor()
+{
+    QFETCH(int, afterMs);
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", {{afterMs, "here\n"}});
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("here"));
+}
+
+void TestSocketInterface::silenceIsAnEmptyAnswerAfterThreeSeconds()
+{
+    ScriptedInstrument instrument;
+    SocketInterface transport(localhost);
+    transport.open();
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString());
+    QVERIFY(timer.elapsed() >= 2900);
+    QVERIFY(timer.elapsed() < 4500);
+}
+
+void TestSocketInterface::anAnswerThatComesTooLateStandsBeforeTheNext()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("SLOW?", {{3200, "old\n"}});
+    instrument.answer("QUICK?", {{300, "new\n"}});
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("SLOW?"), QString());
+    QTest::qWait(500); // until the old answer waits at our end
+    QCOMPARE(transport.querySCPI("QUICK?"), QString("old\nnew"));
+    QCOMPARE(transport.querySCPI("QUICK?"), QString("new"));
+}
+
+void TestSocketInterface::ofAnAnswerInPiecesTheFirstIsTaken()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", {{0, "first,"}, {400, "second\n"}});
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("first,"));
+}
+
+void TestSocketInterface::aConnectionThatClosesInTheMiddleLeavesWhatArrived()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", {{50, "half an ans", true}});
+    SocketInterface transport(localhost);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("half an ans"));
+}
+
+void TestSocketInterface::aLineThatHasGoneAwayIsSilent()
+{
+    SocketInterface transport(localhost);
+    {
+        ScriptedInstrument instrument;
+        transport.open();
+    }
+    QElapsedTimer timer;
+    timer.start();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString());
+    QCOMPARE(transport.querySCPI("*IDN?"), QString());
+    QCOMPARE(failureOf([&] { transport.sendSCPI("*RST"); }), QString("(none)"));
+    QVERIFY(timer.elapsed() < 2000);
+}
+
+void TestSocketInterface::aFloodOfTenMegabytesIsTakenInParts()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", QByteArray(10 * 1024 * 1024, 'x'));
+    SocketInterface transport(localhost);
+    transport.open();
+    const QString answer = transport.querySCPI("*IDN?");
+    QVERIFY(!answer.isEmpty());
+    QCOMPARE(answer.count('x'), answer.size());
+    QVERIFY(answer.size() <= 10 * 1024 * 1024);
+}
+
+void TestSocketInterface::goToLocalIsACommandLine()
+{
+    ScriptedInstrument instrument;
+    SocketInterface transport(localhost);
+    transport.open();
+    transport.goToLocal();
+    QCOMPARE(instrument.takeReceivedUpTo("\n"), QByteArray("&GTL\n"));
+}
+
+void TestSocketInterface::closingDropsTheConnection()
+{
+    ScriptedInstrument instrument;
+    SocketInterface transport(localhost);
+    transport.open();
+    QTRY_COMPARE(instrument.openConnections(), 1);
+    transport.close();
+    QTRY_COMPARE(instrument.openConnections(), 0);
+    transport.open();
+    QTRY_COMPARE(instrument.connectionCount(), 2);
+}
+
+void TestSocketInterface::itIsUsedFromOneThreadAfterTheOther()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", "me\n");
+    SocketInterface transport(localhost);
+    QScopedPointer<QThread> opening(QThread::create([&] { transport.open(); }));
+    opening->start();
+    QVERIFY(opening->wait());
+    for (int i = 0; i < 3; ++i) {
+        QString answer;
+        QScopedPointer<QThread> using_(
+            QThread::create([&] { answer = transport.querySCPI("*IDN?"); }));
+        using_->start();
+        QVERIFY(using_->wait());
+        QCOMPARE(answer, QString("me"));
+    }
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("me"));
+}
+
+void TestSocketInterface::aHostNameIsNoAddress()
+{
+    SocketInterface transport("localhost");
+    QCOMPARE(failureOf([&] { transport.open(); }), QString("Unable to connect to Host: "));
+}
+
+void TestSocketInterface::aRefusedConnectionNamesTheAddress()
+{
+    SocketInterface transport("127.0.0.3");
+    QCOMPARE(failureOf([&] { transport.open(); }), QString("Unable to connect to Host: 127.0.0.3"));
+    transport.close();
+}
+
+void TestSocketInterface::beforeOpenItFailsInsteadOfCrashing()
+{
+    SocketInterface transport(localhost);
+    transport.close();
+    QCOMPARE(failureOf([&] { transport.sendSCPI("*RST"); }), QString("Error at sendSCPI: *RST"));
+    QCOMPARE(failureOf([&] { transport.querySCPI("*IDN?"); }), QString("Error at sendSCPI: *IDN?"));
+}
+
+QTEST_GUILESS_MAIN(TestSocketInterface)
+#include "test_socket_interface.moc"

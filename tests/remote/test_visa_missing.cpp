@@ -1,0 +1,51 @@
+// Without a complete VISA library the program goes on: the environment of this test names the
+// folder in which a library is found, if any.
+#include "remote/rs232_interface.h"
+#include "remote/socket_interface.h"
+#include "remote/visa_interfaces.h"
+
+#include "support/remote_failure.h"
+
+#include <QtTest>
+
+class TestVisaMissing : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void itCountsAsAbsent();
+    void everyVisaTransportSaysSo();
+    void theOthersNeedNone();
+    void theDriversFolderIsUnknown();
+};
+
+void TestVisaMissing::itCountsAsAbsent()
+{
+    QVERIFY(!visaAvailable());
+    VisaFunctionTable table;
+    QVERIFY(!table.load());
+    QCOMPARE(failureOf([&] { table.requireVisa(); }), QString("Could not load VISA"));
+}
+
+void TestVisaMissing::everyVisaTransportSaysSo()
+{
+    const QString failure = "Could not load VISA";
+    QCOMPARE(failureOf([] { GPIBInterface(0, 20); }), failure);
+    QCOMPARE(failureOf([] { VXIInterface("127.0.0.1"); }), failure);
+    QCOMPARE(failureOf([] { TLNKInterface("127.0.0.1"); }), failure);
+    QCOMPARE(failureOf([] { HiSLIPInterface("127.0.0.1"); }), failure);
+}
+
+void TestVisaMissing::theOthersNeedNone()
+{
+    QCOMPARE(failureOf([] { SocketInterface("127.0.0.1"); }), QString("(none)"));
+    QCOMPARE(failureOf([] { RS232Interface("nowhere", {9600, 8, 0, 1, 0}); }), QString("(none)"));
+}
+
+void TestVisaMissing::theDriversFolderIsUnknown()
+{
+    QCOMPARE(vxipnpFrameworkPath(), QString("---"));
+}
+
+QTEST_GUILESS_MAIN(TestVisaMissing)
+#include "test_visa_missing.moc"
