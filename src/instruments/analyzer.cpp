@@ -2,6 +2,7 @@
 
 #include "instruments/bandwidth_code.h"
 #include "instruments/config_line.h"
+#include "instruments/connect_device.h"
 
 void Analyzer::setResolutionBandwidth(quint32 hertz)
 {
@@ -41,4 +42,39 @@ QString Analyzer::configSection() const
            configLine("Video BW", QString::number(videoBandwidth())) +
            configLine("Sweeptime", QString::number(sweepTime)) +
            configLine("AUTO Swt", QString::number(int{autoSweepTime})) + QLatin1Char('\n');
+}
+
+void Analyzer::init()
+{
+    try {
+        connectDevice(*this, [](std::unique_ptr<KORemoteInterface> transport) {
+            return std::make_shared<AnalyzerCommands>(std::move(transport));
+        });
+    } catch (KORemoteException* failure) {
+        fail(failure->message());
+    }
+}
+
+void Analyzer::setup()
+{
+    if (!commands) {
+        init();
+    }
+    if (!commands) {
+        return; // deviceMessage tells why
+    }
+    try {
+        commands->setCenterFrequency(frequency);
+        commands->setSpan(span);
+        commands->setReferenceLevel(level);
+        commands->setAttenuation(attenuation);
+        commands->setAutoAttenuation(autoAttenuation);
+        commands->setResolutionBandwidth(resolutionBandwidth());
+        commands->setVideoBandwidth(videoBandwidth());
+        commands->setSweepTime(sweepTime);
+        deviceMessage = commands->identity();
+        commands->goToLocal();
+    } catch (KORemoteException* failure) {
+        fail(failure->message());
+    }
 }

@@ -2,11 +2,14 @@
 #pragma once
 
 #include "instruments/instrument.h"
+#include "remote/analyzer_commands.h"
 
 class Analyzer : public Instrument
 {
 public:
     QString configSection() const override;
+    void init() override;
+    void setup() override;
 
     // Store a bandwidth in whole hertz as its code; see codeFromBandwidth.
     void setResolutionBandwidth(quint32 hertz);
@@ -18,11 +21,12 @@ public:
     // "automatic" reaches the device.
     void setAutoSweepTime(bool automatic);
 
-    double span = 100000.0;      // Hz
-    double sweepTime = 2.0;      // s
-    quint32 rbwCode = 19;        // resolution bandwidth as a code: 30 kHz
-    quint32 vbwCode = 23;        // video bandwidth as a code: 300 kHz
-    quint32 attenuation = 10;    // input attenuation, dB
-    bool autoAttenuation = true; // attenuation is chosen by the device
-    bool autoSweepTime = true;   // sweep time is chosen by the device
+    std::shared_ptr<AnalyzerCommands> commands; // the same object as remote
+    double span = 100000.0;                     // Hz
+    double sweepTime = 2.0;                     // s
+    quint32 rbwCode = 19;                       // resolution bandwidth as a code: 30 kHz
+    quint32 vbwCode = 23;                       // video bandwidth as a code: 300 kHz
+    quint32 attenuation = 10;                   // input attenuation, dB
+    bool autoAttenuation = true;                // attenuation is chosen by the device
+    bool autoSweepTime = true;                  // sweep time is chosen by the device
 };

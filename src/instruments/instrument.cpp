@@ -1,6 +1,27 @@
 #include "instruments/instrument.h"
 
 #include "instruments/config_line.h"
+#include "remote/instrument_commands.h"
+#include "remote/ko_remote_exception.h"
+
+void Instrument::reset()
+{
+    if (!remote) {
+        return;
+    }
+    try {
+        remote->reset();
+        remote->goToLocal();
+    } catch (KORemoteException* failure) {
+        fail(failure->message());
+    }
+}
+
+void Instrument::fail(const QString& message)
+{
+    deviceMessage = message;
+    initialized = false;
+}
 
 QString Instrument::commonConfigLines(const QString& section) const
 {

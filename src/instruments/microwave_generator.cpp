@@ -1,6 +1,7 @@
 #include "instruments/microwave_generator.h"
 
 #include "instruments/config_line.h"
+#include "instruments/connect_device.h"
 
 QString MicrowaveGenerator::configSection() const
 {
@@ -8,4 +9,40 @@ QString MicrowaveGenerator::configSection() const
            configLine("Level", QString::number(level)) +
            configLine("Atten", QString::number(attenuation)) +
            configLine("IF Input", QString::number(int{ifInput})) + QLatin1Char('\n');
+}
+
+void MicrowaveGenerator::init()
+{
+    try {
+        // Row 1 is "TAU"; every other row, "None" included, speaks the dialect of "ZUB".
+        const qint32 model = device == 1 ? 10 : 11;
+        connectDevice(*this, [model](std::unique_ptr<KORemoteInterface> transport) {
+            return std::make_shared<GeneratorCommands>(std::move(transport), model);
+        });
+    } catch (KORemoteException* failure) {
+        fail(failure->message());
+    }
+}
+
+void MicrowaveGenerator::setup()
+{
+    if (!commands) {
+        init();
+    }
+    if (!commands) {
+        return; // deviceMessage tells why
+    }
+    try {
+        commands->setFrequency(frequency);
+        commands->setOutput(true);
+        commands->setIfInput(ifInput);
+        commands->setOutputAttenuation(attenuation);
+        if (!ifInput) {
+            commands->setLevel(level);
+        }
+        deviceMessage = commands->identity();
+        commands->goToLocal();
+    } catch (KORemoteException* failure) {
+        fail(failure->message());
+    }
 }

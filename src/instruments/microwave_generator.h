@@ -3,12 +3,16 @@
 #pragma once
 
 #include "instruments/instrument.h"
+#include "remote/generator_commands.h"
 
 class MicrowaveGenerator : public Instrument
 {
 public:
     QString configSection() const override;
+    void init() override;
+    void setup() override;
 
-    quint32 attenuation = 0; // output attenuation, dB
-    bool ifInput = true;     // driven through its IF input
+    std::shared_ptr<GeneratorCommands> commands; // the same object as remote
+    quint32 attenuation = 0;                     // output attenuation, dB
+    bool ifInput = true;                         // driven through its IF input
 };
