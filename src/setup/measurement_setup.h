@@ -50,6 +50,14 @@ struct MeasurementSetup
     // Shaping and transform of a spectrum that the caller owns; reads the setup only.
     void finishSpectrum(SignalData& data) const;
 
+    // Tells the analyzer to measure at notch number measureNotch, in measurement/. Main thread;
+    // blocks for the traffic. Nothing happens without such a notch. Throws KORemoteException*,
+    // with "Analyzer is not initialized!" before the analyzer was ever connected.
+    void tuneAnalyzerToNotch();
+    // Connects and sets all instruments of the chain and puts the analyzer into its channel
+    // power measurement, in measurement/. Runs on a copy; throws KORemoteException*.
+    void presetInstruments();
+
     SignalGenerator generator;
     Analyzer analyzer;
     MicrowaveGenerator microwave;

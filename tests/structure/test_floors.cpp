@@ -11,8 +11,8 @@ namespace {
 
 // The floor of each folder of src/. A new folder gets its line here.
 const QMap<QString, int> floorOf = {
-    {"look", 0},  {"transform", 0}, {"remote", 0}, {"instruments", 1}, {"setup", 2},
-    {"files", 3}, {"fit", 3},       {"signal", 4}, {"support", 4},     {"app", 5},
+    {"look", 0}, {"transform", 0}, {"remote", 0},  {"instruments", 1}, {"setup", 2},   {"files", 3},
+    {"fit", 3},  {"signal", 4},    {"support", 4}, {"measurement", 3}, {"devices", 3}, {"app", 5},
 };
 
 // Unit -> units it includes, both as "folder/stem".
