@@ -76,6 +76,7 @@ public slots:
     void on_port_input_valueChanged(int value);
     void on_sinx_checkbox_toggled(bool checked);
     void on_actionHelp_triggered();
+    void on_actionAbout_triggered();
     void on_actionLoad_Cfg_File_triggered();
     void on_actionSave_Cfg_File_triggered();
     void on_compensate_checkbox_toggled(bool checked);

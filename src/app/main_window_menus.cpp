@@ -3,6 +3,7 @@
 #include "app/main_window.h"
 #include "files/waveform_output.h"
 #include "setup/config_file.h"
+#include "support/about_window.h"
 #include "ui_main_window.h"
 
 #include <QDir>
@@ -62,4 +63,15 @@ void MainWindow::on_actionHelp_triggered()
                   {QStringLiteral("-collectionFile"), QStringLiteral("collection.qhc")},
                   QIODevice::ReadWrite);
     viewer->waitForStarted(10000);
+}
+
+// The window stands by itself: it is not kept here, and goes when it is closed.
+void MainWindow::on_actionAbout_triggered()
+{
+    auto* about =
+        new AboutWindow(QStringLiteral("Notchbench"),
+                        QStringLiteral("Noise Power Ratio Signal Generation and Measurement"),
+                        QStringLiteral("5.0.3.1"), QStringLiteral("2018"), QStringLiteral("7QX58"));
+    about->setAttribute(Qt::WA_DeleteOnClose);
+    about->show();
 }

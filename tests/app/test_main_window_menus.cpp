@@ -1,8 +1,10 @@
 // The menus: configurations, waveforms, signal files and help, through real file dialogs.
 #include "app/main_window.h"
+#include "support/about_window.h"
 #include "support/fresh_home.h"
 #include "support/window_driver.h"
 
+#include <QPointer>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -26,6 +28,7 @@ private slots:
     void sampleFilesArePickedAndUsed();
     void failedPickKeepsTheField();
     void helpWithoutAViewerDoesNothingVisible();
+    void aboutOpensAWindowOfItsOwn();
     void quitClosesTheWindow();
 
 private:
@@ -70,7 +73,7 @@ QByteArray TestMainWindowMenus::readFile(const QString& name)
 void TestMainWindowMenus::entriesOfLaterDialogsAreDisabled()
 {
     for (const char* name :
-         {"actionDevices", "actionOptimize_Crest_Fector", "actionLoad_SAN_Mag", "actionAbout"}) {
+         {"actionDevices", "actionOptimize_Crest_Fector", "actionLoad_SAN_Mag"}) {
         QVERIFY2(!window->findChild<QAction*>(name)->isEnabled(), name);
     }
 }
@@ -247,6 +250,30 @@ void TestMainWindowMenus::helpWithoutAViewerDoesNothingVisible()
     qputenv("PATH", path);
     QVERIFY(QApplication::activeModalWidget() == nullptr);
     QVERIFY(window->isVisible());
+}
+
+void TestMainWindowMenus::aboutOpensAWindowOfItsOwn()
+{
+    operate->trigger("actionAbout");
+    QPointer<AboutWindow> about;
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (auto* found = qobject_cast<AboutWindow*>(widget)) {
+            about = found;
+        }
+    }
+    QVERIFY(about != nullptr && about->isVisible() && !about->isModal());
+    QCOMPARE(about->windowTitle(), QStringLiteral("Information about Notchbench"));
+    const WindowDriver read(*about);
+    QCOMPARE(read.text("title"), QStringLiteral("Notchbench"));
+    QCOMPARE(read.text("subtitle"),
+             QStringLiteral("Noise Power Ratio Signal Generation and Measurement"));
+    QCOMPARE(read.text("version"), QStringLiteral("Version 5.0.3.1 64 bit (2018)"));
+    QVERIFY(read.text("product_page").contains("/appnote/7QX58\""));
+
+    operate->trigger("actionQuit"); // the window outlives the one that opened it
+    QVERIFY(about != nullptr && about->isVisible());
+    about->close();
+    QTRY_VERIFY(about.isNull());
 }
 
 void TestMainWindowMenus::quitClosesTheWindow()

@@ -1,0 +1,25 @@
+# Installs a build into a folder of its own, and fails when something is missing there or when a
+# validator complains. Run with -DBUILD=<build folder> -DEXPECTED=<paths with commas between>.
+set(root ${BUILD}/packaging/installed)
+file(REMOVE_RECURSE ${root})
+execute_process(COMMAND ${CMAKE_COMMAND} --install ${BUILD} --prefix ${root}
+    OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+
+string(REPLACE "," ";" EXPECTED "${EXPECTED}")
+foreach(path IN LISTS EXPECTED)
+    if(NOT EXISTS ${root}/${path})
+        message(SEND_ERROR "not installed: ${path}")
+    endif()
+endforeach()
+
+find_program(desktop_file_validate desktop-file-validate)
+if(desktop_file_validate)
+    execute_process(COMMAND ${desktop_file_validate} ${root}/share/applications/notchbench.desktop
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()
+find_program(appstreamcli appstreamcli)
+if(appstreamcli)
+    file(GLOB metainfo ${root}/share/metainfo/*.xml)
+    execute_process(COMMAND ${appstreamcli} validate --no-net ${metainfo}
+        COMMAND_ERROR_IS_FATAL ANY)
+endif()

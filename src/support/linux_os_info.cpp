@@ -1,0 +1,99 @@
+#include "support/linux_os_info.h"
+
+#include "support/info_sections.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QSysInfo>
+
+#include <unistd.h>
+
+namespace {
+
+// libvisa.so.7.2.1 has the version 7.2.1; a name that ends in .so has none.
+QString versionInName(const QString& library)
+{
+    const QString version = library.section(QStringLiteral(".so."), 1);
+    return version.isEmpty() ? missingFact() : version;
+}
+
+} // namespace
+
+LinuxOSInfo::LinuxOSInfo(LinuxPlaces lookedAt) : places(std::move(lookedAt)) {}
+
+QString LinuxOSInfo::productName() const
+{
+    return QSysInfo::prettyProductName();
+}
+
+QString LinuxOSInfo::country() const
+{
+    const QLocale::Country country = places.locale.country();
+    return country == QLocale::AnyCountry ? missingFact() : QLocale::countryToString(country);
+}
+
+QString LinuxOSInfo::language() const
+{
+    const QLocale::Language language = places.locale.language();
+    return language == QLocale::C ? missingFact() : QLocale::languageToString(language);
+}
+
+QString LinuxOSInfo::localeId() const
+{
+    return places.locale.name();
+}
+
+QString LinuxOSInfo::sensorControlVersion() const
+{
+    return missingFact();
+}
+
+// The file that a VISA library really is, behind the links to it; empty without one.
+QString LinuxOSInfo::visaLibrary() const
+{
+    for (const QString& folder : places.libraryFolders) {
+        const QFileInfoList found = QDir(folder).entryInfoList(
+            {QStringLiteral("libvisa64.so*"), QStringLiteral("libvisa.so*")}, QDir::Files,
+            QDir::Name);
+        if (!found.isEmpty()) {
+            return QFileInfo(found.first().canonicalFilePath()).fileName();
+        }
+    }
+    return {};
+}
+
+QString LinuxOSInfo::installationDate() const
+{
+    for (const QString& trace : places.installationTraces) {
+        const QFileInfo info(trace);
+        if (info.exists()) {
+            return dateText(info.lastModified().toSecsSinceEpoch());
+        }
+    }
+    return missingFact();
+}
+
+QList<SystemSection> LinuxOSInfo::systemInformation() const
+{
+    SystemFacts facts;
+    facts.productName = productName();
+    facts.installed = installationDate();
+    facts.administrator = geteuid() == 0 ? QStringLiteral("Yes") : QStringLiteral("No");
+    facts.country = country();
+    facts.language = language();
+    facts.localeId = localeId();
+    facts.qt = QLatin1String(qVersion());
+    const QString visa = visaLibrary();
+    if (!visa.isEmpty()) {
+        facts.visaName = visa;
+        facts.visaVersion = versionInName(visa);
+    }
+    facts.lumenControl = sensorControlVersion();
+    return systemSections(facts);
+}
+
+QList<DriverSection> LinuxOSInfo::driverInformation() const
+{
+    return driverSections({});
+}

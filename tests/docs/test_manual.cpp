@@ -1,0 +1,126 @@
+// The manual as a whole: pages, links and index hold together, and every text that the main window
+// shows is explained somewhere.
+#include <QDir>
+#include <QFile>
+#include <QMap>
+#include <QRegularExpression>
+#include <QSet>
+#include <QXmlStreamReader>
+#include <QtTest>
+
+namespace {
+
+const QString manualFolder = QStringLiteral(NOTCHBENCH_SOURCE_DIR "/docs/manual/");
+
+QString textOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QStringList allMatches(const QString& text, const char* pattern)
+{
+    QStringList found;
+    auto match = QRegularExpression(QLatin1String(pattern)).globalMatch(text);
+    while (match.hasNext()) {
+        found.append(match.next().captured(1));
+    }
+    return found;
+}
+
+QSet<QString> asSet(const QStringList& list)
+{
+    return QSet<QString>(list.begin(), list.end());
+}
+
+// The texts of a form: of its labels, buttons, menus and their entries.
+QStringList textsOfForm(const QString& path)
+{
+    QStringList texts;
+    QXmlStreamReader form(textOf(path));
+    QString property;
+    while (!form.atEnd()) {
+        form.readNext();
+        if (form.isStartElement() && form.name() == QLatin1String("property")) {
+            property = form.attributes().value("name").toString();
+        } else if (form.isStartElement() && form.name() == QLatin1String("string") &&
+                   (property == "text" || property == "title")) {
+            texts.append(form.readElementText());
+        }
+    }
+    return texts;
+}
+
+} // namespace
+
+class TestManual : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void everyPageIsInTheProjectAndItsContents();
+    void everyLinkLeadsToAPage();
+    void everyTextOfTheMainWindowIsExplained();
+
+private:
+    QString project;
+    QMap<QString, QString> pages; // by file name
+};
+
+void TestManual::initTestCase()
+{
+    project = textOf(manualFolder + "notchbench.qhp");
+    const QStringList names = QDir(manualFolder).entryList({"*.html"});
+    for (const QString& name : names) {
+        pages[name] = textOf(manualFolder + name);
+    }
+    QVERIFY(pages.size() > 5);
+}
+
+void TestManual::everyPageIsInTheProjectAndItsContents()
+{
+    const QSet<QString> listed = asSet(allMatches(project, "<file>([^<]*\\.html)</file>"));
+    const QSet<QString> inContents = asSet(allMatches(project, "<section [^>]*ref=\"([^\"]*)\""));
+    QCOMPARE(listed, asSet(pages.keys()));
+    QCOMPARE(inContents, listed);
+}
+
+void TestManual::everyLinkLeadsToAPage()
+{
+    QMap<QString, QStringList> linksOf;
+    linksOf["index.html"] = allMatches(project, "<keyword [^>]*ref=\"([^\"]*)\"");
+    for (auto page = pages.begin(); page != pages.end(); ++page) {
+        linksOf[page.key()] += allMatches(page.value(), "href=\"([^\"]*\\.html[^\"]*)\"");
+    }
+    for (auto links = linksOf.begin(); links != linksOf.end(); ++links) {
+        for (const QString& link : links.value()) {
+            const QString target = link.section('#', 0, 0);
+            const QString anchor = link.section('#', 1);
+            QVERIFY2(pages.contains(target), qPrintable(links.key() + " -> " + link));
+            QVERIFY2(anchor.isEmpty() || pages[target].contains("id=\"" + anchor + '"'),
+                     qPrintable(links.key() + " -> " + link));
+        }
+    }
+}
+
+void TestManual::everyTextOfTheMainWindowIsExplained()
+{
+    const QStringList withoutMeaning{"--.--",           "MHz",  "kHz", "dB",
+                                     "Phase/Magn File", "Load", "I",   "Q"};
+    QString manual = pages.values().join(' ');
+    manual.replace(QRegularExpression("\\s+"), " ");
+    const QStringList texts =
+        textsOfForm(QStringLiteral(NOTCHBENCH_SOURCE_DIR "/src/app/main_window.ui"));
+    QVERIFY(texts.size() > 30);
+    for (const QString& text : texts) {
+        bool isNumber = false; // a row of the FFT lengths
+        text.toInt(&isNumber);
+        QVERIFY2(isNumber || withoutMeaning.contains(text) ||
+                     manual.contains(text.toHtmlEscaped(), Qt::CaseInsensitive),
+                 qPrintable(text));
+    }
+}
+
+QTEST_APPLESS_MAIN(TestManual)
+#include "test_manual.moc"
