@@ -1,11 +1,13 @@
 #include "app/main_window.h"
 
+#include "app/preset_job.h"
 #include "app/signal_job.h"
 #include "look/house_style.h"
 #include "setup/config_file.h"
 #include "ui_main_window.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDebug>
 #include <QDir>
@@ -31,7 +33,8 @@ QString fixedPoint(double value)
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
-      signalJob(std::make_shared<SignalJob>())
+      signalJob(std::make_shared<SignalJob>()),
+      presetJob(std::make_shared<PresetJob>())
 {
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
@@ -42,8 +45,10 @@ MainWindow::MainWindow(QWidget* parent)
     setWindowFlags(Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
                    Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
     QDir::setCurrent(QDir::homePath());
+    connect(ui->actionDevices, &QAction::triggered, this, &MainWindow::devices_clicked);
 
     setup = loadDefaultConfig(QLatin1String(defaultConfigName));
+    devicesDialog.setSetup(&setup);
     bindTable();
     // A loaded port other than 1000 opens a server here, through port_input.
     notifyPropertyChanged();
@@ -51,6 +56,7 @@ MainWindow::MainWindow(QWidget* parent)
     // port 1000 after every start. A server that the refresh opened stays open beside it.
     openServer(1000);
 
+    connectMeasurement();
     connect(ui->graph_widget, &GraphWidget::graphChanged, this, &MainWindow::graphChanged);
     connect(signalJob.get(), &SignalJob::finished, this, &MainWindow::storeResult);
     connect(this, &MainWindow::fftFinished, this, &MainWindow::fftCalculationFinished);
@@ -58,6 +64,7 @@ MainWindow::MainWindow(QWidget* parent)
 
 MainWindow::~MainWindow()
 {
+    measurementThread.stop();
     saveDefaultConfig(setup, QLatin1String(defaultConfigName));
     closeServer();
     // Sockets of the window would report their end to slots of a window that is half gone.
@@ -262,6 +269,7 @@ void MainWindow::on_quit_button_clicked()
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    measurementThread.stop();
     if (signalJob->isRunning()) {
         QMessageBox box;
         box.setText(QStringLiteral("Calculation in Progress"));
@@ -278,4 +286,6 @@ void MainWindow::closeEvent(QCloseEvent* event)
         }
     }
     event->accept();
+    // The other windows have no parent, and one that stayed open would keep the program alive.
+    QApplication::closeAllWindows();
 }

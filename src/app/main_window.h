@@ -4,11 +4,14 @@
 //
 // The slots are spread over files by concern: main_window.cpp (construction, refresh,
 // calculation, closing), main_window_panel.cpp, main_window_table.cpp, main_window_server.cpp,
+// main_window_measurement.cpp,
 // main_window_menus.cpp. Slots named on_<object>_<signal> are connected by name.
 //
 // Main thread only. Calculations run on the global pool, on a copy of the record.
 #pragma once
 
+#include "devices/devices_dialog.h"
+#include "measurement/npr_measurement_thread.h"
 #include "setup/measurement_setup.h"
 
 #include <QMainWindow>
@@ -19,6 +22,9 @@
 class QStandardItem;
 class QTcpServer;
 class QTcpSocket;
+class InstrumentCommands;
+class KORemoteException;
+class PresetJob;
 class SignalJob;
 struct CalculationResult;
 
@@ -41,6 +47,8 @@ public:
 signals:
     // A calculation has ended and its result stands in the record.
     void fftFinished();
+    // An instrument failed. Emitted on another thread it is dropped with a warning.
+    void remoteError(KORemoteException* e);
 
 public slots:
     // Copies the record to all widgets. from is the widget that the operator is moving: its
@@ -48,11 +56,14 @@ public slots:
     // comes back through that widget's slot, rounded and clamped as the widget shows it.
     void notifyPropertyChanged(QWidget* from = nullptr);
 
+    void devices_clicked();
     void new_connection();
     void read_connection();
     void disconnected();
     void fftCalculationFinished();
     void graphChanged();
+    void remoteErrorCalled(KORemoteException* e);
+    void newNPR();
     void on_autocalc_notches_button_clicked();
     void on_quit_button_clicked();
     void on_notch_count_input_valueChanged(int value);
@@ -75,13 +86,17 @@ public slots:
     void on_seed_input_valueChanged(int value);
     void on_port_input_valueChanged(int value);
     void on_sinx_checkbox_toggled(bool checked);
+    void on_measure_notch_valueChanged(int value);
+    void on_measure_mode_currentIndexChanged(int index);
     void on_actionHelp_triggered();
     void on_actionAbout_triggered();
+    void on_preset_button_clicked();
     void on_actionLoad_Cfg_File_triggered();
     void on_actionSave_Cfg_File_triggered();
     void on_compensate_checkbox_toggled(bool checked);
     void on_actionSave_Waveform_triggered();
     void on_actionQuit_triggered();
+    void on_measure_button_clicked();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -99,6 +114,9 @@ private:
 
     void invalidate(QWidget* from = nullptr);
     void storeResult(const CalculationResult& result);
+    void connectMeasurement();
+    void offerAnalyzer();
+    void setAsideConnections();
     void bindTable();
     void connectTable();
     void disconnectTable();
@@ -110,8 +128,12 @@ private:
     void send(const QByteArray& bytes);
 
     std::unique_ptr<Ui::MainWindow> ui;
+    DevicesDialog devicesDialog; // no parent: a window of its own
     MeasurementSetup setup;
     QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
     QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list
     std::shared_ptr<SignalJob> signalJob;
+    std::shared_ptr<PresetJob> presetJob;
+    QVector<std::shared_ptr<InstrumentCommands>> formerConnections; // of replaced records
+    NPRMeasurementThread measurementThread;
 };

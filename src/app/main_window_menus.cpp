@@ -25,7 +25,11 @@ void MainWindow::on_actionLoad_Cfg_File_triggered()
     }
     // The table connection belongs to the old model, which may live on in a copy.
     disconnectTable();
+    measurementThread.pause(); // the loaded record is in "Single", too
+    setAsideConnections();
     setup = loadConfig(name);
+    measurementThread.setAnalyzer(setup.analyzer);
+    devicesDialog.setSetup(&setup);
     bindTable();
     invalidate();
 }

@@ -22,7 +22,9 @@ void SocketInterface::open()
 {
     socket = std::make_unique<QTcpSocket>();
     // The socket is used by several threads in turn, with blocking calls only. Belonging to
-    // no thread, it leaves no notifier behind in the event loop of the one that opened it.
+    // no thread, it leaves no notifier behind in the event loop of the one that opened it. Qt
+    // then queues its own signal of an error, to nobody, and wants the type known for that.
+    qRegisterMetaType<QAbstractSocket::SocketError>();
     socket->moveToThread(nullptr);
     socket->connectToHost(address, scpiPort, QIODevice::ReadWrite);
     if (!socket->waitForConnected(connectMs)) {

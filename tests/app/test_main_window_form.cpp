@@ -321,8 +321,7 @@ void TestMainWindowForm::theEntriesHaveTheirObjectsAndShortcuts()
 
 void TestMainWindowForm::entriesOfMissingDialogsAreDisabled()
 {
-    for (const QAction* action :
-         {ui->actionDevices, ui->actionOptimize_Crest_Fector, ui->actionLoad_SAN_Mag}) {
+    for (const QAction* action : {ui->actionOptimize_Crest_Fector, ui->actionLoad_SAN_Mag}) {
         QVERIFY2(!action->isEnabled(), qPrintable(action->text()));
     }
     QVERIFY(ui->actionHelp->isEnabled());

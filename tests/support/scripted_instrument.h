@@ -9,6 +9,7 @@
 #include <QTcpSocket>
 #include <QThread>
 #include <QTimer>
+#include <QtTest>
 
 class ScriptedInstrument
 {
@@ -73,7 +74,7 @@ public:
                     break;
                 }
             }
-            QThread::msleep(1);
+            QTest::qWait(1);
         }
         return takeReceived();
     }
