@@ -1,31 +1,12 @@
 // The form of the main window under the style sheet, shown at several sizes: nothing is cut,
 // the keyboard gets around, and the colours are those of the house.
 #include "look/house_style.h"
+#include "support/contrast.h"
 #include "ui_main_window.h"
 
 #include <QtTest>
 
-#include <cmath>
 #include <memory>
-
-namespace {
-
-// The luminance of a colour and the contrast of two, as web accessibility rules define them.
-double luminance(const QColor& color)
-{
-    const auto linear = [](double part) {
-        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-           0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& light, const QColor& dark)
-{
-    return (luminance(light) + 0.05) / (luminance(dark) + 0.05);
-}
-
-} // namespace
 
 class TestMainWindowLook : public QObject
 {
