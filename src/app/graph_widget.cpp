@@ -319,9 +319,9 @@ void GraphWidget::paintNotches(QPainter& painter, const GraphGeometry& geometry)
 void GraphWidget::paintOutside(QPainter& painter, const GraphGeometry& geometry, int width) const
 {
     const qint64 edge = bandEdge(*setup);
-    const int bottom = geometry.yOfLevel(GraphGeometry::floorLevel) - 1;
-    const QRectF left(QPointF(0, 0), QPointF(geometry.xOfBin(-edge) - 1, bottom));
-    const QRectF right(QPointF(width, 0), QPointF(geometry.xOfBin(edge) + 1, bottom));
+    const double bottom = geometry.yOfLevel(GraphGeometry::floorLevel) - 1.0;
+    const QRectF left(QPointF(0, 0), QPointF(geometry.xOfBin(-edge) - 1.0, bottom));
+    const QRectF right(QPointF(width, 0), QPointF(geometry.xOfBin(edge) + 1.0, bottom));
     painter.fillRect(left, Qt::black);
     painter.fillRect(right, Qt::black);
 }

@@ -318,6 +318,9 @@ void TestGraphLimits::absurdRowsArePainted()
     operate->addNotch(most, least, std::numeric_limits<double>::infinity());
     operate->addNotch(0, 0, std::nan(""));
     QVERIFY(operate->pixel(256, 195).green() > 100); // the carrier
+    operate->setup.nbwSrate = 1e300;
+    operate->drag({100, 5}, {200, 100});
+    QCOMPARE(operate->count(), 4);
 }
 
 QTEST_MAIN(TestGraphLimits)
