@@ -1,46 +1,21 @@
 // Drives the main job of the real window once, with mouse and keyboard, and prints what comes out:
 // settings, notches, calculation, and the first samples as a client on the network gets them.
 // Takes the path of the screenshot that it leaves.
-#include "app/main_window.h"
+#include "demo/window_hand.h"
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QComboBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QScreen>
-#include <QSpinBox>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTextStream>
 #include <QtEndian>
-#include <QtTest>
 
 namespace {
 
 constexpr int greetingSize = 24; // bytes
 constexpr int shownSamples = 4;
-constexpr int calculationLimit = 60000; // ms
 
-template <typename Widget> Widget* part(MainWindow& window, const char* name)
-{
-    return window.findChild<Widget*>(QLatin1String(name));
-}
-
-void type(MainWindow& window, const char* name, const QString& value)
-{
-    auto* box = part<QAbstractSpinBox>(window, name);
-    box->selectAll();
-    QTest::keyClicks(box, value);
-    QTest::keyClick(box, Qt::Key_Return);
-}
-
-void click(MainWindow& window, const char* name)
-{
-    QTest::mouseClick(part<QAbstractButton>(window, name), Qt::LeftButton);
-}
-
-bool calculate(MainWindow& window)
+bool makeSignal(MainWindow& window)
 {
     type(window, "nbw_srate_input", "0.8");
     type(window, "notch_count_input", "9");
@@ -48,27 +23,7 @@ bool calculate(MainWindow& window)
     type(window, "notch_offset_input", "0");
     type(window, "notch_depth_input", "-80");
     click(window, "autocalc_notches_button");
-    click(window, "calc_fft_button");
-    return QTest::qWaitFor(
-        [&window] {
-            return part<QLabel>(window, "fft_status_label")->text() == QLatin1String("Data valid");
-        },
-        calculationLimit);
-}
-
-// The port that the window listens on: 1000 where the system lets it, otherwise a free one.
-quint16 reachablePort(MainWindow& window)
-{
-    const auto* server = window.findChild<QTcpServer*>();
-    if (server != nullptr && server->isListening()) {
-        return server->serverPort();
-    }
-    QTcpServer free;
-    free.listen(QHostAddress::LocalHost);
-    const quint16 port = free.serverPort();
-    free.close();
-    type(window, "port_input", QString::number(port));
-    return port;
+    return calculate(window);
 }
 
 QByteArray fetchSymbols(quint16 port, int bytes)
@@ -104,7 +59,7 @@ int main(int argc, char* argv[])
     QTextStream out(stdout);
     MainWindow window;
     window.show();
-    if (!QTest::qWaitForWindowExposed(&window) || !calculate(window)) {
+    if (!QTest::qWaitForWindowExposed(&window) || !makeSignal(window)) {
         out << "The calculation did not end in valid data.\n";
         return 1;
     }

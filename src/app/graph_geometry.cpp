@@ -46,8 +46,9 @@ double GraphGeometry::levelOfDepth(double depth)
 
 void GraphGeometry::placeHandles(Notch& notch) const
 {
-    const QPointF topLeft(xOfBin(notch.startIndex) + 1, yOfLevel(topLevel) - 2);
-    const QPointF bottomRight(xOfBin(notch.stopIndex) - 1, yOfLevel(levelOfDepth(notch.depth)) - 1);
+    const QPointF topLeft(xOfBin(notch.startIndex) + 1.0, yOfLevel(topLevel) - 2.0);
+    const QPointF bottomRight(xOfBin(notch.stopIndex) - 1.0,
+                              yOfLevel(levelOfDepth(notch.depth)) - 1.0);
     const QRectF body(topLeft, bottomRight);
     notch.bodyRect = body;
     notch.leftHandleRect = {body.left() - handleSize, body.top(), handleSize,

@@ -7,7 +7,6 @@
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPointer>
 
 namespace {
@@ -42,11 +41,54 @@ const Grip* gripAt(const Notch& notch, QPoint position)
     return nullptr;
 }
 
+QVector<QLineF> segmentsOf(const QVector<QPointF>& line)
+{
+    QVector<QLineF> segments;
+    segments.reserve(line.size());
+    for (int i = 1; i < line.size(); ++i) {
+        if (line.at(i) != line.at(i - 1)) {
+            segments.append({line.at(i - 1), line.at(i)});
+        }
+    }
+    return segments;
+}
+
+QPointF direction(const QLineF& segment)
+{
+    const QLineF unit = segment.unitVector();
+    return unit.p2() - unit.p1();
+}
+
+// Draws what one stroke of a pen with square ends and bevelled corners draws along upright and
+// level segments. A stroke of so many segments costs the rasteriser the square of their number;
+// drawn one by one, and the corners after them, they cost no more than there are.
+void strokeSteps(QPainter& painter, const QVector<QPointF>& line, const QPen& pen)
+{
+    const double half = pen.widthF() / 2;
+    const QVector<QLineF> segments = segmentsOf(line);
+    painter.save();
+    painter.setPen(QPen(pen.brush(), pen.widthF(), Qt::SolidLine, Qt::FlatCap));
+    painter.drawLines(segments);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(pen.brush());
+    for (int i = 1; i < segments.size(); ++i) {
+        const QPointF corner = segments.at(i).p1();
+        const QPointF bevel[] = {corner, corner + half * direction(segments.at(i - 1)),
+                                 corner - half * direction(segments.at(i))};
+        painter.drawConvexPolygon(bevel, 3);
+    }
+    for (const QPointF& end : {line.first(), line.last()}) {
+        painter.drawRect(QRectF(end.x() - half, end.y() - half, 2 * half, 2 * half));
+    }
+    painter.restore();
+}
+
 } // namespace
 
 GraphWidget::GraphWidget(QWidget* parent) : QWidget(parent)
 {
     setMouseTracking(true);
+    setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
 void GraphWidget::setSetup(MeasurementSetup* shownSetup)
@@ -222,7 +264,7 @@ void GraphWidget::paintEvent(QPaintEvent* event)
     const int width = event->rect().width();
     const int height = event->rect().height();
     const GraphGeometry geometry(event->rect().size(), setup->fftLength());
-    paintOutline(painter, geometry, width);
+    strokeSteps(painter, outline(geometry, width), QPen(Qt::yellow, 2));
     if (isNotchMode()) {
         paintNotches(painter, geometry);
         paintOutside(painter, geometry, width);
@@ -241,29 +283,28 @@ void GraphWidget::paintEvent(QPaintEvent* event)
     }
 }
 
-// The list isn't sorted for this: notches out of order make the path double back.
-void GraphWidget::paintOutline(QPainter& painter, const GraphGeometry& geometry, int width) const
+// The list isn't sorted for this: notches out of order make the line double back.
+QVector<QPointF> GraphWidget::outline(const GraphGeometry& geometry, int width) const
 {
     const int top = geometry.yOfLevel(GraphGeometry::topLevel);
     const int floor = geometry.yOfLevel(GraphGeometry::floorLevel);
-    QPainterPath path(QPointF(0, floor));
+    QVector<QPointF> line{QPointF(0, floor)};
     if (isNotchMode()) {
+        const QList<Notch>& notches = setup->notches->items;
+        line.reserve(4 * notches.size() + 6);
         const qint64 edge = bandEdge(*setup);
-        path.lineTo(geometry.xOfBin(-edge), floor);
-        path.lineTo(geometry.xOfBin(-edge), top);
-        for (const Notch& notch : qAsConst(setup->notches->items)) {
+        line << QPointF(geometry.xOfBin(-edge), floor) << QPointF(geometry.xOfBin(-edge), top);
+        for (const Notch& notch : notches) {
+            const int start = geometry.xOfBin(notch.startIndex);
+            const int stop = geometry.xOfBin(notch.stopIndex);
             const int bottom = geometry.yOfLevel(GraphGeometry::levelOfDepth(notch.depth));
-            path.lineTo(geometry.xOfBin(notch.startIndex), top);
-            path.lineTo(geometry.xOfBin(notch.startIndex), bottom);
-            path.lineTo(geometry.xOfBin(notch.stopIndex), bottom);
-            path.lineTo(geometry.xOfBin(notch.stopIndex), top);
+            line << QPointF(start, top) << QPointF(start, bottom) << QPointF(stop, bottom)
+                 << QPointF(stop, top);
         }
-        path.lineTo(geometry.xOfBin(edge), top);
-        path.lineTo(geometry.xOfBin(edge), floor);
+        line << QPointF(geometry.xOfBin(edge), top) << QPointF(geometry.xOfBin(edge), floor);
     }
-    path.lineTo(width, floor);
-    painter.setPen(QPen(Qt::yellow, 2));
-    painter.drawPath(path);
+    line << QPointF(width, floor);
+    return line;
 }
 
 void GraphWidget::paintNotches(QPainter& painter, const GraphGeometry& geometry)
@@ -278,9 +319,9 @@ void GraphWidget::paintNotches(QPainter& painter, const GraphGeometry& geometry)
 void GraphWidget::paintOutside(QPainter& painter, const GraphGeometry& geometry, int width) const
 {
     const qint64 edge = bandEdge(*setup);
-    const int bottom = geometry.yOfLevel(GraphGeometry::floorLevel) - 1;
-    const QRectF left(QPointF(0, 0), QPointF(geometry.xOfBin(-edge) - 1, bottom));
-    const QRectF right(QPointF(width, 0), QPointF(geometry.xOfBin(edge) + 1, bottom));
+    const double bottom = geometry.yOfLevel(GraphGeometry::floorLevel) - 1.0;
+    const QRectF left(QPointF(0, 0), QPointF(geometry.xOfBin(-edge) - 1.0, bottom));
+    const QRectF right(QPointF(width, 0), QPointF(geometry.xOfBin(edge) + 1.0, bottom));
     painter.fillRect(left, Qt::black);
     painter.fillRect(right, Qt::black);
 }

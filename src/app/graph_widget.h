@@ -8,6 +8,7 @@
 
 #include <QPoint>
 #include <QRect>
+#include <QVector>
 #include <QWidget>
 
 class GraphGeometry;
@@ -47,7 +48,7 @@ private:
     void addRubberBandNotch();
     void endDrag();
     void deleteByMenu(QPoint position, QPoint globalPosition);
-    void paintOutline(QPainter& painter, const GraphGeometry& geometry, int width) const;
+    QVector<QPointF> outline(const GraphGeometry& geometry, int width) const;
     void paintNotches(QPainter& painter, const GraphGeometry& geometry);
     void paintOutside(QPainter& painter, const GraphGeometry& geometry, int width) const;
     void paintCarriers(QPainter& painter, const GraphGeometry& geometry) const;

@@ -1,31 +1,13 @@
 // The form of the main window under the style sheet, shown at several sizes: nothing is cut,
 // the keyboard gets around, and the colours are those of the house.
 #include "look/house_style.h"
+#include "support/contrast.h"
 #include "ui_main_window.h"
 
+#include <QStandardItemModel>
 #include <QtTest>
 
-#include <cmath>
 #include <memory>
-
-namespace {
-
-// The luminance of a colour and the contrast of two, as web accessibility rules define them.
-double luminance(const QColor& color)
-{
-    const auto linear = [](double part) {
-        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
-           0.0722 * linear(color.blueF());
-}
-
-double contrast(const QColor& light, const QColor& dark)
-{
-    return (luminance(light) + 0.05) / (luminance(dark) + 0.05);
-}
-
-} // namespace
 
 class TestMainWindowLook : public QObject
 {
@@ -43,6 +25,7 @@ private slots:
     void theTableLetsTheTabKeyGo();
     void thePanesHaveTheirColours();
     void whiteLabelsAreReadableOnTheGreyPane();
+    void theSelectedRowIsFlatInTheAccent();
 
 private:
     void showAt(const QSize& size);
@@ -174,6 +157,23 @@ void TestMainWindowLook::whiteLabelsAreReadableOnTheGreyPane()
     const QColor pane = ui->buttom_pane->grab().toImage().pixelColor(2, 2);
     QVERIFY(pane.saturationF() < 0.2);
     QVERIFY(contrast(Qt::white, pane) >= 4.5); // the common demand for small text
+}
+
+// Also its current cell, where the focus frame of the desktop would lay a gradient.
+void TestMainWindowLook::theSelectedRowIsFlatInTheAccent()
+{
+    QStandardItemModel model(3, 4);
+    ui->main_table->setModel(&model);
+    showAt(QSize(829, 449));
+    ui->main_table->setFocus();
+    ui->main_table->selectRow(1);
+    const QImage table = ui->main_table->viewport()->grab().toImage();
+    for (int column = 0; column < 4; ++column) {
+        const QRect cell = ui->main_table->visualRect(model.index(1, column));
+        for (int y = cell.top() + 2; y < cell.bottom() - 2; ++y) {
+            QCOMPARE(table.pixelColor(cell.center().x(), y), QColor(0, 142, 214));
+        }
+    }
 }
 
 QTEST_MAIN(TestMainWindowLook)

@@ -1,0 +1,89 @@
+// Makes the pictures of the README from the real window: takes the folder that they go to.
+#include "demo/window_hand.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDir>
+#include <QMouseEvent>
+#include <QTcpSocket>
+#include <QTextStream>
+
+namespace {
+
+// The window without the traces of the hand: no focus, no selected text.
+bool save(MainWindow& window, const QString& path)
+{
+    if (QWidget* focused = QApplication::focusWidget()) {
+        focused->clearFocus();
+    }
+    QCoreApplication::processEvents();
+    return window.grab().save(path);
+}
+
+void makeNotches(MainWindow& window, const char* count, const char* width, const char* depth)
+{
+    type(window, "nbw_srate_input", QStringLiteral("0.8"));
+    type(window, "notch_count_input", QLatin1String(count));
+    type(window, "notch_width_input", QLatin1String(width));
+    type(window, "notch_offset_input", QStringLiteral("0"));
+    type(window, "notch_depth_input", QLatin1String(depth));
+    click(window, "autocalc_notches_button");
+}
+
+void sendMouse(QWidget& graph, QEvent::Type event, QPointF share, Qt::MouseButtons held)
+{
+    const QPointF place(graph.width() * share.x(), graph.height() * share.y());
+    const Qt::MouseButton button = event == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent mouse(event, place, graph.mapToGlobal(place.toPoint()), button, held,
+                      Qt::NoModifier);
+    QApplication::sendEvent(&graph, &mouse);
+    QCoreApplication::processEvents();
+}
+
+bool showNineNotches(MainWindow& window, const QDir& folder)
+{
+    makeNotches(window, "9", "1", "-80");
+    QTcpSocket client;
+    client.connectToHost(QStringLiteral("127.0.0.1"), reachablePort(window));
+    const bool ready = calculate(window) && QTest::qWaitFor([&client] {
+                           return client.bytesAvailable() > 0; // the window has taken the client
+                       });
+    return ready && save(window, folder.filePath(QStringLiteral("main_window.png")));
+}
+
+bool showEditing(MainWindow& window, const QDir& folder)
+{
+    makeNotches(window, "3", "10", "-60");
+    auto* graph = part<QWidget>(window, "graph_widget");
+    sendMouse(*graph, QEvent::MouseButtonPress, {0.79, 0.04}, Qt::LeftButton);
+    sendMouse(*graph, QEvent::MouseMove, {0.86, 0.75}, Qt::LeftButton);
+    const bool saved = save(window, folder.filePath(QStringLiteral("graph_editing.png")));
+    sendMouse(*graph, QEvent::MouseButtonRelease, {0.86, 0.75}, Qt::NoButton);
+    return saved;
+}
+
+bool showCarriers(MainWindow& window, const QDir& folder)
+{
+    part<QComboBox>(window, "nc_combobox")->setCurrentIndex(1);
+    type(window, "notch_count_input", QStringLiteral("11"));
+    click(window, "autocalc_notches_button");
+    return calculate(window) && save(window, folder.filePath(QStringLiteral("carriers.png")));
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    const QApplication application(argc, argv);
+    // Made absolute first: the window moves the process to the home directory.
+    const QString folderName = QApplication::arguments().value(1, QStringLiteral("."));
+    const QDir folder(QDir(folderName).absolutePath());
+    MainWindow window;
+    window.show();
+    if (!QTest::qWaitForWindowExposed(&window) || !showNineNotches(window, folder) ||
+        !showEditing(window, folder) || !showCarriers(window, folder)) {
+        QTextStream(stderr) << "The pictures could not be made.\n";
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,152 @@
+// The help that the window gives where one points: a tool tip, a "What's this" text and a name for
+// screen readers at everything that takes input or shows a value.
+#include "app/main_window.h"
+#include "support/contrast.h"
+#include "support/fresh_home.h"
+#include "support/window_driver.h"
+
+#include <QHelpEvent>
+#include <QToolTip>
+
+class TestMainWindowHelp : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void everyInputExplainsItself();
+    void numbersTellTheirRange_data();
+    void numbersTellTheirRange();
+    void namesForScreenReadersAreUnique();
+    void tipOpensOnADisabledInput();
+    void tipHasTheLookOfTheHouse();
+
+private:
+    QList<QWidget*> inputs() const;
+    QWidget* showTip(const char* name);
+
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowDriver> operate;
+};
+
+void TestMainWindowHelp::init()
+{
+    forgetSavedSettings();
+    window = std::make_unique<MainWindow>();
+    operate = std::make_unique<WindowDriver>(*window);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void TestMainWindowHelp::cleanup()
+{
+    QToolTip::hideText();
+    operate.reset();
+    window.reset();
+}
+
+// All that can have the focus, without the inner parts of spin boxes, tables and the like, which
+// have no name or one of Qt's own.
+QList<QWidget*> TestMainWindowHelp::inputs() const
+{
+    QList<QWidget*> found;
+    const QList<QWidget*> all = window->centralWidget()->findChildren<QWidget*>();
+    for (QWidget* widget : all) {
+        const QString name = widget->objectName();
+        const bool ours = !name.isEmpty() && !name.startsWith(QLatin1String("qt_"));
+        if (ours && (widget->focusPolicy() & Qt::TabFocus) != 0) {
+            found.append(widget);
+        }
+    }
+    return found;
+}
+
+void TestMainWindowHelp::everyInputExplainsItself()
+{
+    QList<QWidget*> explained = inputs();
+    QVERIFY2(explained.size() >= 33, qPrintable(QString::number(explained.size())));
+    for (const char* name :
+         {"graph_widget", "fft_status", "tcp_status", "signal_power", "npr_lower", "npr_upper"}) {
+        explained.append(operate->find<QWidget>(name));
+    }
+    for (const QWidget* widget : qAsConst(explained)) {
+        const QByteArray name = widget->objectName().toLatin1();
+        QVERIFY2(widget->toolTip().endsWith(QLatin1Char('.')), name);
+        QVERIFY2(widget->whatsThis().endsWith(QLatin1Char('.')), name);
+        QVERIFY2(!widget->accessibleName().isEmpty(), name);
+        QVERIFY2(widget->toolTip().size() <= 100, name); // a line of the screen
+    }
+}
+
+void TestMainWindowHelp::numbersTellTheirRange_data()
+{
+    QTest::addColumn<QString>("unitAndRange");
+    QTest::newRow("sample_rate_input") << "MHz, 0.00001 to 23000";
+    QTest::newRow("nbw_srate_input") << "0.1 to 1";
+    QTest::newRow("fft_length_input") << "64 to 4194304";
+    QTest::newRow("notch_count_input") << "0 to 999";
+    QTest::newRow("notch_width_input") << "MHz, 0.000001 to 100";
+    QTest::newRow("notch_offset_input") << "MHz, -105 to 105";
+    QTest::newRow("notch_depth_input") << "dB, -100 to 0";
+    QTest::newRow("seed_input") << "1 to 483647";
+    QTest::newRow("port_input") << "0 to 65535";
+}
+
+void TestMainWindowHelp::numbersTellTheirRange()
+{
+    QFETCH(QString, unitAndRange);
+    const QString tip = operate->find<QWidget>(QTest::currentDataTag())->toolTip();
+    QVERIFY2(tip.contains(unitAndRange), qPrintable(tip));
+}
+
+void TestMainWindowHelp::namesForScreenReadersAreUnique()
+{
+    QStringList names;
+    for (const QWidget* widget : inputs()) {
+        names << widget->accessibleName();
+    }
+    QCOMPARE(names.removeDuplicates(), 0);
+}
+
+QWidget* TestMainWindowHelp::showTip(const char* name)
+{
+    auto* widget = operate->find<QWidget>(name);
+    const QPoint inside = widget->rect().center();
+    QHelpEvent event(QEvent::ToolTip, inside, widget->mapToGlobal(inside));
+    QApplication::sendEvent(widget, &event);
+    for (QWidget* topLevel : QApplication::topLevelWidgets()) {
+        if (topLevel->windowType() == Qt::ToolTip && topLevel->isVisible()) {
+            return topLevel;
+        }
+    }
+    return nullptr;
+}
+
+void TestMainWindowHelp::tipOpensOnADisabledInput()
+{
+    QVERIFY(!operate->isEnabled("measure_button"));
+    QVERIFY(showTip("measure_button") != nullptr);
+    QCOMPARE(QToolTip::text(), operate->find<QWidget>("measure_button")->toolTip());
+}
+
+void TestMainWindowHelp::tipHasTheLookOfTheHouse()
+{
+    const QColor ground(58, 62, 66);
+    for (const char* name : {"sample_rate_input", "graph_widget", "port_input", "fft_status"}) {
+        QWidget* tip = showTip(name);
+        QVERIFY(tip != nullptr);
+        const QImage image = tip->grab().toImage();
+        QCOMPARE(image.pixelColor(image.width() - 3, image.height() / 2), ground);
+        QColor text = ground;
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor color = image.pixelColor(x, image.height() / 2);
+            text = luminance(color) > luminance(text) ? color : text;
+        }
+        QVERIFY(contrast(text, ground) >= 4.5);
+        QToolTip::hideText();
+    }
+}
+
+QTEST_MAIN(TestMainWindowHelp)
+#include "test_main_window_help.moc"
