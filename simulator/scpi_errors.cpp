@@ -57,7 +57,7 @@ QByteArray ScpiErrorQueue::takeOldest()
     if (entries.empty()) {
         return entry(ScpiError::None, {});
     }
-    const QByteArray oldest = entries.front();
+    QByteArray oldest = entries.front();
     entries.pop_front();
     return oldest;
 }

@@ -51,7 +51,8 @@ double Spectrum::powerBetween(double low, double high) const
 int Spectrum::lineAtOrAbove(double offset) const
 {
     constexpr double tolerance = 1e-5;
-    const double line = std::ceil(offset / spacing - tolerance) + power.size() / 2;
+    const int carrier = power.size() / 2;
+    const double line = std::ceil(offset / spacing - tolerance) + carrier;
     if (!(line > 0.0)) {
         return 0;
     }

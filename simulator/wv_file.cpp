@@ -8,7 +8,7 @@
 namespace {
 
 constexpr int longestHeader = 65536;
-constexpr int sampleSize = 4; // I and Q
+constexpr qint64 sampleSize = 4; // I and Q
 constexpr char waveformTag[] = "{WAVEFORM-";
 
 // What stands between a tag's start and an end mark; throws when there is none.
@@ -35,7 +35,7 @@ double positiveNumber(const QByteArray& text)
 
 PlayedSignal signalOfWords(const QByteArray& words, double clock)
 {
-    const int count = words.size() / sampleSize;
+    const int count = static_cast<int>(words.size() / sampleSize);
     PlayedSignal signal{QVector<double>(count), QVector<double>(count), clock};
     for (int k = 0; k < count; ++k) {
         const char* at = words.constData() + k * sampleSize;

@@ -164,7 +164,7 @@ void TestScpiText::anyBytesAreTaken()
     for (int value = 0; value < 256; ++value) {
         bytes += static_cast<char>(value);
     }
-    QVERIFY(scpiUnits(bytes + bytes).size() > 0);
+    QVERIFY(!scpiUnits(bytes + bytes).isEmpty());
     QVERIFY(scpiUnits(QByteArray(4096, ';')).isEmpty());
     QCOMPARE(scpiUnits(QByteArray(4096, ':')).size(), 1);
     QCOMPARE(scpiUnits(QByteArray(4096, '"')).size(), 1);
