@@ -69,10 +69,9 @@ private:
 
     QByteArray symbols() const
     {
-        QByteArray block = word(2);
-        for (const float value : samples) {
-            block += number(value);
-        }
+        QByteArray block(4 + 4 * samples.size(), '\0');
+        qToLittleEndian(quint32{2}, block.data());
+        qToLittleEndian<float>(samples.constData(), samples.size(), block.data() + 4);
         return block;
     }
 
