@@ -1,32 +1,17 @@
 #include "simulator/bench.h"
 
-#include <algorithm>
+#include "simulator/power.h"
+
 #include <cmath>
 #include <utility>
 
 namespace {
-
-double milliwatts(double dbm)
-{
-    return std::pow(10.0, dbm / 10.0);
-}
 
 double dbm(double milliwatt)
 {
     // A comparison that not-a-number fails too.
     return milliwatt > milliwatts(emptyChannelPower) ? 10.0 * std::log10(milliwatt)
                                                      : emptyChannelPower;
-}
-
-double meanPower(const PlayedSignal& signal)
-{
-    double sum = 0.0;
-    for (int k = 0; k < signal.size(); ++k) {
-        const double i = signal.iSamples.at(k);
-        const double q = signal.qSamples.at(k);
-        sum += i * i + q * q;
-    }
-    return sum / signal.size();
 }
 
 // The lone carrier that a generator puts out without modulation.

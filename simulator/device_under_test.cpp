@@ -1,14 +1,11 @@
 #include "simulator/device_under_test.h"
 
+#include "simulator/power.h"
+
 #include <algorithm>
 #include <cmath>
 
 namespace {
-
-double milliwatts(double dbm)
-{
-    return std::pow(10.0, dbm / 10.0);
-}
 
 // Scales each sample by a gain that depends on its momentary power alone.
 template <typename Gain> void scaleByPower(PlayedSignal& envelope, Gain gain)
@@ -41,22 +38,11 @@ void passCubic(const DeviceSettings& device, PlayedSignal& envelope)
     scaleByPower(envelope, [intercept](double power) { return 1.0 - power / intercept; });
 }
 
-double rmsOfOneComponent(const PlayedSignal& envelope)
-{
-    double sum = 0.0;
-    for (int k = 0; k < envelope.size(); ++k) {
-        const double i = envelope.iSamples.at(k);
-        const double q = envelope.qSamples.at(k);
-        sum += i * i + q * q;
-    }
-    return std::sqrt(sum / (2.0 * envelope.size()));
-}
-
 // Two converters, one a component, set to the signal's own level. They clip at full scale on both
 // sides alike, which takes one step more than 2^bits.
 void passConverter(const DeviceSettings& device, PlayedSignal& envelope)
 {
-    const double fullScale = device.loadingFactor * rmsOfOneComponent(envelope);
+    const double fullScale = device.loadingFactor * std::sqrt(meanPower(envelope) / 2.0);
     const double topCode = std::ldexp(1.0, device.bits - 1);
     const double step = fullScale / topCode;
     if (!(step > 0.0)) {

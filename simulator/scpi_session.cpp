@@ -2,6 +2,17 @@
 
 #include "simulator/command_table.h"
 
+namespace {
+
+constexpr char sweepStart[] = "INITiate[:IMMediate]";
+
+QByteArray powerText(double value)
+{
+    return QByteArray::number(value, 'f', 6);
+}
+
+} // namespace
+
 // A word that is no setting.
 struct SessionCommand
 {
@@ -26,20 +37,11 @@ const std::vector<SessionCommand>& SessionCommand::all()
         {ScpiPattern("&GTL"), false, &S::nothing},
         {ScpiPattern("@LOC"), false, &S::nothing},
         {ScpiPattern("SYSTem:ERRor[:NEXT]"), true, &S::answerOldestError},
-        {ScpiPattern("INITiate[:IMMediate]"), false, &S::nothing},
+        {ScpiPattern(sweepStart), false, &S::nothing},
         {ScpiPattern("CALCulate:MARKer:FUNCtion:POWer:RESult"), true, &S::answerChannelPower},
     };
     return table;
 }
-
-namespace {
-
-QByteArray powerText(double value)
-{
-    return QByteArray::number(value, 'f', 6);
-}
-
-} // namespace
 
 ScpiSession::ScpiSession(Bench& simulatedBench, BenchFace benchFace,
                          const QByteArray& installedOptions)
@@ -49,7 +51,7 @@ ScpiSession::ScpiSession(Bench& simulatedBench, BenchFace benchFace,
 
 bool ScpiSession::startsSweep(const ScpiUnit& unit)
 {
-    static const ScpiPattern pattern("INITiate[:IMMediate]");
+    static const ScpiPattern pattern(sweepStart);
     return !unit.query && pattern.matches(unit.header);
 }
 

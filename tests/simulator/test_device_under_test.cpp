@@ -126,8 +126,8 @@ void TestDeviceUnderTest::twoTonesBringIntermodulationByTheIntercept()
     QVERIFY(std::abs(10.0 * std::log10(spectrum.powerBetween(-1.5, -0.5)) + 70.0) < 1e-6);
 }
 
-// The values 1 and -1 in turn have the rms of one; both components together halve the power of
-// one, so that a component's rms is 1/sqrt(2), and a loading of 4 sqrt(2) puts full scale at 4.
+// The rms of one component is that of the samples over the root of 2; the loading puts full scale
+// at 4.
 void TestDeviceUnderTest::aConverterRoundsToTheNearestStep()
 {
     DeviceSettings adc = device("adc");
