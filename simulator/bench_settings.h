@@ -1,0 +1,51 @@
+// What SCPI sets on the simulated instruments; the values after a reset. Base units: Hz, dB, dBm,
+// seconds.
+#pragma once
+
+struct SimulatedGenerator
+{
+    double frequency = 1e9;
+    double level = -30.0;
+    bool output = false;
+    // On after a reset: some dialects have no word for it.
+    bool iqModulation = true;
+};
+
+struct SimulatedMicrowaveGenerator
+{
+    double frequency = 1e10;
+    double level = -30.0; // counts only without the IF input
+    double attenuation = 0.0;
+    bool output = false;
+    bool ifInput = true; // the signal generator's level passes through
+};
+
+// A setting that the instrument can also choose itself.
+struct AutomaticNumber
+{
+    double value = 0.0;
+    bool automatic = true;
+};
+
+struct SimulatedAnalyzer
+{
+    double centerFrequency = 1e9;
+    double span = 1e8;
+    double referenceLevel = 0.0;
+    AutomaticNumber attenuation;
+    AutomaticNumber resolutionBandwidth;
+    AutomaticNumber videoBandwidth;
+    AutomaticNumber sweepTime;
+    bool continuousSweep = true;
+    double channelBandwidth = 1e6;
+    double adjacentBandwidth = 1e6;
+    double channelSpacing = 2e6;
+    bool relativeChannels = true; // adjacent channels in dB of the reference, else in dBm
+};
+
+struct BenchSettings
+{
+    SimulatedGenerator generator;
+    SimulatedMicrowaveGenerator microwave;
+    SimulatedAnalyzer analyzer;
+};

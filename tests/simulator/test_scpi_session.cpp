@@ -1,0 +1,234 @@
+// What the instruments answer, what they make of bad words, and whom a reset reaches.
+#include "multitone.h"
+
+#include "simulator/scpi_session.h"
+
+#include <QtTest>
+
+namespace {
+
+const char noError[] = "0,\"No error\"";
+
+QByteArray tell(ScpiSession& session, const QByteArray& line)
+{
+    for (const ScpiUnit& unit : scpiUnits(line)) {
+        session.run(unit);
+    }
+    return session.takeAnswers();
+}
+
+} // namespace
+
+class TestScpiSession : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aMeasurementAnswersReferenceLowerAndUpper();
+    void absoluteChannelsAnswerInDbm();
+    void theOutputCanBeSwitchedOff_data();
+    void theOutputCanBeSwitchedOff();
+    void questionsHaveTheirAnswers();
+    void answersOfOneLineComeTogether();
+    void settingsCanBeAsked();
+    void aResetReachesOnlyTheInstrumentSpokenTo();
+    void badInputLeavesAnErrorAndChangesNothing_data();
+    void badInputLeavesAnErrorAndChangesNothing();
+    void goingToLocalIsNoError();
+    void clearingForgetsTheErrors();
+    void eachConnectionHasItsOwnErrors();
+
+private:
+    static BenchWiring withMicrowave()
+    {
+        BenchWiring wiring;
+        wiring.hasMicrowave = true;
+        return wiring;
+    }
+
+    Bench bench{withMicrowave()};
+    ScpiSession main() { return {bench, BenchFace::GeneratorAndAnalyzer, "B15"}; }
+    ScpiSession microwave() { return {bench, BenchFace::Microwave, "B15,B23"}; }
+
+private slots:
+    void init() { bench.settings = {}; }
+};
+
+void TestScpiSession::aMeasurementAnswersReferenceLowerAndUpper()
+{
+    Bench measured = readyBench();
+    ScpiSession session(measured, BenchFace::GeneratorAndAnalyzer, "");
+    measured.play(noiseWithNotch(4096, {1000, 1199}, -45.0));
+    tune(measured, 860.0, 100.0, 240.0);
+    QCOMPARE(tell(session, "INIT:CONT OFF"), QByteArray());
+    QVERIFY(!measured.settings.analyzer.continuousSweep);
+    QCOMPARE(tell(session, "INIT;*WAI"), QByteArray());
+    const QList<QByteArray> fields =
+        tell(session, "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP").split(',');
+    QCOMPARE(fields.size(), 3);
+    // The cut lines are missing in the whole: 3896 of 4096 share -30 dBm, 100 are in a channel.
+    const double expected = -30.0 + 10.0 * std::log10(100.0 / 3896.0);
+    QVERIFY(std::abs(fields[0].toDouble() - expected) < 1e-4);
+    QCOMPARE(fields[1].toDouble(), 0.0);
+    QCOMPARE(fields[2].toDouble(), -45.0);
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+}
+
+void TestScpiSession::absoluteChannelsAnswerInDbm()
+{
+    ScpiSession session = main();
+    QCOMPARE(tell(session, "CALC:MARK:FUNC:POW:RES? ACP"),
+             QByteArray("-200.000000,0.000000,0.000000"));
+    tell(session, "POW:ACH:MODE ABSolute");
+    QCOMPARE(tell(session, "CALC:MARK:FUNC:POW:RES? ACP"),
+             QByteArray("-200.000000,-200.000000,-200.000000"));
+    tell(session, "POW:ACH:MODE sideways");
+    QVERIFY(tell(session, "SYST:ERR?").startsWith("-224,"));
+}
+
+void TestScpiSession::theOutputCanBeSwitchedOff_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    for (const char* line : {"OUTP OFF", ":OUTP2 OFF", "OUTP1 OFF", "LEV:OFF", "L:OFF", "OUTP 0"}) {
+        QTest::newRow(line) << QByteArray(line);
+    }
+}
+
+void TestScpiSession::theOutputCanBeSwitchedOff()
+{
+    QFETCH(QByteArray, line);
+    ScpiSession session = main();
+    bench.settings.generator.output = true;
+    tell(session, line);
+    QVERIFY(!bench.settings.generator.output);
+}
+
+void TestScpiSession::questionsHaveTheirAnswers()
+{
+    ScpiSession session = main();
+    QCOMPARE(tell(session, "*IDN?").count(','), 3);
+    QCOMPARE(tell(session, "*OPT?"), QByteArray("B15"));
+    QCOMPARE(tell(session, "*OPC?"), QByteArray("1"));
+    QCOMPARE(tell(session, "syst:err?"), QByteArray(noError));
+    QCOMPARE(tell(session, "SYSTEM:ERROR:NEXT?"), QByteArray(noError));
+    ScpiSession other = microwave();
+    QCOMPARE(tell(other, "*OPT?"), QByteArray("B15,B23"));
+    QVERIFY(tell(other, "*IDN?").contains("Microwave"));
+}
+
+void TestScpiSession::answersOfOneLineComeTogether()
+{
+    ScpiSession session = main();
+    QCOMPARE(tell(session, "*OPC?;*OPT?;FREQ 1;*OPC?"), QByteArray("1;B15;1"));
+    QCOMPARE(tell(session, "*WAI"), QByteArray());
+}
+
+void TestScpiSession::settingsCanBeAsked()
+{
+    ScpiSession session = main();
+    QCOMPARE(tell(session, "FREQ 123.5;FREQ?"), QByteArray("123.500000"));
+    QCOMPARE(tell(session, "FREQ:CENT -7;CENT?"), QByteArray("-7.000000"));
+    QCOMPARE(tell(session, "OUTP ON;OUTP?"), QByteArray("1"));
+    QCOMPARE(tell(session, "LEV:OFF?"), QByteArray("0"));
+    QCOMPARE(tell(session, "POW:ACH:MODE?"), QByteArray("RELative"));
+    QCOMPARE(tell(session, "DET:FUNC?"), QByteArray("RMS"));
+    QCOMPARE(tell(session, "SWE:TIME?"), QByteArray("0.000000"));
+    ScpiSession other = microwave();
+    QCOMPARE(tell(other, "POW?"), QByteArray("-30.000000"));
+}
+
+void TestScpiSession::aResetReachesOnlyTheInstrumentSpokenTo()
+{
+    ScpiSession generator = main();
+    ScpiSession analyzer = main();
+    ScpiSession stranger = main();
+    ScpiSession converter = microwave();
+    tell(generator, "OUTP ON");
+    tell(analyzer, "FREQ:SPAN 5");
+    tell(converter, "OUTP ON");
+    tell(analyzer, "*RST");
+    QVERIFY(bench.settings.generator.output);
+    QVERIFY(bench.settings.microwave.output);
+    QCOMPARE(bench.settings.analyzer.span, SimulatedAnalyzer().span);
+    tell(analyzer, "FREQ:SPAN 5");
+    tell(generator, "*RST");
+    QVERIFY(!bench.settings.generator.output);
+    QCOMPARE(bench.settings.analyzer.span, 5.0);
+    tell(stranger, "*RST");
+    QCOMPARE(bench.settings.analyzer.span, SimulatedAnalyzer().span);
+    QVERIFY(bench.settings.microwave.output);
+    tell(converter, "*RST");
+    QVERIFY(!bench.settings.microwave.output);
+}
+
+void TestScpiSession::badInputLeavesAnErrorAndChangesNothing_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::addColumn<QByteArray>("error");
+    const struct
+    {
+        const char* line;
+        const char* error;
+    } rows[] = {
+        {"FOO:BAR 1", "-113,\"Undefined header;FOO:BAR\""},
+        {"FREQ one", "-104,\"Data type error;FREQ one\""},
+        {"FREQ 1 MHZ", "-104,\"Data type error;FREQ 1 MHZ\""},
+        {"FREQ", "-109,\"Missing parameter;FREQ \""},
+        {"FREQ nan", "-222,\"Data out of range;FREQ nan\""},
+        {"FREQ inf", "-222,\"Data out of range;FREQ inf\""},
+        {"FREQ -1", "-222,\"Data out of range;FREQ -1\""},
+        {"FREQ 1e300", "-222,\"Data out of range;FREQ 1e300\""},
+        {"POW 1e9", "-222,\"Data out of range;POW 1e9\""},
+        {"OUTP maybe", "-224,\"Illegal parameter value;OUTP maybe\""},
+        {"OUTP", "-109,\"Missing parameter;OUTP \""},
+        {":SENS1:POW:ACH:ACP 7", "-224,\"Illegal parameter value;SENS1:POW:ACH:ACP 7\""},
+        {":OUTP3 ON", "-113,\"Undefined header;OUTP3\""},
+        {"*IDN", "-113,\"Undefined header;*IDN\""},
+        {"*RST?", "-113,\"Undefined header;*RST\""},
+        {"\xff\xfe\x01", "-113,\"Undefined header;...\""},
+        {"?", "-113,\"Undefined header\""},
+        {":INP:IF:STAT ON", "-113,\"Undefined header;INP:IF:STAT\""},
+    };
+    for (const auto& row : rows) {
+        QTest::newRow(row.line) << QByteArray(row.line) << QByteArray(row.error);
+    }
+}
+
+void TestScpiSession::badInputLeavesAnErrorAndChangesNothing()
+{
+    QFETCH(QByteArray, line);
+    ScpiSession session = main();
+    QCOMPARE(tell(session, line), QByteArray());
+    QTEST(tell(session, "SYST:ERR?"), "error");
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+    QCOMPARE(bench.settings.generator.frequency, SimulatedGenerator().frequency);
+    QCOMPARE(bench.settings.generator.level, SimulatedGenerator().level);
+    QVERIFY(!bench.settings.generator.output);
+}
+
+void TestScpiSession::goingToLocalIsNoError()
+{
+    ScpiSession session = main();
+    QCOMPARE(tell(session, "&GTL"), QByteArray());
+    QCOMPARE(tell(session, "&GTL;@LOC;*OPC?"), QByteArray("1"));
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+}
+
+void TestScpiSession::clearingForgetsTheErrors()
+{
+    ScpiSession session = main();
+    tell(session, "FOO;BAR;*CLS");
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+}
+
+void TestScpiSession::eachConnectionHasItsOwnErrors()
+{
+    ScpiSession one = main();
+    ScpiSession two = main();
+    tell(one, "FOO");
+    QCOMPARE(tell(two, "SYST:ERR?"), QByteArray(noError));
+    QVERIFY(tell(one, "SYST:ERR?").startsWith("-113,"));
+}
+
+QTEST_APPLESS_MAIN(TestScpiSession)
+#include "test_scpi_session.moc"

@@ -1,0 +1,234 @@
+// The simulator as a whole, in the test's process, with a stand-in for the program: a sweep sees
+// the newest signal, a microwave generator has its own address, a file is played.
+#include "fake_program.h"
+#include "scpi_client.h"
+
+#include "simulator/simulator.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+const char measurement[] = "CALC1:MARK1:FUNC:POW:RES? ACP";
+
+// Any free port, and no poll but those of a sweep.
+SimulatorOptions quietOptions(quint16 signalPort = 1)
+{
+    SimulatorOptions options;
+    options.port = 0;
+    options.signalPort = signalPort;
+    options.signalTiming = {3600000, 3600000};
+    return options;
+}
+
+bool start(Simulator& simulator)
+{
+    QString errorText;
+    const bool started = simulator.start(errorText);
+    if (!started) {
+        qWarning("%s", qPrintable(errorText));
+    }
+    return started;
+}
+
+// Channels ten hertz wide, the upper one around the line 16 of a grid of one hertz. A quarter of
+// the rate is a line whose floats are exact, so that nothing else stands above the floor.
+const char setUp[] = "OUTP ON;FREQ 1e9;POW -10;FREQ:CENT 1e9;:POW:ACH:BWID 10;BWID:ACH 10;"
+                     ":POW:ACH:SPAC 16;MODE ABS";
+constexpr int lineCount = 64;
+
+} // namespace
+
+class TestSimulator : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aSweepSeesASignalThatWasJustCalculated();
+    void whatFollowsASweepWaitsForIt();
+    void otherConnectionsGoOnDuringASweep();
+    void aSweepEndsWithoutTheProgramsAnswer();
+    void aSweepEndsWhenTheProgramGoesAway();
+    void newSignalsArePlayedByThemselves();
+    void theMicrowaveGeneratorHasItsOwnAddress();
+    void aFileIsPlayed();
+    void aBadFileKeepsTheSimulatorFromStarting();
+    void aTakenPortKeepsTheSimulatorFromStarting();
+    void aTakenMicrowaveAddressKeepsTheSimulatorFromStarting();
+};
+
+void TestSimulator::aSweepSeesASignalThatWasJustCalculated()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    Simulator simulator(quietOptions(program.port()));
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QTRY_VERIFY(program.requests.contains("GetServerID"));
+    for (const int line : {16, -16, 16}) {
+        program.calculateTone(lineCount, line);
+        analyzer.send(QByteArray(setUp) + "\nINIT:CONT OFF\nINIT;*WAI\n*CLS;:" + measurement +
+                      "\n");
+        QCOMPARE(analyzer.answer(), QByteArray(line < 0 ? "-200.000000,-10.000000,-200.000000"
+                                                        : "-200.000000,-200.000000,-10.000000"));
+    }
+}
+
+void TestSimulator::whatFollowsASweepWaitsForIt()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    Simulator simulator(quietOptions(program.port()));
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QTRY_VERIFY(program.requests.contains("GetServerID"));
+    program.calculateTone(lineCount, 16);
+    analyzer.send(QByteArray(setUp) + ";*OPC?;:INIT;*WAI;*OPC?;:" + measurement + "\n*OPT?\n");
+    QCOMPARE(analyzer.answer(), QByteArray("1;1;-200.000000,-200.000000,-10.000000"));
+    QCOMPARE(analyzer.answer(), QByteArray("B15,B17,B23,B24"));
+}
+
+void TestSimulator::otherConnectionsGoOnDuringASweep()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    Simulator simulator(quietOptions(program.port()));
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    ScpiClient generator;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QVERIFY(generator.connectTo(simulator.port()));
+    QTRY_VERIFY(program.requests.contains("GetServerID"));
+    program.silent = true;
+    analyzer.send("INIT;*WAI;*OPC?\n");
+    QTRY_VERIFY(program.requests.contains("GetNewState"));
+    QCOMPARE(generator.ask("*OPC?"), QByteArray("1"));
+    QCOMPARE(analyzer.socket.bytesAvailable(), qint64(0));
+}
+
+void TestSimulator::aSweepEndsWithoutTheProgramsAnswer()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    Simulator simulator(quietOptions(program.port()));
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QTRY_VERIFY(program.requests.contains("GetServerID"));
+    program.silent = true;
+    QCOMPARE(analyzer.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
+}
+
+void TestSimulator::aSweepEndsWhenTheProgramGoesAway()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    Simulator simulator(quietOptions(program.port()));
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QTRY_VERIFY(program.requests.contains("GetServerID"));
+    program.silent = true;
+    analyzer.send("INIT;*WAI;*OPC?\n");
+    QTRY_VERIFY(program.requests.contains("GetNewState"));
+    program.stop();
+    QCOMPARE(analyzer.answer(), QByteArray("1"));
+    QCOMPARE(analyzer.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
+}
+
+void TestSimulator::newSignalsArePlayedByThemselves()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    SimulatorOptions options = quietOptions(program.port());
+    options.signalTiming = {10, 5000};
+    Simulator simulator(options);
+    QSignalSpy log(&simulator, &Simulator::logged);
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    program.calculateTone(lineCount, 16);
+    analyzer.send(QByteArray(setUp) + '\n');
+    QTRY_COMPARE(analyzer.ask(measurement), QByteArray("-200.000000,-200.000000,-10.000000"));
+    QVERIFY(log.contains({QString("playing 64 samples at 64 Hz")}));
+}
+
+void TestSimulator::theMicrowaveGeneratorHasItsOwnAddress()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    program.calculateTone(lineCount, 16);
+    SimulatorOptions options = quietOptions(program.port());
+    options.wiring.hasMicrowave = true;
+    options.microwaveAddress = "127.0.0.2";
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    ScpiClient microwave;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QVERIFY(microwave.connectTo(simulator.port(), "127.0.0.2"));
+    QCOMPARE(microwave.ask("FREQ 2e10;*OPC?"), QByteArray("1"));
+    analyzer.send(QByteArray(setUp) + ";:FREQ:CENT 21e9;:INIT\n");
+    QCOMPARE(analyzer.ask(measurement), QByteArray("-200.000000,-200.000000,-200.000000"));
+    QCOMPARE(microwave.ask("OUTP ON;*OPC?"), QByteArray("1"));
+    QCOMPARE(analyzer.ask(measurement), QByteArray("-200.000000,-200.000000,-10.000000"));
+    QCOMPARE(analyzer.ask("FREQ?"), QByteArray("1000000000.000000"));
+}
+
+// Two samples of one sign are the carrier.
+void TestSimulator::aFileIsPlayed()
+{
+    QTemporaryDir folder;
+    QFile file(folder.filePath("carrier.wv"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("{CLOCK:1000}{WAVEFORM-9:#" + QByteArray::fromHex("0010000000100000") + "}");
+    file.close();
+    SimulatorOptions options = quietOptions();
+    options.waveformFile = file.fileName();
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    analyzer.send(QByteArray(setUp) + ";:INIT;*WAI\n");
+    QCOMPARE(analyzer.ask(measurement), QByteArray("-10.000000,-200.000000,-200.000000"));
+}
+
+void TestSimulator::aBadFileKeepsTheSimulatorFromStarting()
+{
+    SimulatorOptions options = quietOptions();
+    options.waveformFile = "/nowhere/at/all.wv";
+    Simulator simulator(options);
+    QString errorText;
+    QVERIFY(!simulator.start(errorText));
+    QVERIFY(errorText.startsWith("/nowhere/at/all.wv: "));
+}
+
+void TestSimulator::aTakenPortKeepsTheSimulatorFromStarting()
+{
+    Simulator first(quietOptions());
+    QVERIFY(start(first));
+    SimulatorOptions options = quietOptions();
+    options.port = first.port();
+    Simulator second(options);
+    QString errorText;
+    QVERIFY(!second.start(errorText));
+    QVERIFY(
+        errorText.startsWith(QStringLiteral("cannot listen on 127.0.0.1:%1: ").arg(first.port())));
+}
+
+void TestSimulator::aTakenMicrowaveAddressKeepsTheSimulatorFromStarting()
+{
+    SimulatorOptions options = quietOptions();
+    options.wiring.hasMicrowave = true;
+    options.microwaveAddress = "127.0.0.1";
+    Simulator simulator(options);
+    QString errorText;
+    QVERIFY(!simulator.start(errorText));
+    QVERIFY(errorText.startsWith("cannot listen on 127.0.0.1:"));
+}
+
+QTEST_GUILESS_MAIN(TestSimulator)
+#include "test_simulator.moc"

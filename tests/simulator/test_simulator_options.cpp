@@ -1,0 +1,142 @@
+// The command line.
+#include "simulator/simulator_options.h"
+
+#include <QCommandLineParser>
+#include <QtTest>
+
+namespace {
+
+std::optional<SimulatorOptions> read(const QStringList& arguments, QString& errorText)
+{
+    QCommandLineParser parser;
+    addSimulatorOptions(parser);
+    if (!parser.parse(QStringList("notchbench-simulator") + arguments)) {
+        errorText = parser.errorText();
+        return {};
+    }
+    return readSimulatorOptions(parser, errorText);
+}
+
+SimulatorOptions good(const QStringList& arguments)
+{
+    QString errorText;
+    const std::optional<SimulatorOptions> options = read(arguments, errorText);
+    if (!options) {
+        qFatal("%s", qPrintable(errorText));
+    }
+    return *options;
+}
+
+} // namespace
+
+class TestSimulatorOptions : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theDefaultsAreThoseOfTheHelp();
+    void everyOptionIsTaken();
+    void aBadValueIsNamed_data();
+    void aBadValueIsNamed();
+};
+
+void TestSimulatorOptions::theDefaultsAreThoseOfTheHelp()
+{
+    const SimulatorOptions options = good({});
+    QCOMPARE(options.port, quint16(5025));
+    QCOMPARE(options.signalPort, quint16(1000));
+    QCOMPARE(options.wiring.device.name, QString("linear"));
+    QCOMPARE(options.wiring.device.saturationPower, 10.0);
+    QCOMPARE(options.wiring.device.smoothness, 2.0);
+    QCOMPARE(options.wiring.device.thirdOrderIntercept, 20.0);
+    QCOMPARE(options.wiring.device.bits, 12);
+    QCOMPARE(options.wiring.device.loadingFactor, 5.0);
+    QVERIFY(!options.wiring.hasMicrowave);
+    QVERIFY(std::isinf(options.wiring.noiseFloor) && options.wiring.noiseFloor < 0.0);
+    QCOMPARE(options.installedOptions, QByteArray("B15,B17,B23,B24"));
+    QVERIFY(options.waveformFile.isEmpty() && !options.verbose);
+}
+
+void TestSimulatorOptions::everyOptionIsTaken()
+{
+    const SimulatorOptions options = good({"--port",
+                                           "0",
+                                           "--signal-port",
+                                           "2000",
+                                           "--dut",
+                                           "adc",
+                                           "--saturation",
+                                           "-3.5",
+                                           "--smoothness=1.5",
+                                           "--intercept",
+                                           "-7",
+                                           "--bits",
+                                           "8",
+                                           "--loading",
+                                           "4.25",
+                                           "--noise-floor",
+                                           "-150",
+                                           "--waveform",
+                                           "x.wv",
+                                           "--microwave",
+                                           "127.0.0.2",
+                                           "--opt",
+                                           "B24",
+                                           "--verbose"});
+    QCOMPARE(options.port, quint16(0));
+    QCOMPARE(options.signalPort, quint16(2000));
+    QCOMPARE(options.wiring.device.name, QString("adc"));
+    QCOMPARE(options.wiring.device.saturationPower, -3.5);
+    QCOMPARE(options.wiring.device.smoothness, 1.5);
+    QCOMPARE(options.wiring.device.thirdOrderIntercept, -7.0);
+    QCOMPARE(options.wiring.device.bits, 8);
+    QCOMPARE(options.wiring.device.loadingFactor, 4.25);
+    QCOMPARE(options.wiring.noiseFloor, -150.0);
+    QCOMPARE(options.waveformFile, QString("x.wv"));
+    QCOMPARE(options.microwaveAddress, QString("127.0.0.2"));
+    QVERIFY(options.wiring.hasMicrowave);
+    QCOMPARE(options.installedOptions, QByteArray("B24"));
+    QVERIFY(options.verbose);
+}
+
+void TestSimulatorOptions::aBadValueIsNamed_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<QString>("message");
+    const struct
+    {
+        QStringList arguments;
+        const char* message;
+    } rows[] = {
+        {{"--port", "65536"}, "bad value for --port: 65536"},
+        {{"--port", "-1"}, "bad value for --port: -1"},
+        {{"--port", "5.5"}, "bad value for --port: 5.5"},
+        {{"--port", ""}, "bad value for --port: "},
+        {{"--signal-port", "0"}, "bad value for --signal-port: 0"},
+        {{"--dut", "tube"}, "bad value for --dut: tube"},
+        {{"--bits", "0"}, "bad value for --bits: 0"},
+        {{"--bits", "25"}, "bad value for --bits: 25"},
+        {{"--loading", "0"}, "bad value for --loading: 0"},
+        {{"--loading", "nan"}, "bad value for --loading: nan"},
+        {{"--smoothness", "0"}, "bad value for --smoothness: 0"},
+        {{"--intercept", "inf"}, "bad value for --intercept: inf"},
+        {{"--noise-floor", "quiet"}, "bad value for --noise-floor: quiet"},
+        {{"--microwave", "nowhere"}, "bad value for --microwave: nowhere"},
+        {{"file.wv"}, "unexpected argument: file.wv"},
+        {{"--frequency", "5"}, "Unknown option 'frequency'."},
+    };
+    for (const auto& row : rows) {
+        QTest::newRow(row.message) << row.arguments << QString(row.message);
+    }
+}
+
+void TestSimulatorOptions::aBadValueIsNamed()
+{
+    QFETCH(QStringList, arguments);
+    QString errorText;
+    QVERIFY(!read(arguments, errorText));
+    QTEST(errorText, "message");
+}
+
+QTEST_APPLESS_MAIN(TestSimulatorOptions)
+#include "test_simulator_options.moc"

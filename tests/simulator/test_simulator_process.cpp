@@ -1,0 +1,146 @@
+// The built program: what it prints, how it ends.
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QtTest>
+
+#include <csignal>
+
+namespace {
+
+class Process : public QProcess
+{
+public:
+    // Starts and waits for the line that tells the port; 0 when none came.
+    int startListening(const QStringList& more = {})
+    {
+        start(SIMULATOR, QStringList{"--port", "0", "--signal-port", "1"} + more);
+        const QRegularExpression pattern("^listening on 127\\.0\\.0\\.1:(\\d+)\n$");
+        QByteArray output;
+        (void)QTest::qWaitFor(
+            [&] {
+                output += readAllStandardOutput();
+                return output.endsWith('\n');
+            },
+            20000);
+        return pattern.match(output).captured(1).toInt();
+    }
+
+    void runToEnd(const QStringList& arguments)
+    {
+        start(SIMULATOR, arguments);
+        waitForFinished(20000);
+    }
+};
+
+} // namespace
+
+class TestSimulatorProcess : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aSignalEndsTheProgramCleanly_data();
+    void aSignalEndsTheProgramCleanly();
+    void aTakenPortEndsItWithAMessage();
+    void aBadOptionEndsItWithAMessage();
+    void helpTellsEveryOption();
+    void verboseLogsEveryCommand();
+    void withoutVerboseNothingIsLogged();
+};
+
+void TestSimulatorProcess::aSignalEndsTheProgramCleanly_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGINT") << SIGINT;
+}
+
+void TestSimulatorProcess::aSignalEndsTheProgramCleanly()
+{
+    QFETCH(int, number);
+    Process process;
+    const int port = process.startListening();
+    QVERIFY(port > 0);
+    QTcpSocket client;
+    client.connectToHost("127.0.0.1", quint16(port));
+    QVERIFY(client.waitForConnected(10000));
+    client.write("*OPC?\n");
+    QVERIFY(client.waitForReadyRead(10000));
+    QCOMPARE(kill(pid_t(process.processId()), number), 0);
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+}
+
+void TestSimulatorProcess::aTakenPortEndsItWithAMessage()
+{
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::LocalHost, 0));
+    Process process;
+    const QString port = QString::number(other.serverPort());
+    process.runToEnd({"--port", port});
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardOutput(), QByteArray());
+    const QString message = process.readAllStandardError();
+    QVERIFY2(message.startsWith("notchbench-simulator: cannot listen on 127.0.0.1:" + port + ": "),
+             qPrintable(message));
+}
+
+void TestSimulatorProcess::aBadOptionEndsItWithAMessage()
+{
+    Process process;
+    process.runToEnd({"--bits", "many"});
+    QCOMPARE(process.exitCode(), 1);
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("notchbench-simulator: bad value for --bits: many\n"));
+}
+
+void TestSimulatorProcess::helpTellsEveryOption()
+{
+    Process process;
+    process.runToEnd({"--help"});
+    QCOMPARE(process.exitCode(), 0);
+    const QByteArray help = process.readAllStandardOutput();
+    for (const char* option : {"--dut", "--port", "--signal-port", "--saturation", "--smoothness",
+                               "--intercept", "--bits", "--loading", "--noise-floor", "--waveform",
+                               "--microwave", "--opt", "--verbose"}) {
+        QVERIFY2(help.contains(option), option);
+    }
+}
+
+void TestSimulatorProcess::verboseLogsEveryCommand()
+{
+    Process process;
+    const int port = process.startListening({"--verbose"});
+    QVERIFY(port > 0);
+    QTcpSocket client;
+    client.connectToHost("127.0.0.1", quint16(port));
+    QVERIFY(client.waitForConnected(10000));
+    client.write("FREQ 5\n*OPC?\n");
+    QByteArray log;
+    QTRY_COMPARE((log += process.readAllStandardError()).count('\n'), 3);
+    const QByteArray name = "127.0.0.1:" + QByteArray::number(client.localPort());
+    QCOMPARE(log, name + " << FREQ 5\n" + name + " << *OPC?\n" + name + " >> 1\n");
+    process.terminate();
+    QVERIFY(process.waitForFinished(10000));
+}
+
+void TestSimulatorProcess::withoutVerboseNothingIsLogged()
+{
+    Process process;
+    const int port = process.startListening();
+    QVERIFY(port > 0);
+    QTcpSocket client;
+    client.connectToHost("127.0.0.1", quint16(port));
+    QVERIFY(client.waitForConnected(10000));
+    client.write("FOO\n*OPC?\n");
+    QVERIFY(client.waitForReadyRead(10000));
+    process.terminate();
+    QVERIFY(process.waitForFinished(10000));
+    QCOMPARE(process.readAllStandardError(), QByteArray());
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorProcess)
+#include "test_simulator_process.moc"
