@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 
 #include "app/signal_job.h"
+#include "fit/load_trace_dialog.h"
 #include "look/house_style.h"
 #include "setup/config_file.h"
 #include "ui_main_window.h"
@@ -20,6 +21,16 @@
 namespace {
 
 const char defaultConfigName[] = "Notchbench.cfg";
+
+template <typename Child> void deleteUnheard(MainWindow& window)
+{
+    const QList<Child*> children =
+        window.findChildren<Child*>(QString(), Qt::FindDirectChildrenOnly);
+    for (Child* child : children) {
+        child->disconnect(&window);
+        delete child;
+    }
+}
 
 QString fixedPoint(double value)
 {
@@ -60,13 +71,9 @@ MainWindow::~MainWindow()
 {
     saveDefaultConfig(setup, QLatin1String(defaultConfigName));
     closeServer();
-    // Sockets of the window would report their end to slots of a window that is half gone.
-    const QList<QTcpSocket*> sockets = findChildren<QTcpSocket*>(
-        QString(), Qt::FindDirectChildrenOnly); // those not yet fetched belong to their server
-    for (QTcpSocket* socket : sockets) {
-        socket->disconnect(this);
-        delete socket;
-    }
+    // Left to the base, these would report their end to slots of a window that is half gone.
+    deleteUnheard<QTcpSocket>(*this); // those not yet fetched belong to their server
+    deleteUnheard<LoadTraceDialog>(*this);
 }
 
 void MainWindow::notifyPropertyChanged(QWidget* from)
@@ -160,6 +167,7 @@ void MainWindow::showDataState()
     ui->fft_status->setState(state);
     ui->fft_status_label->setText(QLatin1String(texts[state]));
     ui->calc_fft_button->setEnabled(setup.dataState != DataState::Calculating);
+    ui->actionLoad_SAN_Mag->setEnabled(setup.dataState == DataState::Valid);
     ui->actionSave_Waveform->setEnabled(setup.dataState == DataState::Valid);
 }
 

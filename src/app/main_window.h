@@ -81,6 +81,7 @@ public slots:
     void on_compensate_checkbox_toggled(bool checked);
     void on_actionSave_Waveform_triggered();
     void on_actionQuit_triggered();
+    void on_actionLoad_SAN_Mag_triggered();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

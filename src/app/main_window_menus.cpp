@@ -2,6 +2,7 @@
 // everything as it was.
 #include "app/main_window.h"
 #include "files/waveform_output.h"
+#include "fit/load_trace_dialog.h"
 #include "setup/config_file.h"
 #include "ui_main_window.h"
 
@@ -36,6 +37,19 @@ void MainWindow::on_actionSave_Cfg_File_triggered()
     if (!name.isEmpty()) {
         saveConfig(setup, name);
     }
+}
+
+void MainWindow::on_actionLoad_SAN_Mag_triggered()
+{
+    const QString name =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Load SAN Mag"), QDir::currentPath(),
+                                     QStringLiteral("Text File(*.txt)"));
+    if (name.isEmpty()) {
+        return;
+    }
+    auto* dialog = new LoadTraceDialog(name, &setup, this); // deletes itself when it closes
+    connect(dialog, &QObject::destroyed, this, [this] { notifyPropertyChanged(); });
+    dialog->show();
 }
 
 void MainWindow::on_actionSave_Waveform_triggered()
