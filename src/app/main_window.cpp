@@ -4,6 +4,7 @@
 #include "fit/load_trace_dialog.h"
 #include "look/house_style.h"
 #include "setup/config_file.h"
+#include "signal/crest_factor_dialog.h"
 #include "ui_main_window.h"
 
 #include <QAbstractButton>
@@ -42,6 +43,7 @@ QString fixedPoint(double value)
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
+      crestFactorDialog(std::make_unique<CrestFactorDialog>()),
       signalJob(std::make_shared<SignalJob>())
 {
     ui->setupUi(this);
@@ -54,7 +56,11 @@ MainWindow::MainWindow(QWidget* parent)
                    Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
     QDir::setCurrent(QDir::homePath());
 
+    connect(ui->actionOptimize_Crest_Fector, &QAction::triggered, this,
+            &MainWindow::crest_factor_clicked);
+
     setup = loadDefaultConfig(QLatin1String(defaultConfigName));
+    crestFactorDialog->setSetup(&setup);
     bindTable();
     // A loaded port other than 1000 opens a server here, through port_input.
     notifyPropertyChanged();

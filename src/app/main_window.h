@@ -16,6 +16,7 @@
 
 #include <memory>
 
+class CrestFactorDialog;
 class QStandardItem;
 class QTcpServer;
 class QTcpSocket;
@@ -48,6 +49,7 @@ public slots:
     // comes back through that widget's slot, rounded and clamped as the widget shows it.
     void notifyPropertyChanged(QWidget* from = nullptr);
 
+    void crest_factor_clicked();
     void new_connection();
     void read_connection();
     void disconnected();
@@ -110,6 +112,7 @@ private:
     void send(const QByteArray& bytes);
 
     std::unique_ptr<Ui::MainWindow> ui;
+    std::unique_ptr<CrestFactorDialog> crestFactorDialog; // points to setup, which never moves
     MeasurementSetup setup;
     QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
     QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list

@@ -4,8 +4,10 @@
 #include "files/waveform_output.h"
 #include "fit/load_trace_dialog.h"
 #include "setup/config_file.h"
+#include "signal/crest_factor_dialog.h"
 #include "ui_main_window.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QFileDialog>
 #include <QProcess>
@@ -60,6 +62,12 @@ void MainWindow::on_actionSave_Waveform_triggered()
         QStringLiteral("I/Q Files (*.i;*.q);;Wave Files (*.i.wav;*.q.wav);;Kelmar WV File (*.wv)"),
         &selectedFilter);
     saveWaveform(name, setup.signal, setup.sampleRate);
+}
+
+void MainWindow::crest_factor_clicked()
+{
+    qDebug() << "Crest Fector Window Opened"; // deliberate spelling
+    crestFactorDialog->show();
 }
 
 void MainWindow::on_actionQuit_triggered()

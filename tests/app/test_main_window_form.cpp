@@ -321,11 +321,11 @@ void TestMainWindowForm::theEntriesHaveTheirObjectsAndShortcuts()
 
 void TestMainWindowForm::entriesOfMissingDialogsAreDisabled()
 {
-    for (const QAction* action :
-         {ui->actionDevices, ui->actionOptimize_Crest_Fector, ui->actionAbout}) {
+    for (const QAction* action : {ui->actionDevices, ui->actionAbout}) {
         QVERIFY2(!action->isEnabled(), qPrintable(action->text()));
     }
     QVERIFY(ui->actionLoad_SAN_Mag->isEnabled());
+    QVERIFY(ui->actionOptimize_Crest_Fector->isEnabled());
     QVERIFY(ui->actionHelp->isEnabled());
 }
 

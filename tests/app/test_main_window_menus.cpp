@@ -25,6 +25,7 @@ private slots:
     void magnitudePhaseFileIsPickedAndUsed();
     void sampleFilesArePickedAndUsed();
     void failedPickKeepsTheField();
+    void theSweepDialogBlocksTheWindowAndUsesItsSettings();
     void helpWithoutAViewerDoesNothingVisible();
     void quitClosesTheWindow();
 
@@ -69,7 +70,7 @@ QByteArray TestMainWindowMenus::readFile(const QString& name)
 
 void TestMainWindowMenus::entriesOfLaterDialogsAreDisabled()
 {
-    for (const char* name : {"actionDevices", "actionOptimize_Crest_Fector", "actionAbout"}) {
+    for (const char* name : {"actionDevices", "actionAbout"}) {
         QVERIFY2(!window->findChild<QAction*>(name)->isEnabled(), name);
     }
 }
@@ -236,6 +237,36 @@ void TestMainWindowMenus::failedPickKeepsTheField()
     operate->answerFileDialog(QString());
     operate->click("le_custom_file_button");
     QCOMPARE(operate->text("le_custom_file"), QString());
+}
+
+void TestMainWindowMenus::theSweepDialogBlocksTheWindowAndUsesItsSettings()
+{
+    operate->pick("fft_length_input", 12);
+    operate->click("calc_fft_button");
+    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    const QString crestFactor = operate->text("crest_factor_output"); // of seed 1
+
+    QTest::ignoreMessage(QtDebugMsg, "Crest Fector Window Opened");
+    operate->trigger("actionOptimize_Crest_Fector");
+    QWidget* dialog = QApplication::activeModalWidget();
+    QVERIFY(dialog != nullptr);
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Optimize Crest Factor"));
+    const WindowDriver inDialog(*dialog);
+    inDialog.click("start_button");
+    QTRY_VERIFY(inDialog.isEnabled("start_button"));
+    QCOMPARE(inDialog.text("min_cf_output") + " dB", crestFactor);
+    inDialog.click("ok_button");
+
+    // A loaded configuration is swept without a new dialog.
+    writeFile("half.cfg", "[NPR]\nNBW/SRate = 0.5\nFFT Len = 1024\n\n");
+    operate->answerFileDialog(folder->filePath("half.cfg"));
+    operate->trigger("actionLoad_Cfg_File");
+    QCOMPARE(operate->text("fft_length_input"), QStringLiteral("1024"));
+    operate->trigger("actionOptimize_Crest_Fector");
+    inDialog.click("start_button");
+    QTRY_VERIFY(inDialog.isEnabled("start_button"));
+    QVERIFY(inDialog.text("min_cf_output") + " dB" != crestFactor);
+    inDialog.click("ok_button");
 }
 
 void TestMainWindowMenus::helpWithoutAViewerDoesNothingVisible()
