@@ -47,12 +47,13 @@ Calculation::Calculation(quint32 itsSeed, std::shared_ptr<const MeasurementSetup
                          std::shared_ptr<QSemaphore> itsSemaphore)
     : seed(itsSeed), setup(std::move(itsSetup)), semaphore(std::move(itsSemaphore))
 {
-    setEventDispatcher(new NoEvents); // goes with the thread
+    setEventDispatcher(new NoEvents); // deleted by the thread at its end
 }
 
 Calculation::~Calculation()
 {
     wait();
+    delete eventDispatcher(); // there is still one if the thread was never started
 }
 
 void Calculation::run()

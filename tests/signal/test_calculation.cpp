@@ -40,6 +40,7 @@ private slots:
     void waitsForItsTurnAndGivesItBack();
     void cancelledBeforeItsTurnStaysSilent();
     void keepsTheSettingsAliveUntilItEnds();
+    void aWorkerThatWasNeverStartedIsDeletedInSilence();
     void anImpossibleLengthGivesNoNumber_data();
     void anImpossibleLengthGivesNoNumber();
 };
@@ -128,6 +129,18 @@ void TestCalculation::keepsTheSettingsAliveUntilItEnds()
         QVERIFY(!watched.expired());
         semaphore->release(); // the destructor waits
     }
+    QVERIFY(watched.expired());
+}
+
+void TestCalculation::aWorkerThatWasNeverStartedIsDeletedInSilence()
+{
+    auto setup = shortSetup();
+    const std::weak_ptr<MeasurementSetup> watched = setup;
+    auto worker =
+        std::make_unique<Calculation>(1, std::move(setup), std::make_shared<QSemaphore>(1));
+    const QSignalSpy spy(worker.get(), &Calculation::calculated);
+    worker.reset();
+    QCOMPARE(spy.count(), 0);
     QVERIFY(watched.expired());
 }
 

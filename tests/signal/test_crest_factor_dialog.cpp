@@ -13,6 +13,17 @@
 #include <algorithm>
 #include <cmath>
 
+namespace {
+
+// How long the window may be away, in ms; an instrumented program is several times slower.
+#ifdef __SANITIZE_ADDRESS__
+constexpr qint64 answerTime = 1000;
+#else
+constexpr qint64 answerTime = 100;
+#endif
+
+} // namespace
+
 class TestCrestFactorDialog : public QObject
 {
     Q_OBJECT
@@ -406,7 +417,7 @@ void TestCrestFactorDialog::aThousandSeedsKeepTheWindowAnswering()
     QTRY_VERIFY_WITH_TIMEOUT(filledRows() >= 100, 60000);
     operate->click("stop_button");
     QTRY_VERIFY(workersAreGone());
-    QVERIFY2(longest < 100, qPrintable(QString::number(longest)));
+    QVERIFY2(longest < answerTime, qPrintable(QString::number(longest)));
 }
 
 void TestCrestFactorDialog::aThousandSeedsTakeNoFiles()
