@@ -6,7 +6,6 @@
 #include "signal/calculation.h"
 #include "support/window_driver.h"
 
-#include <QHeaderView>
 #include <QProgressBar>
 #include <QTableWidget>
 
