@@ -61,6 +61,18 @@ void closeBeforeTheCalculationStarts(MainWindow& window, const WindowDriver& ope
     QObject::connect(&window, &QObject::destroyed, [] { gate.release(); });
 }
 
+// A thousand workers, some of them calculating, when the last window closes.
+void closeInTheMiddleOfASweep(MainWindow& window, const WindowDriver& operate)
+{
+    operate.trigger("actionOptimize_Crest_Fector");
+    QWidget* dialog = QApplication::activeModalWidget();
+    const WindowDriver inDialog(*dialog);
+    inDialog.type("seed_count_input", "1000");
+    inDialog.click("start_button");
+    dialog->close();
+    window.close();
+}
+
 struct Scenario
 {
     const char* name;
@@ -72,6 +84,7 @@ const Scenario scenarios[] = {
     {"wait", closeAndWaitForTheCalculation},
     {"force", forceTheCloseOfARunningCalculation},
     {"queued", closeBeforeTheCalculationStarts},
+    {"sweep", closeInTheMiddleOfASweep},
 };
 
 } // namespace

@@ -15,6 +15,7 @@ private slots:
     void endedCalculationLetsTheProgramEnd();
     void forcedCloseOfARunningCalculationHangs();
     void calculationThatStartsAfterTheWindowHasGoneHarmsNothing();
+    void sweepThatIsStillRunningLetsTheProgramEnd();
 
 private:
     void endsWithStatus0(const char* scenario);
@@ -74,6 +75,11 @@ void TestClosing::forcedCloseOfARunningCalculationHangs()
 void TestClosing::calculationThatStartsAfterTheWindowHasGoneHarmsNothing()
 {
     endsWithStatus0("queued");
+}
+
+void TestClosing::sweepThatIsStillRunningLetsTheProgramEnd()
+{
+    endsWithStatus0("sweep");
 }
 
 QTEST_GUILESS_MAIN(TestClosing)
