@@ -16,6 +16,9 @@ private slots:
     void forcedCloseOfARunningCalculationHangs();
     void calculationThatStartsAfterTheWindowHasGoneHarmsNothing();
     void sweepThatIsStillRunningLetsTheProgramEnd();
+    void measurementThatIsStillRunningLetsTheProgramEnd();
+    void presetThatIsStillRunningLetsTheProgramEnd();
+    void otherWindowsDoNotKeepTheProgramAlive();
 
 private:
     void endsWithStatus0(const char* scenario);
@@ -80,6 +83,21 @@ void TestClosing::calculationThatStartsAfterTheWindowHasGoneHarmsNothing()
 void TestClosing::sweepThatIsStillRunningLetsTheProgramEnd()
 {
     endsWithStatus0("sweep");
+}
+
+void TestClosing::measurementThatIsStillRunningLetsTheProgramEnd()
+{
+    endsWithStatus0("measuring");
+}
+
+void TestClosing::presetThatIsStillRunningLetsTheProgramEnd()
+{
+    endsWithStatus0("presetting");
+}
+
+void TestClosing::otherWindowsDoNotKeepTheProgramAlive()
+{
+    endsWithStatus0("windows");
 }
 
 QTEST_GUILESS_MAIN(TestClosing)
