@@ -1,15 +1,21 @@
 // Makes the pictures of README and manual from the real windows: takes the folder that they go to.
 #include "demo/window_hand.h"
 
+#include "fit/load_trace_dialog.h"
+#include "setup/measurement_setup.h"
+
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QMouseEvent>
+#include <QSpinBox>
 #include <QTabWidget>
 #include <QTcpSocket>
+#include <QTemporaryDir>
 #include <QTextStream>
-#include <QThreadPool>
+
+#include <cmath>
 
 namespace {
 
@@ -124,13 +130,44 @@ bool showSweep(MainWindow& window, const QDir& folder)
 {
     window.findChild<QAction*>(QStringLiteral("actionOptimize_Crest_Fector"))->trigger();
     QWidget* dialog = QApplication::activeModalWidget();
-    QTest::mouseClick(dialog->findChild<QAbstractButton*>(QStringLiteral("start_button")),
-                      Qt::LeftButton);
-    QThreadPool::globalInstance()->waitForDone();
-    QTest::qWait(3000); // the workers' results come in
-    const bool saved = dialog->grab().save(folder.filePath(QStringLiteral("sweep.png")));
+    dialog->findChild<QSpinBox*>(QStringLiteral("seed_count_input"))->setValue(40);
+    auto* start = dialog->findChild<QAbstractButton*>(QStringLiteral("start_button"));
+    QTest::mouseClick(start, Qt::LeftButton);
+    const bool ended = QTest::qWaitFor([start] { return start->isEnabled(); }, 60000);
+    const bool saved = ended && dialog->grab().save(folder.filePath(QStringLiteral("sweep.png")));
     dialog->close();
     return saved;
+}
+
+// A path with a tilt, some ripple and a little noise, as an analyzer stores it.
+void writeTrace(const QString& path, double sampleRate)
+{
+    QFile file(path);
+    file.open(QIODevice::WriteOnly);
+    const int points = 1001;
+    unsigned noise = 1;
+    for (int i = 0; i < points; ++i) {
+        const double place = double(i) / (points - 1);
+        noise = noise * 1664525U + 1013904223U;
+        const double level = -38.0 - 3.0 * place + 0.4 * std::sin(18.0 * place) +
+                             0.1 * (double(noise >> 8) / (1U << 24) - 0.5);
+        file.write(QByteArray::number(950e6 + sampleRate * place, 'f', 0) + ';' +
+                   QByteArray::number(level, 'f', 2) + '\n');
+    }
+}
+
+bool showTrace(const QDir& folder)
+{
+    const QTemporaryDir place;
+    MeasurementSetup setup;
+    setup.signal.length = setup.fftLength();
+    writeTrace(place.filePath(QStringLiteral("path.txt")), setup.sampleRate);
+    auto* dialog = new LoadTraceDialog(place.filePath(QStringLiteral("path.txt")), &setup);
+    dialog->show();
+    auto* last = dialog->findChild<QAbstractButton*>(QStringLiteral("load_poly_button"));
+    const bool ready = QTest::qWaitFor([last] { return last->isEnabled(); }, 20000);
+    QTest::qWait(300); // the chart lays its legend out a little later
+    return ready && grabAndClose("Load SAN Mag", folder, "trace.png");
 }
 
 bool showAbout(MainWindow& window, const QDir& folder)
@@ -153,7 +190,7 @@ int main(int argc, char* argv[])
     if (!QTest::qWaitForWindowExposed(&window) || !showNineNotches(window, folder) ||
         !showEditing(window, folder) || !showCarriers(window, folder) ||
         !showDevices(window, folder) || !showSerialLine(window, folder) ||
-        !showSweep(window, folder) || !showAbout(window, folder)) {
+        !showSweep(window, folder) || !showTrace(folder) || !showAbout(window, folder)) {
         QTextStream(stderr) << "The pictures could not be made.\n";
         return 1;
     }
