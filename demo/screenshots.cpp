@@ -188,9 +188,9 @@ int main(int argc, char* argv[])
     MainWindow window;
     window.show();
     if (!QTest::qWaitForWindowExposed(&window) || !showNineNotches(window, folder) ||
-        !showEditing(window, folder) || !showCarriers(window, folder) ||
-        !showDevices(window, folder) || !showSerialLine(window, folder) ||
-        !showSweep(window, folder) || !showTrace(folder) || !showAbout(window, folder)) {
+        !showEditing(window, folder) || !showSweep(window, folder) ||
+        !showCarriers(window, folder) || !showDevices(window, folder) ||
+        !showSerialLine(window, folder) || !showTrace(folder) || !showAbout(window, folder)) {
         QTextStream(stderr) << "The pictures could not be made.\n";
         return 1;
     }
