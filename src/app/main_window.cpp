@@ -47,7 +47,7 @@ MainWindow::MainWindow(QWidget* parent)
       ui(std::make_unique<Ui::MainWindow>()),
       crestFactorDialog(std::make_unique<CrestFactorDialog>()),
       signalJob(std::make_shared<SignalJob>()),
-      presetJob(std::make_shared<PresetJob>())
+      presetJob(std::make_shared<PresetJob>([this](KORemoteException* e) { emit remoteError(e); }))
 {
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
@@ -81,6 +81,7 @@ MainWindow::MainWindow(QWidget* parent)
 MainWindow::~MainWindow()
 {
     measurementThread.stop();
+    presetJob->forgetWindow();
     saveDefaultConfig(setup, QLatin1String(defaultConfigName));
     closeServer();
     // Left to the base, these would report their end to slots of a window that is half gone.

@@ -4,8 +4,8 @@
 //
 // The slots are spread over files by concern: main_window.cpp (construction, refresh,
 // calculation, closing), main_window_panel.cpp, main_window_table.cpp, main_window_server.cpp,
-// main_window_measurement.cpp,
-// main_window_menus.cpp. Slots named on_<object>_<signal> are connected by name.
+// main_window_measurement.cpp, main_window_menus.cpp. Slots named on_<object>_<signal> are
+// connected by name.
 //
 // Main thread only. Calculations run on the global pool, on a copy of the record.
 #pragma once
@@ -28,6 +28,7 @@ class KORemoteException;
 class PresetJob;
 class SignalJob;
 struct CalculationResult;
+struct InstrumentChain;
 
 namespace Ui {
 class MainWindow;
@@ -118,6 +119,7 @@ private:
     void invalidate(QWidget* from = nullptr);
     void storeResult(const CalculationResult& result);
     void connectMeasurement();
+    void adoptChain(const InstrumentChain& before, const InstrumentChain& after);
     void offerAnalyzer();
     void setAsideConnections();
     void bindTable();

@@ -18,21 +18,23 @@ void MainWindow::connectMeasurement()
             &MainWindow::newNPR);
     connectRemoteFailure(&measurementThread, &NPRMeasurementThread::measurementError, this);
     connectRemoteFailure(this, &MainWindow::remoteError, this);
-    connectRemoteFailure(presetJob.get(), &PresetJob::failed, this);
     connect(&measurementThread, &NPRMeasurementThread::analyzerConnected, this,
             [this](const Analyzer& connected) {
-                adoptConnection(setup.analyzer, connected);
+                adoptConnection(setup.analyzer, Analyzer(), connected);
                 offerAnalyzer();
             });
-    connect(presetJob.get(), &PresetJob::finished, this, [this](const InstrumentChain& chain) {
-        adoptConnection(setup.generator, chain.generator);
-        adoptConnection(setup.analyzer, chain.analyzer);
-        adoptConnection(setup.microwave, chain.microwave);
-        offerAnalyzer();
-    });
+    connect(presetJob.get(), &PresetJob::finished, this, &MainWindow::adoptChain);
     connect(&devicesDialog, &DevicesDialog::instrumentsChanged, this, &MainWindow::offerAnalyzer);
     connect(&devicesDialog, &DevicesDialog::generatorFrequencyChanged, this,
             [this] { notifyPropertyChanged(); });
+}
+
+void MainWindow::adoptChain(const InstrumentChain& before, const InstrumentChain& after)
+{
+    adoptConnection(setup.generator, before.generator, after.generator);
+    adoptConnection(setup.analyzer, before.analyzer, after.analyzer);
+    adoptConnection(setup.microwave, before.microwave, after.microwave);
+    offerAnalyzer();
 }
 
 void MainWindow::offerAnalyzer()
@@ -73,7 +75,7 @@ void MainWindow::on_measure_notch_valueChanged(int value)
     try {
         setup.tuneAnalyzerToNotch();
     } catch (KORemoteException* failure) {
-        QMessageBox::critical(this, QStringLiteral("Remote Error"), failure->message(),
+        QMessageBox::critical(this, QStringLiteral("Remote Error"), takeMessage(failure),
                               QMessageBox::Ok);
         setup.measureNotch = 0;
         notifyPropertyChanged();

@@ -2,35 +2,47 @@
 
 #include "remote/ko_remote_exception.h"
 
+#include <QMutexLocker>
 #include <QtConcurrent>
 
-namespace {
+#include <utility>
 
-// The instruments' side of the record, without its signal.
-MeasurementSetup instrumentsOf(const MeasurementSetup& setup)
-{
-    MeasurementSetup instruments;
-    instruments.generator = setup.generator;
-    instruments.analyzer = setup.analyzer;
-    instruments.microwave = setup.microwave;
-    return instruments;
-}
-
-} // namespace
-
-PresetJob::PresetJob()
+PresetJob::PresetJob(FailureHandler handler) : onFailure(std::move(handler))
 {
     qRegisterMetaType<InstrumentChain>();
 }
 
 void PresetJob::start(const std::shared_ptr<PresetJob>& link, const MeasurementSetup& setup)
 {
-    QtConcurrent::run([link, chain = instrumentsOf(setup)]() mutable {
-        try {
-            chain.presetInstruments();
-        } catch (KORemoteException* failure) {
-            emit link->failed(failure);
-        }
-        emit link->finished({chain.generator, chain.analyzer, chain.microwave});
-    });
+    QtConcurrent::run([link, chain = InstrumentChain{setup.generator, setup.analyzer,
+                                                     setup.microwave}] { link->run(chain); });
+}
+
+void PresetJob::run(const InstrumentChain& chain)
+{
+    MeasurementSetup instruments; // without the record's signal
+    instruments.generator = chain.generator;
+    instruments.analyzer = chain.analyzer;
+    instruments.microwave = chain.microwave;
+    try {
+        instruments.presetInstruments();
+    } catch (KORemoteException* failure) {
+        tell(failure);
+    }
+    emit finished(chain, {instruments.generator, instruments.analyzer, instruments.microwave});
+}
+
+void PresetJob::forgetWindow()
+{
+    const QMutexLocker lock(&mutex);
+    onFailure = nullptr;
+}
+
+void PresetJob::tell(KORemoteException* failure)
+{
+    const std::unique_ptr<KORemoteException> owned(failure);
+    const QMutexLocker lock(&mutex);
+    if (onFailure) {
+        onFailure(failure);
+    }
 }

@@ -5,13 +5,15 @@
 #include "setup/measurement_setup.h"
 
 #include <QMetaType>
+#include <QMutex>
 #include <QObject>
 
+#include <functional>
 #include <memory>
 
 class KORemoteException;
 
-// The chain as a preset left it: who answered, and over which connection.
+// The instruments of a record: what is set, who answered, and over which connection.
 struct InstrumentChain
 {
     SignalGenerator generator;
@@ -27,13 +29,25 @@ class PresetJob : public QObject
     Q_OBJECT
 
 public:
-    PresetJob();
+    using FailureHandler = std::function<void(KORemoteException*)>;
+
+    // The handler is called on a pool thread; the failure is freed when it returns.
+    explicit PresetJob(FailureHandler onFailure);
 
     // Starts a preset of the setup's instruments on the global pool; main thread.
     static void start(const std::shared_ptr<PresetJob>& link, const MeasurementSetup& setup);
 
+    // The window goes: the handler is called no more.
+    void forgetWindow();
+
 signals:
-    // Both are emitted on the pool thread; finished also after a failure.
-    void finished(const InstrumentChain& chain);
-    void failed(KORemoteException* failure);
+    // Emitted on the pool thread, also after a failure.
+    void finished(const InstrumentChain& before, const InstrumentChain& after);
+
+private:
+    void run(const InstrumentChain& chain);
+    void tell(KORemoteException* failure);
+
+    QMutex mutex; // held while the handler runs, which only emits a signal
+    FailureHandler onFailure;
 };

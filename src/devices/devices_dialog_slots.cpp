@@ -55,8 +55,8 @@ void DevicesDialog::startNext(Device MeasurementSetup::*member, JobQueue& queue,
 {
     queue.busy = true;
     auto* watcher = new QFutureWatcher<Device>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [=, &queue] {
-        adoptConnection(setup->*member, watcher->result());
+    connect(watcher, &QFutureWatcherBase::finished, this, [=, &queue, before = setup->*member] {
+        adoptConnection(setup->*member, before, watcher->result());
         watcher->deleteLater();
         queue.busy = false;
         notifyPropertyChanged();

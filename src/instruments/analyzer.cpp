@@ -46,35 +46,22 @@ QString Analyzer::configSection() const
 
 void Analyzer::init()
 {
-    try {
-        connectDevice(*this, [](std::unique_ptr<KORemoteInterface> transport) {
-            return std::make_shared<AnalyzerCommands>(std::move(transport));
-        });
-    } catch (KORemoteException* failure) {
-        fail(failure->message());
-    }
+    connectDevice(*this, [](std::unique_ptr<KORemoteInterface> transport) {
+        return std::make_shared<AnalyzerCommands>(std::move(transport));
+    });
 }
 
 void Analyzer::setup()
 {
-    if (!commands) {
-        init();
-    }
-    if (!commands) {
-        return; // deviceMessage tells why
-    }
-    try {
+    configureDevice(*this, [this] {
         commands->setCenterFrequency(frequency);
         commands->setSpan(span);
         commands->setReferenceLevel(level);
+        // Deliberate: the number goes first, as "AUTO ON" would be switched off by it.
         commands->setAttenuation(attenuation);
         commands->setAutoAttenuation(autoAttenuation);
         commands->setResolutionBandwidth(resolutionBandwidth());
         commands->setVideoBandwidth(videoBandwidth());
         commands->setSweepTime(sweepTime);
-        deviceMessage = commands->identity();
-        commands->goToLocal();
-    } catch (KORemoteException* failure) {
-        fail(failure->message());
-    }
+    });
 }

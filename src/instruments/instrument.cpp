@@ -13,7 +13,7 @@ void Instrument::reset()
         remote->reset();
         remote->goToLocal();
     } catch (KORemoteException* failure) {
-        fail(failure->message());
+        fail(takeMessage(failure));
     }
 }
 

@@ -57,15 +57,15 @@ public:
     std::shared_ptr<InstrumentCommands> remote;
     bool initialized = false; // the connection was made and stands
 
+    // deviceMessage := the failure, initialized := false.
+    void fail(const QString& message);
+
 protected:
     Instrument() = default;
     Instrument(const Instrument&) = default;
     Instrument(Instrument&&) = default;
     Instrument& operator=(const Instrument&) = default;
     Instrument& operator=(Instrument&&) = default;
-
-    // deviceMessage := the failure, initialized := false.
-    void fail(const QString& message);
 
     // Header line and the key lines that all three instruments share.
     QString commonConfigLines(const QString& section) const;

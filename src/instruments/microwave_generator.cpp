@@ -13,26 +13,17 @@ QString MicrowaveGenerator::configSection() const
 
 void MicrowaveGenerator::init()
 {
-    try {
-        // Row 1 is "TAU"; every other row, "None" included, speaks the dialect of "ZUB".
-        const qint32 model = device == 1 ? 10 : 11;
-        connectDevice(*this, [model](std::unique_ptr<KORemoteInterface> transport) {
-            return std::make_shared<GeneratorCommands>(std::move(transport), model);
-        });
-    } catch (KORemoteException* failure) {
-        fail(failure->message());
-    }
+    // Row 1 is "TAU"; every other row, "None" included, speaks the dialect of "ZUB".
+    // Deliberate: the model is copied here and holds until the next init().
+    const qint32 model = device == 1 ? 10 : 11;
+    connectDevice(*this, [model](std::unique_ptr<KORemoteInterface> transport) {
+        return std::make_shared<GeneratorCommands>(std::move(transport), model);
+    });
 }
 
 void MicrowaveGenerator::setup()
 {
-    if (!commands) {
-        init();
-    }
-    if (!commands) {
-        return; // deviceMessage tells why
-    }
-    try {
+    configureDevice(*this, [this] {
         commands->setFrequency(frequency);
         commands->setOutput(true);
         commands->setIfInput(ifInput);
@@ -40,9 +31,5 @@ void MicrowaveGenerator::setup()
         if (!ifInput) {
             commands->setLevel(level);
         }
-        deviceMessage = commands->identity();
-        commands->goToLocal();
-    } catch (KORemoteException* failure) {
-        fail(failure->message());
-    }
+    });
 }

@@ -11,32 +11,20 @@ QString SignalGenerator::configSection() const
 
 void SignalGenerator::init()
 {
-    try {
-        connectDevice(*this, [this](std::unique_ptr<KORemoteInterface> transport) {
-            return std::make_shared<GeneratorCommands>(std::move(transport),
-                                                       static_cast<qint32>(device));
-        });
-    } catch (KORemoteException* failure) {
-        fail(failure->message());
-    }
+    // Deliberate: the model is copied here. Another row of the device list speaks its own dialect
+    // from the next init() on, so that a running connection keeps the words it was opened with.
+    connectDevice(*this, [this](std::unique_ptr<KORemoteInterface> transport) {
+        return std::make_shared<GeneratorCommands>(std::move(transport),
+                                                   static_cast<qint32>(device));
+    });
 }
 
 void SignalGenerator::setup()
 {
-    if (!commands) {
-        init();
-    }
-    if (!commands) {
-        return; // deviceMessage tells why
-    }
-    try {
+    configureDevice(*this, [this] {
         commands->setOutput(true);
         commands->setIqModulation(true);
         commands->setFrequency(frequency);
         commands->setLevel(level);
-        deviceMessage = commands->identity();
-        commands->goToLocal();
-    } catch (KORemoteException* failure) {
-        fail(failure->message());
-    }
+    });
 }

@@ -2,7 +2,6 @@
 
 #include "remote/ko_remote_exception.h"
 
-#include <QMutexLocker>
 #include <QtConcurrent>
 
 #include <algorithm>
@@ -56,8 +55,9 @@ void NPRMeasurementThread::takeOfferedAnalyzer()
 
 void NPRMeasurementThread::pause()
 {
-    const QMutexLocker lock(&mutex);
+    // Set before the wait: the thread could win the mutex again and again.
     paused = true;
+    const QMutexLocker lock(&mutex);
 }
 
 void NPRMeasurementThread::resume()
@@ -83,6 +83,11 @@ void NPRMeasurementThread::wake()
 void NPRMeasurementThread::measureOnce()
 {
     QMutexLocker lock(&mutex);
+    measure(lock);
+}
+
+void NPRMeasurementThread::measure(QMutexLocker& lock)
+{
     takeOfferedAnalyzer();
     try {
         if (!analyzer.commands) {
@@ -99,6 +104,7 @@ void NPRMeasurementThread::measureOnce()
         emit measurementFinished();
     } catch (KORemoteException* failure) {
         lock.unlock();
+        const std::unique_ptr<KORemoteException> owned(failure);
         emit measurementError(failure);
     }
 }
@@ -109,8 +115,9 @@ void NPRMeasurementThread::requestSingleMeasurement()
                                   [](const QFuture<void>& each) { return each.isFinished(); }),
                    requests.end());
     requests.append(QtConcurrent::run([this] {
+        QMutexLocker lock(&mutex);
         if (running) { // a request still waiting for its turn when the program ends is dropped
-            measureOnce();
+            measure(lock);
         }
     }));
 }
@@ -123,7 +130,7 @@ NPRMeasurementThread::Result NPRMeasurementThread::results() const
 void NPRMeasurementThread::sleepWhilePaused()
 {
     QMutexLocker lock(&sleepMutex);
-    if (paused && running) {
+    if (paused && running) { // deliberately no loop: any wake goes on to the next pass
         wakeCondition.wait(&sleepMutex);
     }
 }

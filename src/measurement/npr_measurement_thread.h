@@ -11,6 +11,7 @@
 #include <QFuture>
 #include <QMetaType>
 #include <QMutex>
+#include <QMutexLocker>
 #include <QSemaphore>
 #include <QThread>
 #include <QVector>
@@ -54,7 +55,7 @@ public:
 
 signals:
     void measurementFinished();
-    void measurementError(KORemoteException* failure);
+    void measurementError(KORemoteException* failure); // valid until all receivers have returned
     // A measurement had to connect first: the record takes the connection over.
     void analyzerConnected(const Analyzer& connected);
 
@@ -62,6 +63,7 @@ protected:
     void run() override;
 
 private:
+    void measure(QMutexLocker& lock); // with the mutex held; unlocks before it tells a failure
     void takeOfferedAnalyzer();
     void sleepWhilePaused();
     void waitForMainThread();

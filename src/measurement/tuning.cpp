@@ -18,7 +18,8 @@ void initOrReport(Instrument& instrument, const char* report)
 {
     try {
         instrument.init();
-    } catch (KORemoteException*) {
+    } catch (KORemoteException* failure) {
+        takeMessage(failure);
         throwRemoteException(QLatin1String(report));
     }
 }

@@ -7,28 +7,32 @@ struct Dialect
 {
     const char* output;
     const char* iqModulation;
+    const char* afterIqState; // what follows the state of the I/Q modulation
     const char* frequency;
     const char* level;
 };
 
+// These models keep an I/Q parameter mode, which has to be off in either state.
+constexpr char parameterModeOff[] = ";:DM:IQ:PRAM OFF";
+
 constexpr Dialect dialects[] = {
-    {"OUTP ", "IQ:STAT ", "FREQ ", "POW "},                   // RIGL
-    {"LEV:", nullptr, "RF ", "L "},                           // LYR
-    {"L:", "IQ:", "RF ", "L "},                               // ALTAIR
-    {"OUTP ", ":DM:IQ:STAT ", "FREQ ", "POW "},               // DENB
-    {"OUTP ", ":DM:IQ:STAT ", "FREQ ", "POW "},               // ORI
-    {"OUTP ", ":DM:IQ:STAT ", "FREQ ", "POW "},               // PHD(A)
-    {":OUTP2 ", ":DM:IQ:STAT ", "SOUR2:FREQ ", "SOUR2:POW "}, // PHD(B)
-    {"OUTP1 ", ":DM:IQ:STAT ", "FREQ ", "POW "},              // CYG
-    {"OUTP ", nullptr, "FREQ ", "POW "},                      // KAU(A)
-    {":OUTP2 ", nullptr, "SOUR2:FREQ ", "SOUR2:POW "},        // KAU(B)
-    {"OUTP ", nullptr, "FREQ ", "POW "},                      // TAU
-    {"OUTP1 ", nullptr, "FREQ ", "POW "},                     // ZUB
+    {"OUTP ", "IQ:STAT ", "", "FREQ ", "POW "},                                 // RIGL
+    {"LEV:", nullptr, "", "RF ", "L "},                                         // LYR
+    {"L:", "IQ:", "", "RF ", "L "},                                             // ALTAIR
+    {"OUTP ", ":DM:IQ:STAT ", parameterModeOff, "FREQ ", "POW "},               // DENB
+    {"OUTP ", ":DM:IQ:STAT ", parameterModeOff, "FREQ ", "POW "},               // ORI
+    {"OUTP ", ":DM:IQ:STAT ", parameterModeOff, "FREQ ", "POW "},               // PHD(A)
+    {":OUTP2 ", ":DM:IQ:STAT ", parameterModeOff, "SOUR2:FREQ ", "SOUR2:POW "}, // PHD(B)
+    {"OUTP1 ", ":DM:IQ:STAT ", parameterModeOff, "FREQ ", "POW "},              // CYG
+    {"OUTP ", nullptr, "", "FREQ ", "POW "},                                    // KAU(A)
+    {":OUTP2 ", nullptr, "", "SOUR2:FREQ ", "SOUR2:POW "},                      // KAU(B)
+    {"OUTP ", nullptr, "", "FREQ ", "POW "},                                    // TAU
+    {"OUTP1 ", nullptr, "", "FREQ ", "POW "},                                   // ZUB
 };
 constexpr int dialectCount = sizeof(dialects) / sizeof(dialects[0]);
 
 constexpr qint32 modelWithOptions = 11;
-constexpr Dialect silent = {nullptr, nullptr, nullptr, nullptr};
+constexpr Dialect silent = {nullptr, nullptr, nullptr, nullptr, nullptr};
 
 const Dialect& dialectOf(qint32 model)
 {
@@ -62,14 +66,11 @@ void GeneratorCommands::setOutput(bool on)
 
 void GeneratorCommands::setIqModulation(bool on)
 {
-    const char* words = dialectOf(model).iqModulation;
-    if (words == nullptr) {
-        return;
+    const Dialect& dialect = dialectOf(model);
+    if (dialect.iqModulation != nullptr) {
+        send(QLatin1String(dialect.iqModulation) + stateText(on) +
+             QLatin1String(dialect.afterIqState));
     }
-    // These models keep an I/Q parameter mode, which has to be off in either state.
-    const bool hasParameterMode = qstrcmp(words, ":DM:IQ:STAT ") == 0;
-    send(QLatin1String(words) + stateText(on) +
-         QLatin1String(hasParameterMode ? ";:DM:IQ:PRAM OFF" : ""));
 }
 
 void GeneratorCommands::setFrequency(double hz)

@@ -1,5 +1,7 @@
 #include "remote/ko_remote_exception.h"
 
+#include <memory>
+
 KORemoteException::KORemoteException(const QString& message) : text(message) {}
 
 void KORemoteException::raise() const
@@ -10,6 +12,11 @@ void KORemoteException::raise() const
 KORemoteException* KORemoteException::clone() const
 {
     return new KORemoteException(*this);
+}
+
+QString takeMessage(KORemoteException* failure)
+{
+    return std::unique_ptr<KORemoteException>(failure)->message();
 }
 
 void throwRemoteException(const QString& message)

@@ -1,5 +1,8 @@
 // The transports that go through a VISA library. Every command is turned into a query, so
 // that it returns only when the instrument has finished.
+//
+// Deliberate: neither the destructor nor a second open() closes the session, only close() does.
+// Other users of the same library may have put their own session behind its number meanwhile.
 #pragma once
 
 #include "remote/ko_remote_interface.h"

@@ -3,6 +3,7 @@
 #include "remote/device_text.h"
 #include "remote/ko_remote_exception.h"
 
+#include <QElapsedTimer>
 #include <QSerialPort>
 #include <QSerialPortInfo>
 
@@ -11,14 +12,13 @@ namespace {
 constexpr int writtenMs = 1000;
 constexpr int firstDataMs = 3000;
 constexpr int endSilenceMs = 1000;
-// SCPI answers are short; a device that never falls silent is cut off here.
 constexpr int longestAnswer = 1024 * 1024; // bytes
 
 } // namespace
 
 RS232Interface::RS232Interface(std::unique_ptr<QSerialPort> newPort,
                                const SerialParameters& parameters)
-    : port(std::move(newPort))
+    : port(std::move(newPort)), longestAnswerMs(parameters.longestAnswerMs)
 {
     // Used by several threads in turn, with blocking calls only: it belongs to none. Opening
     // makes Qt warn twice that its notifiers have no event loop, which is what is wanted.
@@ -74,8 +74,11 @@ QString RS232Interface::querySCPI(const QString& command)
     if (port->bytesAvailable() <= leftOver && !port->waitForReadyRead(firstDataMs)) {
         return {};
     }
+    QElapsedTimer sinceFirstData;
+    sinceFirstData.start();
     QByteArray answer = port->readAll();
-    while (answer.size() < longestAnswer && port->waitForReadyRead(endSilenceMs)) {
+    while (answer.size() < longestAnswer && !sinceFirstData.hasExpired(longestAnswerMs) &&
+           port->waitForReadyRead(endSilenceMs)) {
         answer += port->readAll();
     }
     return DeviceText::answerFrom(answer);

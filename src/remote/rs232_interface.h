@@ -1,4 +1,5 @@
-// SCPI over a serial line. The end of an answer is a silence of one second.
+// SCPI over a serial line. The end of an answer is a silence of one second; what is longer than
+// 1 MiB or than the time limit is cut there.
 #pragma once
 
 #include "remote/ko_remote_interface.h"
@@ -8,7 +9,7 @@
 class QSerialPort;
 class QSerialPortInfo;
 
-// Settings of a serial line; the last four are values of QSerialPort's enumerations.
+// Settings of a serial line; data bits to flow control are values of QSerialPort's enumerations.
 struct SerialParameters
 {
     qint32 baudRate;
@@ -16,6 +17,7 @@ struct SerialParameters
     qint32 parity;
     qint32 stopBits;
     qint32 flowControl;
+    int longestAnswerMs = 30000; // a device that never falls silent is cut off here
 };
 
 class RS232Interface : public KORemoteInterface
@@ -36,6 +38,7 @@ private:
     RS232Interface(std::unique_ptr<QSerialPort> port, const SerialParameters& parameters);
 
     std::unique_ptr<QSerialPort> port;
+    int longestAnswerMs;
 };
 
 // Whether the system reports any serial port.

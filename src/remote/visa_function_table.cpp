@@ -163,7 +163,8 @@ bool visaAvailable()
     VisaFunctionTable table;
     try {
         table.requireVisa();
-    } catch (KORemoteException*) {
+    } catch (KORemoteException* failure) {
+        takeMessage(failure);
         return false;
     }
     return table.load();

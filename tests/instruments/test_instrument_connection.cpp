@@ -37,6 +37,8 @@ private slots:
     void resetKeepsTheMessage();
     void copiesShareTheConnection();
     void theOutcomeOfACopyIsTakenOver();
+    void aJobLeavesWhatItDidNotTouch();
+    void theEndOfAFormerConnectionIsNotTakenOver();
 };
 
 namespace {
@@ -331,15 +333,46 @@ void TestInstrumentConnection::theOutcomeOfACopyIsTakenOver()
     ScriptedInstrument device;
     device.answer("*IDN?", identity);
     Analyzer analyzer;
-    Analyzer copy = analyzer;
+    const Analyzer before = analyzer;
+    Analyzer copy = before;
     analyzer.span = 5e6; // the operator goes on meanwhile
     copy.init();
-    adoptConnection(analyzer, copy);
+    adoptConnection(analyzer, before, copy);
     QVERIFY(analyzer.initialized);
     QCOMPARE(analyzer.deviceMessage, QString("ACME,42"));
     QCOMPARE(analyzer.commands, copy.commands);
     QCOMPARE(analyzer.remote, copy.remote);
     QCOMPARE(analyzer.span, 5e6);
+}
+
+void TestInstrumentConnection::aJobLeavesWhatItDidNotTouch()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", identity);
+    Analyzer analyzer;
+    const Analyzer untouched = analyzer;
+    analyzer.init(); // while a job had a copy that it never used
+    adoptConnection(analyzer, untouched, untouched);
+    QVERIFY(analyzer.initialized);
+    QVERIFY(analyzer.commands != nullptr);
+    QCOMPARE(analyzer.deviceMessage, QString("ACME,42"));
+}
+
+void TestInstrumentConnection::theEndOfAFormerConnectionIsNotTakenOver()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", identity);
+    Analyzer analyzer;
+    analyzer.init();
+    const Analyzer before = analyzer;
+    Analyzer failed = before;
+    failed.initialized = false; // as after a failed setup()
+    failed.deviceMessage = "gone";
+    analyzer.init(); // meanwhile
+    adoptConnection(analyzer, before, failed);
+    QVERIFY(analyzer.initialized);
+    QCOMPARE(analyzer.deviceMessage, QString("ACME,42"));
+    QVERIFY(analyzer.commands != failed.commands);
 }
 
 QTEST_GUILESS_MAIN(TestInstrumentConnection)

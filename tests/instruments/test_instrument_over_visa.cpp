@@ -13,6 +13,7 @@ private slots:
     void aSessionOverEachRow_data();
     void aSessionOverEachRow();
     void aRefusedCommandFailsTheSetup();
+    void aConnectionThatCannotBeClosedIsKept();
 };
 
 void TestInstrumentOverVisa::aSessionOverEachRow_data()
@@ -64,6 +65,21 @@ void TestInstrumentOverVisa::aRefusedCommandFailsTheSetup()
     analyzer.setup();
     QCOMPARE(analyzer.deviceMessage, QString("Error at querySCPI: FREQ:CENT 0.00000000000"));
     QVERIFY(!analyzer.initialized);
+}
+
+void TestInstrumentOverVisa::aConnectionThatCannotBeClosedIsKept()
+{
+    StandIn visa;
+    Analyzer analyzer;
+    analyzer.interfaceKind = InterfaceKind::LanVxi11;
+    analyzer.init();
+    const auto former = analyzer.commands;
+    visa.fail("viClose", -9); // the session
+    visa.fail("viClose", -9); // and the manager
+    analyzer.init();
+    QCOMPARE(analyzer.deviceMessage, QString("Error at koClose"));
+    QVERIFY(!analyzer.initialized);
+    QCOMPARE(analyzer.commands, former);
 }
 
 QTEST_GUILESS_MAIN(TestInstrumentOverVisa)

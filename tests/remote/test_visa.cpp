@@ -33,6 +33,7 @@ private slots:
     void closingLeavesTheResourceManagerOpen();
     void aSessionThatCannotBeClosedClosesTheManager();
     void aManagerThatCannotBeClosedIsAFailure();
+    void onlyCloseEndsASession();
     void goToLocalDiffers();
     void theCountIsThatOfTheCharacters();
 };
@@ -229,6 +230,19 @@ void TestVisa::aManagerThatCannotBeClosedIsAFailure()
     visa.fail("viClose", -1);
     visa.fail("viClose", -1);
     QCOMPARE(failureOf([&] { transport.close(); }), QString("Error at koClose"));
+}
+
+void TestVisa::onlyCloseEndsASession()
+{
+    StandIn visa;
+    {
+        VXIInterface transport("127.0.0.1");
+        transport.open();
+        transport.open();
+    }
+    const QByteArray calls = visa.log();
+    QCOMPARE(calls.count("viOpen(7, "), 2);
+    QVERIFY(!calls.contains("viClose"));
 }
 
 void TestVisa::goToLocalDiffers()

@@ -8,7 +8,7 @@ template <class Work> QString failureOf(Work work)
     try {
         work();
     } catch (KORemoteException* failure) {
-        return failure->message();
+        return takeMessage(failure);
     }
     return QStringLiteral("(none)");
 }

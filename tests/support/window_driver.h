@@ -47,6 +47,16 @@ public:
         return qobject_cast<QComboBox*>(widget)->currentText();
     }
 
+    QStringList rowTexts(const char* name) const
+    {
+        const auto* box = find<QComboBox>(name);
+        QStringList texts;
+        for (int row = 0; row < box->count(); ++row) {
+            texts.append(box->itemText(row));
+        }
+        return texts;
+    }
+
     bool isEnabled(const char* name) const { return find<QWidget>(name)->isEnabled(); }
 
     void click(const char* name) const
