@@ -1,0 +1,34 @@
+// Independent pieces of one job on several cores at once. The caller works too and returns when
+// all is done. Threads live only as long as the job, so nothing is shared between two calls and
+// any number of threads may make one.
+#pragma once
+
+#include <QtGlobal>
+
+#include <atomic>
+#include <functional>
+
+// Numbers 0 to count - 1, each handed out once.
+class Pieces
+{
+public:
+    explicit Pieces(quint64 pieceCount) : count(pieceCount) {}
+
+    // False when none is left.
+    bool take(quint64& piece)
+    {
+        piece = next.fetch_add(1, std::memory_order_relaxed);
+        return piece < count;
+    }
+
+private:
+    std::atomic<quint64> next{0};
+    quint64 count;
+};
+
+// The cores of this machine, at least 1, and no more than the memory can feed.
+int usefulThreads();
+
+// Runs the worker on up to the given number of threads; each takes pieces until none is left. A
+// thread that the system refuses is done without. An exception of a worker reaches the caller.
+void inParallel(quint64 pieces, int threads, const std::function<void(Pieces&)>& worker);
