@@ -44,7 +44,9 @@ class Pass
 {
 public:
     Pass(quint64 blockSize, quint64 stages, const Element* rotations, quint64 partCount)
-        : n(blockSize), shape{quint64{1} << stages, tileColumns}, columns(n >> stages),
+        : n(blockSize),
+          shape{quint64{1} << stages, tileColumns},
+          columns(n >> stages),
           stretches(findStretches(rotations, stages, columns, partCount))
     {
         if (n <= keptBlock) {
@@ -69,6 +71,10 @@ public:
         const quint64 width = columns / parts();
         for (quint64 first = part * width; first < (part + 1) * width; first += tileColumns) {
             loadTile(block.at(first), columns, shape, work.values());
+            const quint64 next = first + tileColumns;
+            if (n > keptBlock && next < (part + 1) * width) { // others are in the cache by now
+                prefetchTile(block.at(next), columns, shape);
+            }
             if (conjugated) {
                 conjugate(work.values(), shape);
             }
@@ -137,7 +143,8 @@ std::vector<Pass> planPasses(quint64 count, const Element* rotations, int thread
         const quint64 rounds = (left + maxFusedStages - 1) / maxFusedStages;
         const quint64 stages = (left + rounds - 1) / rounds;
         const bool shared = threads > 1 && n == count && n > keptBlock;
-        passes.emplace_back(n, stages, rotations, shared ? std::min<quint64>(16, (n >> stages) / tileColumns) : 1);
+        passes.emplace_back(n, stages, rotations,
+                            shared ? std::min<quint64>(16, (n >> stages) / tileColumns) : 1);
         rotations += stages;
         n >>= stages;
     }

@@ -68,6 +68,7 @@ public:
             return;
         }
         load(middle, first);
+        prefetch(middle + 1);
         if (partner != middle) {
             load(partner, second);
             store(second, middle);
@@ -79,6 +80,16 @@ private:
     Samples row(quint64 number, quint64 middle) const
     {
         return x.at(((number << middleBits) + middle) << sideBits);
+    }
+
+    void prefetch(quint64 middle)
+    {
+        const quint64 distance = quint64{1} << (middleBits + sideBits);
+        const quint64 partner = reversedBits(middle, middleBits);
+        if (middle < partner && partner < middles()) {
+            prefetchTile(row(0, middle), distance, square);
+            prefetchTile(row(0, partner), distance, square);
+        }
     }
 
     void load(quint64 middle, Tile& tile)

@@ -11,20 +11,21 @@ namespace {
 VECTOR_CLONES
 void doubleButterflies(Split a, quint64 distance, Split wac, Split wab, quint64 count)
 {
-    double* __restrict aRe = a.re;
-    double* __restrict aIm = a.im;
-    double* __restrict bRe = a.re + distance;
-    double* __restrict bIm = a.im + distance;
-    double* __restrict cRe = a.re + 2 * distance;
-    double* __restrict cIm = a.im + 2 * distance;
-    double* __restrict dRe = a.re + 3 * distance;
-    double* __restrict dIm = a.im + 3 * distance;
-    const double* __restrict uRe = wac.re;
-    const double* __restrict uIm = wac.im;
-    const double* __restrict vRe = wac.re + distance;
-    const double* __restrict vIm = wac.im + distance;
-    const double* __restrict wRe = wab.re;
-    const double* __restrict wIm = wab.im;
+    double* aRe = a.re;
+    double* aIm = a.im;
+    double* bRe = a.re + distance;
+    double* bIm = a.im + distance;
+    double* cRe = a.re + 2 * distance;
+    double* cIm = a.im + 2 * distance;
+    double* dRe = a.re + 3 * distance;
+    double* dIm = a.im + 3 * distance;
+    const double* uRe = wac.re;
+    const double* uIm = wac.im;
+    const double* vRe = wac.re + distance;
+    const double* vIm = wac.im + distance;
+    const double* wRe = wab.re;
+    const double* wIm = wab.im;
+    IN_ANY_ORDER
     for (quint64 i = 0; i < count; ++i) {
         const double acRe = aRe[i] - cRe[i];
         const double acIm = aIm[i] - cIm[i];
@@ -56,12 +57,13 @@ void doubleButterflies(Split a, quint64 distance, Split wac, Split wab, quint64 
 VECTOR_CLONES
 void butterflies(Split a, Split b, Split w, quint64 count)
 {
-    double* __restrict aRe = a.re;
-    double* __restrict aIm = a.im;
-    double* __restrict bRe = b.re;
-    double* __restrict bIm = b.im;
-    const double* __restrict wRe = w.re;
-    const double* __restrict wIm = w.im;
+    double* aRe = a.re;
+    double* aIm = a.im;
+    double* bRe = b.re;
+    double* bIm = b.im;
+    const double* wRe = w.re;
+    const double* wIm = w.im;
+    IN_ANY_ORDER
     for (quint64 i = 0; i < count; ++i) {
         const double tRe = aRe[i] - bRe[i];
         const double tIm = aIm[i] - bIm[i];
@@ -76,9 +78,10 @@ VECTOR_CLONES
 void loadPairs(const double* from, quint64 rowDistance, TileShape shape, Split tile)
 {
     for (quint64 row = 0; row < shape.rows; ++row) {
-        const double* __restrict pairs = from + 2 * row * rowDistance;
-        double* __restrict re = tile.re + row * shape.columns;
-        double* __restrict im = tile.im + row * shape.columns;
+        const double* pairs = from + 2 * row * rowDistance;
+        double* re = tile.re + row * shape.columns;
+        double* im = tile.im + row * shape.columns;
+        IN_ANY_ORDER
         for (quint64 i = 0; i < shape.columns; ++i) {
             re[i] = pairs[2 * i];
             im[i] = pairs[2 * i + 1];
@@ -90,9 +93,10 @@ VECTOR_CLONES
 void storePairs(Split tile, TileShape shape, double* to, quint64 rowDistance)
 {
     for (quint64 row = 0; row < shape.rows; ++row) {
-        double* __restrict pairs = to + 2 * row * rowDistance;
-        const double* __restrict re = tile.re + row * shape.columns;
-        const double* __restrict im = tile.im + row * shape.columns;
+        double* pairs = to + 2 * row * rowDistance;
+        const double* re = tile.re + row * shape.columns;
+        const double* im = tile.im + row * shape.columns;
+        IN_ANY_ORDER
         for (quint64 i = 0; i < shape.columns; ++i) {
             pairs[2 * i] = re[i];
             pairs[2 * i + 1] = im[i];
@@ -126,9 +130,26 @@ void storeTile(Split tile, TileShape shape, Samples to, quint64 rowDistance)
     }
 }
 
+void prefetchTile(Samples from, quint64 rowDistance, TileShape shape)
+{
+#ifdef __GNUC__
+    constexpr quint64 lineDoubles = 8;
+    for (quint64 row = 0; row < shape.rows; ++row) {
+        const Samples run = from.at(row * rowDistance);
+        for (quint64 i = 0; i < shape.columns * from.stride; i += lineDoubles) {
+            __builtin_prefetch(run.re + i, 1, 2);
+            if (from.stride == 1) {
+                __builtin_prefetch(run.im + i, 1, 2);
+            }
+        }
+    }
+#endif
+}
+
 VECTOR_CLONES
 void conjugate(Split tile, TileShape shape)
 {
+    IN_ANY_ORDER
     for (quint64 i = 0; i < shape.rows * shape.columns; ++i) {
         tile.im[i] = -tile.im[i];
     }
@@ -157,10 +178,11 @@ void runTileStages(Split tile, TileShape shape, Split w)
 VECTOR_CLONES
 void finish(Split tile, quint64 count, const Finish& how)
 {
-    double* __restrict outRe = tile.re;
-    double* __restrict outIm = tile.im;
+    double* outRe = tile.re;
+    double* outIm = tile.im;
     const double factor = how.factor;
     // The product with the complex number (factor, 0), signs of zeros and all.
+    IN_ANY_ORDER
     for (quint64 i = 0; i < count; ++i) {
         const double re = outRe[i];
         const double im = outIm[i];
@@ -173,6 +195,7 @@ void finish(Split tile, quint64 count, const Finish& how)
     // The conjugate divided by the complex number (divisor, 0) in Smith's form. Multiplying by
     // the reciprocal of a power of two gives the same bits.
     const double reciprocal = 1.0 / how.divisor;
+    IN_ANY_ORDER
     for (quint64 i = 0; i < count; ++i) {
         const double x = outRe[i];
         const double y = -outIm[i];

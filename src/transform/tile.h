@@ -16,6 +16,10 @@ struct TileShape
 void loadTile(Samples from, quint64 rowDistance, TileShape shape, Split tile);
 void storeTile(Split tile, TileShape shape, Samples to, quint64 rowDistance);
 
+// Asks for the memory of a tile that is wanted soon. Rows lie far apart, so that the processor
+// doesn't foresee them by itself.
+void prefetchTile(Samples from, quint64 rowDistance, TileShape shape);
+
 // Turns the sign of all imaginary parts.
 void conjugate(Split tile, TileShape shape);
 

@@ -9,3 +9,10 @@
 #else
 #define VECTOR_CLONES
 #endif
+
+// In front of a loop: its turns touch different elements, whatever the pointers may suggest.
+#if defined(__GNUC__) && !defined(__clang__)
+#define IN_ANY_ORDER _Pragma("GCC ivdep")
+#else
+#define IN_ANY_ORDER
+#endif
