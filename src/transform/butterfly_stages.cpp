@@ -91,15 +91,7 @@ private:
         keptIm.resize(keptRe.size());
         std::vector<Stretch> places = stretches.front();
         for (quint64 at = 0; at < keptRe.size(); at += perTile) {
-            fillTile(places, {keptRe.data() + at, keptIm.data() + at});
-        }
-    }
-
-    static void fillTile(std::vector<Stretch>& places, Split out)
-    {
-        for (Stretch& place : places) {
-            fillTwiddles(place, out, tileColumns);
-            out = out.at(tileColumns);
+            fillTwiddles(places, {keptRe.data() + at, keptIm.data() + at}, tileColumns);
         }
     }
 
@@ -110,7 +102,7 @@ private:
             return {const_cast<double*>(keptRe.data()) + at,
                     const_cast<double*>(keptIm.data()) + at};
         }
-        fillTile(places, work.twiddles());
+        fillTwiddles(places, work.twiddles(), tileColumns);
         return work.twiddles();
     }
 

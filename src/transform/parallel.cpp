@@ -1,10 +1,63 @@
 #include "transform/parallel.h"
 
+#include <QRunnable>
+#include <QThreadPool>
+
 #include <algorithm>
-#include <future>
-#include <system_error>
+#include <condition_variable>
+#include <exception>
+#include <memory>
+#include <mutex>
 #include <thread>
 #include <vector>
+
+namespace {
+
+using Worker = std::function<void(Pieces&)>;
+
+class Helper : public QRunnable
+{
+public:
+    Helper(const Worker& work, Pieces& pieces) : worker(work), left(pieces)
+    {
+        setAutoDelete(false);
+        published.store(true, std::memory_order_release);
+    }
+
+    void run() override
+    {
+        published.load(std::memory_order_acquire);
+        try {
+            worker(left);
+        } catch (...) {
+            failure = std::current_exception();
+        }
+        const std::lock_guard<std::mutex> lock(mutex);
+        ended = true;
+        changed.notify_one();
+    }
+
+    // Returns what went wrong, if anything did.
+    std::exception_ptr callOffOrWait()
+    {
+        if (!QThreadPool::globalInstance()->tryTake(this)) {
+            std::unique_lock<std::mutex> lock(mutex);
+            changed.wait(lock, [this] { return ended; });
+        }
+        return failure;
+    }
+
+private:
+    const Worker& worker;
+    Pieces& left;
+    std::atomic<bool> published{false};
+    std::exception_ptr failure;
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool ended = false;
+};
+
+} // namespace
 
 int usefulThreads()
 {
@@ -12,18 +65,27 @@ int usefulThreads()
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, most));
 }
 
-void inParallel(quint64 pieces, int threads, const std::function<void(Pieces&)>& worker)
+void inParallel(quint64 pieces, int threads, const Worker& worker)
 {
     Pieces left(pieces);
-    std::vector<std::future<void>> others; // joined at the end of the scope, come what may
-    try {
-        while (others.size() + 1 < std::min(static_cast<quint64>(threads), pieces)) {
-            others.push_back(std::async(std::launch::async, [&] { worker(left); }));
-        }
-    } catch (const std::system_error&) { // no more threads; those that run do it all
+    std::vector<std::unique_ptr<Helper>> helpers;
+    for (quint64 i = 1; i < std::min(static_cast<quint64>(threads), pieces); ++i) {
+        helpers.push_back(std::make_unique<Helper>(worker, left));
     }
-    worker(left);
-    for (std::future<void>& other : others) {
-        other.get();
+    for (const std::unique_ptr<Helper>& helper : helpers) {
+        QThreadPool::globalInstance()->start(helper.get());
+    }
+    std::exception_ptr failure;
+    try {
+        worker(left);
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    for (const std::unique_ptr<Helper>& helper : helpers) {
+        const std::exception_ptr other = helper->callOffOrWait();
+        failure = failure ? failure : other;
+    }
+    if (failure) {
+        std::rethrow_exception(failure);
     }
 }

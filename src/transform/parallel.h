@@ -1,6 +1,7 @@
 // Independent pieces of one job on several cores at once. The caller works too and returns when
-// all is done. Threads live only as long as the job, so nothing is shared between two calls and
-// any number of threads may make one.
+// all is done. Help comes from idle threads of the global pool: a helper that hasn't begun when
+// the pieces run out is called off, so a busy pool or a busy machine makes nobody wait. Any number
+// of threads may ask at once, those of the pool too.
 #pragma once
 
 #include <QtGlobal>
@@ -29,6 +30,6 @@ private:
 // The cores of this machine, at least 1, and no more than the memory can feed.
 int usefulThreads();
 
-// Runs the worker on up to the given number of threads; each takes pieces until none is left. A
-// thread that the system refuses is done without. An exception of a worker reaches the caller.
+// Runs the worker on up to the given number of threads; each takes pieces until none is left. An
+// exception of a worker reaches the caller, after all have ended.
 void inParallel(quint64 pieces, int threads, const std::function<void(Pieces&)>& worker);

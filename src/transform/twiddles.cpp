@@ -26,6 +26,27 @@ void walk(Stretch* places, std::size_t used, quint64 count)
     std::copy_n(now.begin(), used, places);
 }
 
+// The same, with the values on the way written, each walk's into its own row of count. Where
+// fewer are used, the last one is walked several times over.
+void fillSome(Stretch* places, std::size_t used, Split out, quint64 count)
+{
+    std::array<Stretch, sideBySide> now{};
+    std::array<Split, sideBySide> rows{};
+    for (std::size_t i = 0; i < sideBySide; ++i) {
+        const std::size_t place = std::min(i, used - 1);
+        now[i] = places[place];
+        rows[i] = out.at(place * count);
+    }
+    for (quint64 l = 0; l < count; ++l) {
+        for (std::size_t i = 0; i < sideBySide; ++i) {
+            rows[i].re[l] = now[i].w.real();
+            rows[i].im[l] = now[i].w.imag();
+            now[i].w = plainProduct(now[i].w, now[i].rotation);
+        }
+    }
+    std::copy_n(now.begin(), used, places);
+}
+
 } // namespace
 
 std::vector<Element> stageRotations(quint64 count)
@@ -43,15 +64,12 @@ std::vector<Element> stageRotations(quint64 count)
     return rotations;
 }
 
-void fillTwiddles(Stretch& place, Split out, quint64 count)
+void fillTwiddles(std::vector<Stretch>& places, Split out, quint64 count)
 {
-    Element w = place.w;
-    for (quint64 l = 0; l < count; ++l) {
-        out.re[l] = w.real();
-        out.im[l] = w.imag();
-        w = plainProduct(w, place.rotation);
+    for (std::size_t at = 0; at < places.size(); at += sideBySide) {
+        const std::size_t used = std::min(sideBySide, places.size() - at);
+        fillSome(places.data() + at, used, out.at(at * count), count);
     }
-    place.w = w;
 }
 
 std::vector<std::vector<Stretch>> findStretches(const Element* rotations, quint64 stages,

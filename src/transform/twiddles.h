@@ -17,8 +17,8 @@ struct Stretch
     ComplexBuffer::Element rotation;
 };
 
-// Writes count twiddles from the place on, which moves along.
-void fillTwiddles(Stretch& place, Split out, quint64 count);
+// Writes count twiddles from each place on, one row a place; the places move along.
+void fillTwiddles(std::vector<Stretch>& places, Split out, quint64 count);
 
 // The places of the stages that `stages` fused stages need, 2^stages rows of columns: for each
 // pair of rows of each stage, in the order of runTileStages. One such set every columns / parts.
