@@ -6,6 +6,7 @@
 
 #include <QtGlobal>
 
+#include <algorithm>
 #include <atomic>
 #include <functional>
 
@@ -33,3 +34,26 @@ int usefulThreads();
 // Runs the worker on up to the given number of threads; each takes pieces until none is left. An
 // exception of a worker reaches the caller, after all have ended.
 void inParallel(quint64 pieces, int threads, const std::function<void(Pieces&)>& worker);
+
+// The same for numbers 0 to count - 1 in runs of neighbours, one run a piece.
+constexpr quint64 runLength = 32768;
+
+constexpr quint64 runsOf(quint64 count)
+{
+    return (count + runLength - 1) / runLength;
+}
+
+// Calls work(first, last) for each run that is left, from first to last - 1.
+template <typename Work> void forEachRun(Pieces& runs, quint64 count, Work work)
+{
+    for (quint64 run = 0; runs.take(run);) {
+        work(run * runLength, std::min((run + 1) * runLength, count));
+    }
+}
+
+// All runs on as many cores as there are. Few numbers are worked off by the caller alone.
+template <typename Work> void inRuns(quint64 count, Work work)
+{
+    inParallel(runsOf(count), usefulThreads(),
+               [&](Pieces& runs) { forEachRun(runs, count, work); });
+}
