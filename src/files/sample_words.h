@@ -1,9 +1,11 @@
-// Samples as 16-bit words, buffered into a file.
+// Samples as 16-bit words, written in large pieces.
 #pragma once
 
 #include <QByteArray>
 #include <QIODevice>
-#include <QtEndian>
+
+#include <algorithm>
+#include <vector>
 
 // The low 16 bits of the value truncated toward zero. What fits no 64-bit integer, and
 // not-a-number, gives 0: that is what the low bits of the processor's conversion hold.
@@ -14,29 +16,24 @@ inline quint16 truncatedWord(double value)
     return fits ? static_cast<quint16>(static_cast<qint64>(value) & 0xFFFF) : quint16{0};
 }
 
-// Collects little-endian words and writes them to the device in large pieces.
-class WordWriter
+// The words of some values, little-endian.
+void truncateToWords(const double* values, int count, char* words);
+
+// Writes the words of count values to the device in pieces. fill(first, end, values) makes the
+// values from first to end - 1; a piece begins and ends at an even number.
+template <typename Fill> void writeWords(QIODevice& device, int count, Fill fill)
 {
-public:
-    explicit WordWriter(QIODevice& target) : device(target) { buffer.reserve(pieceSize); }
-
-    ~WordWriter() { device.write(buffer); }
-    WordWriter(const WordWriter&) = delete;
-    WordWriter& operator=(const WordWriter&) = delete;
-
-    void write(quint16 word)
-    {
-        if (buffer.size() == pieceSize) {
-            device.write(buffer);
-            buffer.resize(0); // keeps its memory
+    constexpr int blockSize = 2048; // values, which stay in the first cache
+    constexpr int pieceSize = 32 * blockSize;
+    std::vector<double> values(blockSize);
+    QByteArray piece(2 * pieceSize, Qt::Uninitialized);
+    for (int from = 0; from < count; from += pieceSize) {
+        const int pieceEnd = from + std::min(pieceSize, count - from);
+        for (int first = from; first < pieceEnd; first += blockSize) {
+            const int end = first + std::min(blockSize, pieceEnd - first);
+            fill(first, end, values.data());
+            truncateToWords(values.data(), end - first, piece.data() + 2 * (first - from));
         }
-        const quint16 littleEndian = qToLittleEndian(word);
-        buffer.append(reinterpret_cast<const char*>(&littleEndian), sizeof(littleEndian));
+        device.write(piece.constData(), 2 * qint64{pieceEnd - from});
     }
-
-private:
-    static constexpr int pieceSize = 1 << 16;
-
-    QIODevice& device;
-    QByteArray buffer;
-};
+}

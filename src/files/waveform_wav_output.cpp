@@ -39,10 +39,12 @@ void writeHeader(QFile& file, qint32 length, quint32 clock)
 // the range. Truncated, nothing is added for rounding.
 void writeSamples(QFile& file, const QVector<double>& samples, double positive, double negative)
 {
-    WordWriter words(file);
-    for (const double sample : samples) {
-        words.write(truncatedWord(sample * (sample >= 0.0 ? positive : negative)));
-    }
+    const double* sample = samples.constData();
+    writeWords(file, samples.size(), [=](int first, int end, double* values) {
+        for (int k = first; k < end; ++k) {
+            values[k - first] = sample[k] * (sample[k] >= 0.0 ? positive : negative);
+        }
+    });
 }
 
 } // namespace
