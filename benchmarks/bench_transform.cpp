@@ -5,6 +5,7 @@
 // "against_textbook" above 1 and "against_fftw" below 1 mean that ours is the faster one.
 #include "transform/reference_transform.h"
 #include "transform/transform.h"
+#include "turns.h"
 
 #include <benchmark/benchmark.h>
 #ifdef NOTCHBENCH_FFTW
@@ -12,11 +13,9 @@
 #endif
 
 #include <algorithm>
-#include <chrono>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
 using Complex = std::complex<double>;
 
 std::vector<Complex> stimulus(quint64 count)
@@ -28,13 +27,6 @@ std::vector<Complex> stimulus(quint64 count)
         element = {double(state >> 8) / 8388608.0 - 1.0, double(state & 0xFFFFU) / 32768.0 - 1.0};
     }
     return x;
-}
-
-template <typename Work> double secondsOf(Work work)
-{
-    const auto start = Clock::now();
-    work();
-    return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
 #ifdef NOTCHBENCH_FFTW
@@ -78,29 +70,27 @@ void transform(benchmark::State& state)
     const auto threads = static_cast<int>(state.range(1));
     const std::vector<Complex> x = stimulus(count);
     ComplexBuffer buffer(count);
-    double ours = 1e9;
-    double textbook = 1e9;
+    Fastest ours;
+    Fastest textbook;
 #ifdef NOTCHBENCH_FFTW
     Fftw peer(count);
-    double fftw = 1e9;
+    Fastest fftw;
 #endif
     int turn = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         std::copy(x.begin(), x.end(), buffer.data());
-        const double seconds = secondsOf([&] { fft(buffer, threads); });
-        ours = std::min(ours, seconds);
-        state.SetIterationTime(seconds);
+        state.SetIterationTime(ours.add(secondsOf([&] { fft(buffer, threads); })));
         if (turn++ % 8 == 0) {
-            textbook = std::min(textbook, textbookSeconds(x));
+            textbook.add(textbookSeconds(x));
         }
 #ifdef NOTCHBENCH_FFTW
-        fftw = std::min(fftw, peer.seconds(x));
+        fftw.add(peer.seconds(x));
 #endif
     }
-    state.counters["best_ms"] = ours * 1e3;
-    state.counters["against_textbook"] = textbook / ours;
+    state.counters["best_ms"] = ours.seconds() * 1e3;
+    state.counters["against_textbook"] = textbook.seconds() / ours.seconds();
 #ifdef NOTCHBENCH_FFTW
-    state.counters["against_fftw"] = ours / fftw;
+    state.counters["against_fftw"] = ours.seconds() / fftw.seconds();
 #endif
 }
 
