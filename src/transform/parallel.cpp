@@ -15,10 +15,10 @@ namespace {
 
 using Worker = std::function<void(Pieces&)>;
 
-class Helper : public QRunnable
+class Assistant : public QRunnable
 {
 public:
-    Helper(const Worker& work, Pieces& pieces) : worker(work), left(pieces)
+    Assistant(const Worker& work, Pieces& pieces) : worker(work), left(pieces)
     {
         setAutoDelete(false);
         published.store(true, std::memory_order_release);
@@ -68,12 +68,12 @@ int usefulThreads()
 void inParallel(quint64 pieces, int threads, const Worker& worker)
 {
     Pieces left(pieces);
-    std::vector<std::unique_ptr<Helper>> helpers;
+    std::vector<std::unique_ptr<Assistant>> assistants;
     for (quint64 i = 1; i < std::min(static_cast<quint64>(threads), pieces); ++i) {
-        helpers.push_back(std::make_unique<Helper>(worker, left));
+        assistants.push_back(std::make_unique<Assistant>(worker, left));
     }
-    for (const std::unique_ptr<Helper>& helper : helpers) {
-        QThreadPool::globalInstance()->start(helper.get());
+    for (const std::unique_ptr<Assistant>& assistant : assistants) {
+        QThreadPool::globalInstance()->start(assistant.get());
     }
     std::exception_ptr failure;
     try {
@@ -81,8 +81,8 @@ void inParallel(quint64 pieces, int threads, const Worker& worker)
     } catch (...) {
         failure = std::current_exception();
     }
-    for (const std::unique_ptr<Helper>& helper : helpers) {
-        const std::exception_ptr other = helper->callOffOrWait();
+    for (const std::unique_ptr<Assistant>& assistant : assistants) {
+        const std::exception_ptr other = assistant->callOffOrWait();
         failure = failure ? failure : other;
     }
     if (failure) {

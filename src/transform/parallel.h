@@ -1,5 +1,5 @@
 // Independent pieces of one job on several cores at once. The caller works too and returns when
-// all is done. Help comes from idle threads of the global pool: a helper that hasn't begun when
+// all is done. Help comes from idle threads of the global pool: an assistant that hasn't begun when
 // the pieces run out is called off, so a busy pool or a busy machine makes nobody wait. Any number
 // of threads may ask at once, those of the pool too.
 #pragma once
