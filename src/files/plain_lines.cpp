@@ -1,10 +1,8 @@
 #include "files/plain_lines.h"
 
-#include <cstring>
-
 namespace {
 
-constexpr int pieceSize = 1 << 20;
+constexpr int pieceSize = 1 << 22;
 constexpr int longestLine = 1 << 29; // bytes; a longer one is no concern of speed
 
 bool isPlainText(const char* bytes, int count)
@@ -19,36 +17,37 @@ bool isPlainText(const char* bytes, int count)
     return plain;
 }
 
-} // namespace
-
-bool PlainLines::next(TextRange& line)
+// Where the last line of the text ends, looking no further back than to `searched`; 0 for no end.
+int endOfLines(const QByteArray& text, int searched)
 {
-    for (;;) {
-        const char* begin = text.constData() + from;
-        const auto left = static_cast<std::size_t>(text.size() - seen);
-        const void* feed = left > 0 ? std::memchr(text.constData() + seen, '\n', left) : nullptr;
-        if (feed != nullptr) {
-            line = {begin, static_cast<const char*>(feed)};
-            from += static_cast<int>(line.size()) + 1;
-            seen = from;
-            return true;
-        }
-        seen = text.size();
-        if (fetch()) {
-            continue;
-        }
-        line = {text.constData() + from, text.constData() + text.size()};
-        from = text.size();
-        return plain && line.size() > 0;
+    int end = text.size();
+    while (end > searched && text.at(end - 1) != '\n') {
+        --end;
     }
+    return end > searched ? end : 0;
 }
 
-// Moves what is left to the front and reads on. False at the end and where it isn't plain.
+} // namespace
+
+bool PlainLines::next(TextRange& lines)
+{
+    text.remove(0, given);
+    given = 0;
+    while (given == 0) {
+        const int searched = text.size();
+        if (!fetch()) {
+            given = text.size(); // the last line, or nothing
+            break;
+        }
+        given = endOfLines(text, searched);
+    }
+    lines = {text.constData(), text.constData() + given};
+    return plain && given > 0;
+}
+
+// Appends a piece. False at the end and where it isn't plain.
 bool PlainLines::fetch()
 {
-    text.remove(0, from);
-    seen -= from;
-    from = 0;
     const int kept = text.size();
     plain = plain && kept <= longestLine;
     text.resize(kept + pieceSize);
@@ -56,4 +55,11 @@ bool PlainLines::fetch()
     text.resize(kept + static_cast<int>(qMax<qint64>(count, 0)));
     plain = plain && isPlainText(text.constData() + kept, text.size() - kept);
     return plain && text.size() > kept;
+}
+
+TextRange takeLine(TextRange& lines)
+{
+    const TextRange line{lines.begin, std::find(lines.begin, lines.end, '\n')};
+    lines.begin = line.end == lines.end ? line.end : line.end + 1;
+    return line;
 }

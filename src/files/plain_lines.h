@@ -14,9 +14,10 @@ class PlainLines
 public:
     explicit PlainLines(QFile& source) : file(source) {}
 
-    // The next line, without its line feed; valid until the next call. False at the end and where
-    // the text isn't plain.
-    bool next(TextRange& line);
+    // The next whole lines, some megabytes of them, with their line feeds; the last one of the
+    // file may have none. Valid until the next call. False at the end and where the text isn't
+    // plain.
+    bool next(TextRange& lines);
 
     bool isPlain() const { return plain; }
 
@@ -25,7 +26,9 @@ private:
 
     QFile& file;
     QByteArray text;
-    int from = 0; // first byte that was not given out
-    int seen = 0; // bytes that hold no line feed from `from` to here
+    int given = 0; // bytes that the last call gave out
     bool plain = true;
 };
+
+// Takes the first line off; returns it without its line feed.
+TextRange takeLine(TextRange& lines);

@@ -1,10 +1,13 @@
 // Samples as 16-bit words, written in large pieces.
 #pragma once
 
+#include "transform/parallel.h"
+
 #include <QByteArray>
-#include <QIODevice>
+#include <QFileDevice>
 
 #include <algorithm>
+#include <mutex>
 #include <vector>
 
 // The low 16 bits of the value truncated toward zero. What fits no 64-bit integer, and
@@ -19,21 +22,32 @@ inline quint16 truncatedWord(double value)
 // The words of some values, little-endian.
 void truncateToWords(const double* values, int count, char* words);
 
-// Writes the words of count values to the device in pieces. fill(first, end, values) makes the
-// values from first to end - 1; a piece begins and ends at an even number.
-template <typename Fill> void writeWords(QIODevice& device, int count, Fill fill)
+// Writes the words of count values to the file from its present position on. fill(first, end,
+// values) makes the values from first to end - 1, on several threads at once; first is even. Each
+// piece is made on any core and goes to its own place, one after the other.
+template <typename Fill> void writeWords(QFileDevice& file, int count, Fill fill)
 {
     constexpr int blockSize = 2048; // values, which stay in the first cache
-    constexpr int pieceSize = 32 * blockSize;
-    std::vector<double> values(blockSize);
-    QByteArray piece(2 * pieceSize, Qt::Uninitialized);
-    for (int from = 0; from < count; from += pieceSize) {
-        const int pieceEnd = from + std::min(pieceSize, count - from);
-        for (int first = from; first < pieceEnd; first += blockSize) {
-            const int end = first + std::min(blockSize, pieceEnd - first);
-            fill(first, end, values.data());
-            truncateToWords(values.data(), end - first, piece.data() + 2 * (first - from));
-        }
-        device.write(piece.constData(), 2 * qint64{pieceEnd - from});
-    }
+    constexpr int pieceSize = 64 * blockSize;
+    const qint64 begin = file.pos();
+    std::mutex writing;
+    inParallel((static_cast<quint64>(count) + pieceSize - 1) / pieceSize, usefulThreads(),
+               [&](Pieces& pieces) {
+                   std::vector<double> values(blockSize);
+                   QByteArray words(2 * pieceSize, Qt::Uninitialized);
+                   for (quint64 piece = 0; pieces.take(piece);) {
+                       const int from = static_cast<int>(piece) * pieceSize;
+                       const int pieceEnd = from + std::min(pieceSize, count - from);
+                       for (int first = from; first < pieceEnd; first += blockSize) {
+                           const int end = first + std::min(blockSize, pieceEnd - first);
+                           fill(first, end, values.data());
+                           truncateToWords(values.data(), end - first,
+                                           words.data() + 2 * (first - from));
+                       }
+                       const std::lock_guard<std::mutex> lock(writing);
+                       file.seek(begin + 2 * qint64{from});
+                       file.write(words.constData(), 2 * qint64{pieceEnd - from});
+                   }
+               });
+    file.seek(begin + 2 * qint64{count});
 }

@@ -1,5 +1,6 @@
 #include "files/waveform_output.h"
 
+#include "files/extremes.h"
 #include "files/fixed_decimals.h"
 #include "transform/parallel.h"
 
@@ -15,13 +16,8 @@ constexpr double writtenPeak = 2.5;
 // The largest absolute value, never below 0.
 double peakOf(const QVector<double>& samples)
 {
-    double highest = 0.0;
-    double lowest = 0.0;
-    for (const double sample : samples) {
-        highest = std::max(highest, sample);
-        lowest = std::min(lowest, sample);
-    }
-    return std::max(std::abs(highest), std::abs(lowest));
+    const Extremes ends = extremesOf(samples.constData(), samples.size(), {0.0, 0.0});
+    return std::max(std::abs(ends.largest), std::abs(ends.smallest));
 }
 
 void writeLines(QFile& file, const QVector<double>& samples, double factor)

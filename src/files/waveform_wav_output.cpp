@@ -1,3 +1,4 @@
+#include "files/extremes.h"
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
 
@@ -14,8 +15,8 @@ double spanOf(const QVector<double>& samples)
     if (samples.isEmpty()) {
         return 0.0;
     }
-    const auto ends = std::minmax_element(samples.cbegin(), samples.cend());
-    return *ends.second - *ends.first;
+    const double first = samples.first();
+    return extremesOf(samples.constData(), samples.size(), {first, first}).span();
 }
 
 // Deliberate: sizes of 8 bytes a sample and a block of 4, though a sample takes 2 here. Programs

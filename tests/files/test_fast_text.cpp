@@ -1,4 +1,5 @@
-// The fast ways of text against the plain ones, over random and awkward texts and values.
+// The fast ways of text and words against the plain ones, over random and awkward texts and values.
+#include "files/extremes.h"
 #include "files/fixed_decimals.h"
 #include "files/reference_files.h"
 #include "files/signal_input.h"
@@ -17,6 +18,42 @@ QByteArray fixedDecimals(double value)
 {
     char text[longestFixedDecimals];
     return {text, static_cast<int>(putFixedDecimals(value, text) - text)};
+}
+
+SignalData noise(int count)
+{
+    std::mt19937 engine(5);
+    std::normal_distribution<double> sample;
+    SignalData signal(static_cast<quint32>(count));
+    for (int i = 0; i < count; ++i) {
+        signal.iSamples[i] = sample(engine);
+        signal.qSamples[i] = i % 1000 == 0 ? -0.0 : sample(engine);
+    }
+    return signal;
+}
+
+struct Span
+{
+    double lowest;
+    double highest;
+
+    double width() const { return highest - lowest; }
+    double peak() const { return std::max(std::abs(lowest), std::abs(highest)); }
+};
+
+// One sample after the other, from the first on.
+Span spanOf(const QVector<double>& samples)
+{
+    Span span{samples[0], samples[0]};
+    for (const double sample : samples) {
+        if (sample < span.lowest) {
+            span.lowest = sample;
+        }
+        if (sample > span.highest) {
+            span.highest = sample;
+        }
+    }
+    return span;
 }
 
 // A field as a person, a program or an accident might write it.
@@ -126,12 +163,20 @@ private slots:
     void decimalsAreThoseOfQt();
     void randomDecimalsAreThoseOfQt();
     void textFilesHaveTheBytesOfThePlainLoop();
+    void wordFilesHaveTheBytesOfThePlainLoop();
+    void extremesAreThoseOfThePlainLoop();
     void randomTextsGiveTheValuesOfThePlainReader();
     void textsThatAreNotPlainGiveTheValuesOfThePlainReader_data();
     void textsThatAreNotPlainGiveTheValuesOfThePlainReader();
     void longFilesGiveTheValuesOfThePlainReader();
 
 private:
+    QByteArray contents(const QString& name) const
+    {
+        QFile file(folder.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
     void compareReaders(const QByteArray& text)
     {
         const QString path = folder.filePath("a.pmc");
@@ -220,23 +265,51 @@ void TestFastText::randomDecimalsAreThoseOfQt()
 
 void TestFastText::textFilesHaveTheBytesOfThePlainLoop()
 {
-    std::mt19937 engine(5);
-    std::normal_distribution<double> sample;
-    SignalData signal(100000);
-    double peak = 0.0;
-    for (int i = 0; i < signal.length; ++i) {
-        signal.iSamples[i] = sample(engine);
-        signal.qSamples[i] = i % 1000 == 0 ? -0.0 : sample(engine);
-        peak = std::max({peak, std::abs(signal.iSamples[i]), std::abs(signal.qSamples[i])});
-    }
+    const SignalData signal = noise(100000);
+    const double peak = std::max(spanOf(signal.iSamples).peak(), spanOf(signal.qSamples).peak());
     writeIQTextFiles(signal, folder.filePath("fast"));
     reference::writeText(folder.filePath("plain.i"), signal.iSamples, 2.5 / peak);
     reference::writeText(folder.filePath("plain.q"), signal.qSamples, 2.5 / peak);
-    for (const QString suffix : {".i", ".q"}) {
-        QFile fast(folder.filePath("fast" + suffix));
-        QFile plain(folder.filePath("plain" + suffix));
-        QVERIFY(fast.open(QIODevice::ReadOnly) && plain.open(QIODevice::ReadOnly));
-        QVERIFY(fast.readAll() == plain.readAll());
+    QVERIFY(contents("fast.i") == contents("plain.i"));
+    QVERIFY(contents("fast.q") == contents("plain.q"));
+}
+
+// The last of several pieces is a short one.
+void TestFastText::wordFilesHaveTheBytesOfThePlainLoop()
+{
+    const SignalData signal = noise(400001);
+    writeIQWaveFiles(signal, folder.filePath("fast"), 1);
+    const double spanI = spanOf(signal.iSamples).width();
+    const double spanQ = spanOf(signal.qSamples).width();
+    const double positive = std::min(8191.0 / spanI, 8191.0 / spanQ);
+    const double negative = std::min(8192.0 / spanI, 8192.0 / spanQ);
+    QVERIFY(contents("fast.i.wav").mid(44) ==
+            reference::wavWords(signal.iSamples, positive, negative));
+    QVERIFY(contents("fast.q.wav").mid(44) ==
+            reference::wavWords(signal.qSamples, positive, negative));
+    writeWvFile(signal, folder.filePath("fast"), 1);
+    const QByteArray wv = contents("fast.wv");
+    QVERIFY(wv.mid(wv.indexOf('#') + 1) == reference::wvWords(signal) + '}');
+}
+
+void TestFastText::extremesAreThoseOfThePlainLoop()
+{
+    std::mt19937 engine(9);
+    const double odd[] = {0.0,
+                          -0.0,
+                          1.0,
+                          -1.0,
+                          std::numeric_limits<double>::quiet_NaN(),
+                          std::numeric_limits<double>::infinity()};
+    for (int count = 1; count < 300; ++count) {
+        QVector<double> samples(count);
+        for (double& sample : samples) {
+            sample = odd[engine() % (count % 2 == 0 ? 2 : 6)];
+        }
+        const Span plain = spanOf(samples);
+        const Extremes fast = extremesOf(samples.constData(), count, {samples[0], samples[0]});
+        QVERIFY(std::memcmp(&fast.smallest, &plain.lowest, sizeof(double)) == 0);
+        QVERIFY(std::memcmp(&fast.largest, &plain.highest, sizeof(double)) == 0);
     }
 }
 
@@ -264,7 +337,7 @@ void TestFastText::textsThatAreNotPlainGiveTheValuesOfThePlainReader_data()
     QTest::newRow("other digits") << QByteArray("4\n1 \xD9\xA1 2.5\n");
     QTest::newRow("broken encoding") << QByteArray("4\n1 0.5\xFF 2.5\n2 0.5 2.5\n");
     QTest::newRow("zero byte") << QByteArray("4\n1 0.5 2.5\n2 0\0.5 1\n3 1 1\n", 28);
-    QTest::newRow("odd byte far behind") << plain + QByteArray(3 << 20, ' ') + "\n2 1 1\n\x80\n";
+    QTest::newRow("odd byte far behind") << plain + QByteArray(9 << 20, ' ') + "\n2 1 1\n\x80\n";
     QTest::newRow("lone carriage returns") << QByteArray("4\r\n1 0.5 2.5\r2 1 1\n");
 }
 
@@ -277,7 +350,7 @@ void TestFastText::textsThatAreNotPlainGiveTheValuesOfThePlainReader()
 // Several pieces of the file, so that lines lie across their borders.
 void TestFastText::longFilesGiveTheValuesOfThePlainReader()
 {
-    compareReaders(Texts(1000).file(80000));
+    compareReaders(Texts(1000).file(300000));
 }
 
 QTEST_APPLESS_MAIN(TestFastText)
