@@ -21,8 +21,10 @@ public:
         best = std::min(best, seconds);
         return seconds;
     }
+    bool isMeasured() const { return best < never; }
     double seconds() const { return best; }
 
 private:
-    double best = 1e9;
+    static constexpr double never = 1e9;
+    double best = never;
 };
