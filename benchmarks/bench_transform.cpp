@@ -34,25 +34,23 @@ class Fftw
 {
 public:
     explicit Fftw(quint64 count)
-        : x(fftw_alloc_complex(count)),
+        : buffer(count),
+          x(reinterpret_cast<fftw_complex*>(buffer.data())),
           plan(fftw_plan_dft_1d(static_cast<int>(count), x, x, FFTW_BACKWARD, FFTW_MEASURE))
     {
     }
-    ~Fftw()
-    {
-        fftw_destroy_plan(plan);
-        fftw_free(x);
-    }
+    ~Fftw() { fftw_destroy_plan(plan); }
     Fftw(const Fftw&) = delete;
     Fftw& operator=(const Fftw&) = delete;
 
     double seconds(const std::vector<Complex>& from)
     {
-        std::copy(from.begin(), from.end(), reinterpret_cast<Complex*>(x));
+        std::copy(from.begin(), from.end(), buffer.data());
         return secondsOf([this] { fftw_execute(plan); });
     }
 
 private:
+    ComplexBuffer buffer; // of large pages, as ours
     fftw_complex* x;
     fftw_plan plan;
 };
