@@ -62,19 +62,26 @@ TextRange trimmed(TextRange text)
     return text;
 }
 
+bool takeBlank(TextRange& text)
+{
+    const bool blank = text.startsWith(' ');
+    text.begin += blank ? 1 : 0;
+    return blank;
+}
+
+// The beginning of a trimmed line; what follows the third field doesn't matter.
+bool takeSureBin(TextRange text, Bin& bin)
+{
+    return takeSureIndex(text, bin.index) && takeBlank(text) && takeSureDouble(text, bin.phase) &&
+           takeBlank(text) && takeSureDouble(text, bin.magnitude) &&
+           (text.size() == 0 || text.startsWith(' '));
+}
+
 // A line of plain text; what isn't of the common kind goes the way of any line.
 void readPlainLine(TextRange line, Bins& bins)
 {
-    const TextRange text = trimmed(line);
-    const char* first = std::find(text.begin, text.end, ' ');
-    const char* second = first == text.end ? first : std::find(first + 1, text.end, ' ');
-    if (second == text.end) {
-        return; // fewer than three fields
-    }
     Bin bin{};
-    if (readSureIndex({text.begin, first}, bin.index) &&
-        readSureDouble({first + 1, second}, bin.phase) &&
-        readSureDouble({second + 1, std::find(second + 1, text.end, ' ')}, bin.magnitude)) {
+    if (takeSureBin(trimmed(line), bin)) {
         bins.push_back(bin);
     } else {
         readAnyLine(trimmedText(line), bins);

@@ -1,20 +1,25 @@
 #include "files/plain_lines.h"
 
+#include "transform/vector_clones.h"
+
+#include <cstring>
+
 namespace {
 
 constexpr int pieceSize = 1 << 22;
 constexpr int longestLine = 1 << 29; // bytes; a longer one is no concern of speed
 
+VECTOR_CLONES
 bool isPlainText(const char* bytes, int count)
 {
-    bool plain = true;
+    unsigned char odd = 0;
     for (int i = 0; i < count; ++i) {
         const auto byte = static_cast<unsigned char>(bytes[i]);
-        const bool printable = byte >= 0x20 && byte <= 0x7E;
-        const bool blank = byte >= 0x09 && byte <= 0x0D;
-        plain &= printable || blank;
+        const bool printable = static_cast<unsigned char>(byte - 0x20) <= 0x7E - 0x20;
+        const bool blank = static_cast<unsigned char>(byte - 0x09) <= 0x0D - 0x09;
+        odd |= static_cast<unsigned char>(!printable & !blank);
     }
-    return plain;
+    return odd == 0;
 }
 
 // Where the last line of the text ends, looking no further back than to `searched`; 0 for no end.
@@ -59,7 +64,11 @@ bool PlainLines::fetch()
 
 TextRange takeLine(TextRange& lines)
 {
-    const TextRange line{lines.begin, std::find(lines.begin, lines.end, '\n')};
-    lines.begin = line.end == lines.end ? line.end : line.end + 1;
+    const void* feed = lines.size() > 0
+                           ? std::memchr(lines.begin, '\n', static_cast<std::size_t>(lines.size()))
+                           : nullptr;
+    const char* end = feed != nullptr ? static_cast<const char*>(feed) : lines.end;
+    const TextRange line{lines.begin, end};
+    lines.begin = feed != nullptr ? end + 1 : end;
     return line;
 }
