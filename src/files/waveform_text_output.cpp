@@ -49,7 +49,7 @@ void writeIQTextFiles(SignalData signal, const QString& baseName)
     if (!iFile.open(mode) || !qFile.open(mode)) {
         return;
     }
-    inParallel(2, 2, [&](Pieces& files) {
+    inParallel(2, usefulThreads(), [&](Pieces& files) {
         for (quint64 file = 0; files.take(file);) {
             writeLines(file == 0 ? iFile : qFile, file == 0 ? signal.iSamples : signal.qSamples,
                        factor);

@@ -57,11 +57,26 @@ private:
     bool ended = false;
 };
 
+thread_local bool isAlone = false;
+
 } // namespace
+
+WorkAlone::WorkAlone()
+{
+    isAlone = true;
+}
+
+WorkAlone::~WorkAlone()
+{
+    isAlone = false;
+}
 
 int usefulThreads()
 {
     constexpr unsigned most = 8;
+    if (isAlone) {
+        return 1;
+    }
     return static_cast<int>(std::clamp(std::thread::hardware_concurrency(), 1U, most));
 }
 

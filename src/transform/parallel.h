@@ -1,7 +1,8 @@
 // Independent pieces of one job on several cores at once. The caller works too and returns when
 // all is done. Help comes from idle threads of the global pool: an assistant that hasn't begun when
 // the pieces run out is called off, so a busy pool or a busy machine makes nobody wait. Any number
-// of threads may ask at once, those of the pool too.
+// of threads may ask at once, those of the pool too; but one that may outlive the application works
+// alone, for then the pool is taken down.
 #pragma once
 
 #include <QtGlobal>
@@ -28,7 +29,18 @@ private:
     quint64 count;
 };
 
-// The cores of this machine, at least 1, and no more than the memory can feed.
+// As long as one exists, the thread that made it is worth no more than itself.
+class WorkAlone
+{
+public:
+    WorkAlone();
+    ~WorkAlone();
+    WorkAlone(const WorkAlone&) = delete;
+    WorkAlone& operator=(const WorkAlone&) = delete;
+};
+
+// The cores of this machine, at least 1, and no more than the memory can feed. 1 for a thread that
+// works alone.
 int usefulThreads();
 
 // Runs the worker on up to the given number of threads; each takes pieces until none is left. An
