@@ -18,9 +18,10 @@ MeasurementSetup setupOf(int exponent, int notches)
     setup.fftLengthIndex = 22 - exponent;
     setup.nbwSrate = 0.8;
     const int bins = 1 << exponent;
+    const int middle = notches / 2;
     for (int row = 0; row < notches; ++row) {
         Notch notch;
-        const double place = (row - notches / 2) * 0.2 / 8.4 * 9.0 / notches;
+        const double place = (row - middle) * 0.2 / 8.4 * 9.0 / notches;
         notch.startIndex = static_cast<qint32>(place * bins);
         notch.stopIndex = notch.startIndex + bins / 200 * 9 / notches;
         notch.depth = -60.0;

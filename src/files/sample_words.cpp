@@ -24,7 +24,7 @@ void truncateInts(const double* values, int count, char* words)
 {
     for (int i = 0; i < count; ++i) {
         const auto word = static_cast<quint16>(static_cast<qint32>(values[i]));
-        qToLittleEndian(word, words + 2 * i);
+        qToLittleEndian(word, words + qint64{2} * i);
     }
 }
 
@@ -37,6 +37,6 @@ void truncateToWords(const double* values, int count, char* words)
         return;
     }
     for (int i = 0; i < count; ++i) {
-        qToLittleEndian(truncatedWord(values[i]), words + 2 * i);
+        qToLittleEndian(truncatedWord(values[i]), words + qint64{2} * i);
     }
 }

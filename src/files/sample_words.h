@@ -42,7 +42,7 @@ template <typename Fill> void writeWords(QFileDevice& file, int count, Fill fill
                            const int end = first + std::min(blockSize, pieceEnd - first);
                            fill(first, end, values.data());
                            truncateToWords(values.data(), end - first,
-                                           words.data() + 2 * (first - from));
+                                           words.data() + qint64{2} * (first - from));
                        }
                        const std::lock_guard<std::mutex> lock(writing);
                        file.seek(begin + 2 * qint64{from});

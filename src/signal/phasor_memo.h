@@ -53,7 +53,8 @@ private:
     static quint32 slotOf(double angle)
     {
         constexpr double perRadian = slots / 6.283185307179586;
-        return static_cast<quint32>(angle * perRadian + 2.0 * slots + 0.5) % slots;
+        constexpr double above = 2.0 * slots + 0.5; // keeps it positive and rounds
+        return static_cast<quint32>(angle * perRadian + above) % slots;
     }
 
     static quint64 bitsOf(double angle)

@@ -132,7 +132,7 @@ std::vector<Pass> planPasses(quint64 count, const Element* rotations, int thread
     while (n > lastBlock) {
         const quint64 end = n > keptBlock ? keptBlock : lastBlock;
         const quint64 left = log2Of(n / end);
-        const quint64 rounds = (left + maxFusedStages - 1) / maxFusedStages;
+        const quint64 rounds = std::max<quint64>(1, (left + maxFusedStages - 1) / maxFusedStages);
         const quint64 stages = (left + rounds - 1) / rounds;
         const bool shared = threads > 1 && n == count && n > keptBlock;
         passes.emplace_back(n, stages, rotations,

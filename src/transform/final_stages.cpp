@@ -18,10 +18,10 @@
 namespace {
 
 constexpr quint32 sideBits = 5;
-constexpr quint32 side = 1U << sideBits;
+constexpr quint64 side = quint64{1} << sideBits;
 constexpr TileShape square{side, side};
 
-using Plane = std::array<double, std::size_t{side} * side>;
+using Plane = std::array<double, side * side>;
 
 struct Tile
 {
@@ -46,7 +46,7 @@ public:
     FinalTiles(Samples samples, quint32 bits, const ComplexBuffer::Element* rotations, Finish last)
         : x(samples), middleBits(bits - 2 * sideBits), how(last)
     {
-        for (quint32 i = 0; i < side; ++i) {
+        for (quint64 i = 0; i < side; ++i) {
             reversed[i] = reversedBits(i, sideBits);
         }
         Split out = twiddles.split();
@@ -94,11 +94,11 @@ private:
 
     void load(quint64 middle, Tile& tile)
     {
-        for (quint32 r = 0; r < side; ++r) {
+        for (quint64 r = 0; r < side; ++r) {
             const Samples from = row(r, middle);
             double* re = tile.re.data() + reversed[r];
             double* im = tile.im.data() + reversed[r];
-            for (quint32 column = 0; column < side; ++column) {
+            for (quint64 column = 0; column < side; ++column) {
                 re[column * side] = from.re[column * from.stride];
                 im[column * side] = from.im[column * from.stride];
             }
@@ -109,7 +109,7 @@ private:
 
     void store(Tile& tile, quint64 middle)
     {
-        for (quint32 r = 0; r < side; ++r) {
+        for (quint64 r = 0; r < side; ++r) {
             storeTile(tile.split().at(r * side), {1, side}, row(reversed[r], middle), 0);
         }
     }

@@ -14,10 +14,11 @@ inline void preferLargePages(void* memory, quint64 bytes)
 {
 #ifdef Q_OS_LINUX
     constexpr quint64 page = quint64{1} << 21;
-    const auto begin = (reinterpret_cast<quint64>(memory) + page - 1) / page * page;
-    const auto end = (reinterpret_cast<quint64>(memory) + bytes) / page * page;
+    const auto address = reinterpret_cast<quint64>(memory);
+    const quint64 begin = (address + page - 1) / page * page;
+    const quint64 end = (address + bytes) / page * page;
     if (begin + page < end) {
-        madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+        madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
     }
 #else
     Q_UNUSED(memory)

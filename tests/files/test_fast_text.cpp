@@ -20,6 +20,14 @@ QByteArray fixedDecimals(double value)
     return {text, static_cast<int>(putFixedDecimals(value, text) - text)};
 }
 
+bool sameBits(double a, double b)
+{
+    quint64 bits[2];
+    std::memcpy(&bits[0], &a, sizeof(a));
+    std::memcpy(&bits[1], &b, sizeof(b));
+    return bits[0] == bits[1];
+}
+
 SignalData noise(int count)
 {
     std::mt19937 engine(5);
@@ -190,7 +198,7 @@ private:
         for (int i = 0; i < data.length; ++i) {
             const double values[] = {data.phase[i], data.magnitude[i]};
             const double plain[] = {expected.phase[i], expected.magnitude[i]};
-            QVERIFY2(std::memcmp(values, plain, sizeof(values)) == 0,
+            QVERIFY2(sameBits(values[0], plain[0]) && sameBits(values[1], plain[1]),
                      qPrintable(QString("index %1: %2 %3, expected %4 %5")
                                     .arg(i)
                                     .arg(values[0])
@@ -308,8 +316,8 @@ void TestFastText::extremesAreThoseOfThePlainLoop()
         }
         const Span plain = spanOf(samples);
         const Extremes fast = extremesOf(samples.constData(), count, {samples[0], samples[0]});
-        QVERIFY(std::memcmp(&fast.smallest, &plain.lowest, sizeof(double)) == 0);
-        QVERIFY(std::memcmp(&fast.largest, &plain.highest, sizeof(double)) == 0);
+        QVERIFY(sameBits(fast.smallest, plain.lowest));
+        QVERIFY(sameBits(fast.largest, plain.highest));
     }
 }
 
