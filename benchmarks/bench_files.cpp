@@ -129,8 +129,8 @@ void readPmc(benchmark::State& state)
 
 } // namespace
 
-BENCHMARK(writeText)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK(writeWv)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
-BENCHMARK(writeWav)->UseManualTime()->Iterations(20)->Unit(benchmark::kMillisecond);
-BENCHMARK(readPmc)->Arg(17)->Arg(6)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeText)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeWv)->UseManualTime()->Iterations(40)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeWav)->UseManualTime()->Iterations(40)->Unit(benchmark::kMillisecond);
+BENCHMARK(readPmc)->Arg(17)->Arg(6)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
 BENCHMARK_MAIN();
