@@ -4,7 +4,6 @@
 #include "transform/transform.h"
 
 #include <QFile>
-#include <QTextStream>
 #include <QtEndian>
 
 #include <cmath>
@@ -14,19 +13,6 @@ namespace {
 constexpr double pi = 3.141592653589793;
 constexpr quint16 sampleMask = 0x3FFF; // 14 bits
 constexpr double zeroWord = 8192.0;
-
-void readLine(const QString& line, SignalData& data)
-{
-    const QVector<QStringRef> fields = line.splitRef(QLatin1Char(' '));
-    if (fields.size() < 3) {
-        return;
-    }
-    const int index = fields.at(0).toInt();
-    if (index >= 0 && index < data.length) {
-        data.phase[index] = fields.at(1).toDouble();
-        data.magnitude[index] = fields.at(2).toDouble();
-    }
-}
 
 // The largest power of two that fits the words of a file; 1 for a file without a whole word.
 quint64 usedWords(qint64 bytes)
@@ -80,24 +66,6 @@ void takeSpectrum(SignalData& data)
 }
 
 } // namespace
-
-SignalData loadMagnitudePhaseFile(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {};
-    }
-    QTextStream in(&file);
-    const int length = in.readLine().trimmed().toInt();
-    if (length < 1 || static_cast<quint32>(length) > maxSignalLength) {
-        return {};
-    }
-    SignalData data(static_cast<quint32>(length));
-    while (!in.atEnd()) {
-        readLine(in.readLine().trimmed(), data);
-    }
-    return data;
-}
 
 SignalData loadIQFiles(const QString& iPath, const QString& qPath)
 {

@@ -1,7 +1,10 @@
 #include "files/waveform_output.h"
 
+#include "files/extremes.h"
+#include "files/fixed_decimals.h"
+#include "transform/parallel.h"
+
 #include <QFile>
-#include <QTextStream>
 
 #include <algorithm>
 #include <cmath>
@@ -13,21 +16,25 @@ constexpr double writtenPeak = 2.5;
 // The largest absolute value, never below 0.
 double peakOf(const QVector<double>& samples)
 {
-    double highest = 0.0;
-    double lowest = 0.0;
-    for (const double sample : samples) {
-        highest = std::max(highest, sample);
-        lowest = std::min(lowest, sample);
-    }
-    return std::max(std::abs(highest), std::abs(lowest));
+    const Extremes ends = extremesOf(samples.constData(), samples.size(), {0.0, 0.0});
+    return std::max(std::abs(ends.largest), std::abs(ends.smallest));
 }
 
 void writeLines(QFile& file, const QVector<double>& samples, double factor)
 {
-    QTextStream out(&file);
+    constexpr int pieceSize = 1 << 17;
+    QByteArray piece(pieceSize + longestFixedDecimals + 1, Qt::Uninitialized);
+    char* const begin = piece.data();
+    char* end = begin;
     for (const double sample : samples) {
-        out << QString::number(sample * factor, 'f', 6) << '\n';
+        end = putFixedDecimals(sample * factor, end);
+        *end++ = '\n';
+        if (end - begin >= pieceSize) {
+            file.write(begin, end - begin);
+            end = begin;
+        }
     }
+    file.write(begin, end - begin);
 }
 
 } // namespace
@@ -42,6 +49,10 @@ void writeIQTextFiles(SignalData signal, const QString& baseName)
     if (!iFile.open(mode) || !qFile.open(mode)) {
         return;
     }
-    writeLines(iFile, signal.iData(), factor);
-    writeLines(qFile, signal.qData(), factor);
+    inParallel(2, usefulThreads(), [&](Pieces& files) {
+        for (quint64 file = 0; files.take(file);) {
+            writeLines(file == 0 ? iFile : qFile, file == 0 ? signal.iSamples : signal.qSamples,
+                       factor);
+        }
+    });
 }

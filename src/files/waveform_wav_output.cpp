@@ -1,3 +1,4 @@
+#include "files/extremes.h"
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
 
@@ -14,8 +15,8 @@ double spanOf(const QVector<double>& samples)
     if (samples.isEmpty()) {
         return 0.0;
     }
-    const auto ends = std::minmax_element(samples.cbegin(), samples.cend());
-    return *ends.second - *ends.first;
+    const double first = samples.first();
+    return extremesOf(samples.constData(), samples.size(), {first, first}).span();
 }
 
 // Deliberate: sizes of 8 bytes a sample and a block of 4, though a sample takes 2 here. Programs
@@ -39,10 +40,12 @@ void writeHeader(QFile& file, qint32 length, quint32 clock)
 // the range. Truncated, nothing is added for rounding.
 void writeSamples(QFile& file, const QVector<double>& samples, double positive, double negative)
 {
-    WordWriter words(file);
-    for (const double sample : samples) {
-        words.write(truncatedWord(sample * (sample >= 0.0 ? positive : negative)));
-    }
+    const double* sample = samples.constData();
+    writeWords(file, samples.size(), [=](int first, int end, double* values) {
+        for (int k = first; k < end; ++k) {
+            values[k - first] = sample[k] * (sample[k] >= 0.0 ? positive : negative);
+        }
+    });
 }
 
 } // namespace

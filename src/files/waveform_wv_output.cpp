@@ -19,22 +19,24 @@ Level levelOf(const SignalData& signal, int count)
 {
     Level level;
     double sum = 0.0;
+    double peakPower = 0.0;
+    const double* i = signal.iData().constData();
+    const double* q = signal.qData().constData();
     for (int k = 0; k < count; ++k) {
-        const double i = signal.iData().at(k);
-        const double q = signal.qData().at(k);
-        const double power = i * i + q * q;
-        level.peak = std::max(level.peak, std::sqrt(power));
+        const double power = i[k] * i[k] + q[k] * q[k];
+        peakPower = std::max(peakPower, power);
         sum += power;
     }
+    level.peak = std::sqrt(peakPower); // of the largest, for a root keeps the order
     level.rms = std::sqrt(sum / signal.length);
     return level;
 }
 
 // Deliberate: adds a half and truncates, which rounds positive values and lifts negative ones;
 // -1.7 becomes -1. Stored waveforms are made this way.
-quint16 wordOf(double sample, double scale)
+double wordValue(double sample, double scale)
 {
-    return truncatedWord(scale * sample + 0.5);
+    return scale * sample + 0.5;
 }
 
 } // namespace
@@ -62,12 +64,13 @@ void writeWvFile(SignalData signal, const QString& baseName, quint32 clock)
         return;
     }
     file.write(wvHeader(QDateTime::currentDateTime(), level.rms, signal.length, clock));
-    {
-        WordWriter words(file);
-        for (int k = 0; k < count; ++k) {
-            words.write(wordOf(signal.iData().at(k), scale));
-            words.write(wordOf(signal.qData().at(k), scale));
+    const double* i = signal.iData().constData();
+    const double* q = signal.qData().constData();
+    writeWords(file, 2 * count, [=](int first, int end, double* values) {
+        for (int k = first / 2; k < end / 2; ++k) {
+            *values++ = wordValue(i[k], scale);
+            *values++ = wordValue(q[k], scale);
         }
-    }
+    });
     file.write("}");
 }

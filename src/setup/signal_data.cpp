@@ -1,5 +1,20 @@
 #include "setup/signal_data.h"
 
+#include "transform/large_pages.h"
+
+namespace {
+
+QVector<double> zeros(int count)
+{
+    QVector<double> values;
+    values.reserve(count);
+    preferLargePages(values.data(), static_cast<quint64>(count) * sizeof(double));
+    values.resize(count);
+    return values;
+}
+
+} // namespace
+
 SignalData::SignalData(quint32 n)
 {
     reset(static_cast<qint32>(n));
@@ -8,9 +23,9 @@ SignalData::SignalData(quint32 n)
 void SignalData::reset(qint32 n)
 {
     const int count = n < 1 ? 0 : n;
-    iSamples = QVector<double>(count, 0.0);
-    qSamples = QVector<double>(count, 0.0);
-    magnitude = QVector<double>(count, 0.0);
-    phase = QVector<double>(count, 0.0);
+    iSamples = zeros(count);
+    qSamples = zeros(count);
+    magnitude = zeros(count);
+    phase = zeros(count);
     length = n;
 }

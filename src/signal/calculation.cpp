@@ -1,6 +1,7 @@
 #include "signal/calculation.h"
 
 #include "signal/sources.h"
+#include "transform/parallel.h"
 
 #include <QAbstractEventDispatcher>
 
@@ -58,6 +59,7 @@ Calculation::~Calculation()
 
 void Calculation::run()
 {
+    const WorkAlone alone; // the others of the sweep keep the cores busy
     semaphore->acquire(1);
     if (running) {
         emit calculated(seed, crestFactorOf(*setup, seed));

@@ -3,7 +3,9 @@
 #include "files/signal_input.h"
 #include "setup/measurement_setup.h"
 #include "signal/notch_operations.h"
+#include "signal/phasor_memo.h"
 #include "signal/sources.h"
+#include "transform/parallel.h"
 #include "transform/transform.h"
 
 #include <cmath>
@@ -54,6 +56,43 @@ void runSource(const MeasurementSetup& setup, SignalData& signal)
     }
 }
 
+struct PolarBins
+{
+    const double* magnitude;
+    const double* phase;
+    double scale; // of the magnitudes
+
+    PolarBins from(quint32 bin) const { return {magnitude + bin, phase + bin, scale}; }
+
+    template <typename PhasorOf>
+    void convert(quint64 first, quint64 last, double* re, double* im, PhasorOf phasorOf) const
+    {
+        for (quint64 i = first; i < last; ++i) {
+            const double amplitude = scale * magnitude[i];
+            const Phasor phasor = phasorOf(phase[i]);
+            re[i] = phasor.cosine * amplitude;
+            im[i] = phasor.sine * amplitude;
+        }
+    }
+};
+
+void toCartesian(const PolarBins& bins, quint64 count, double* re, double* im)
+{
+    constexpr quint64 worthRemembering = 131072; // bins, enough for angles to come again
+    if (count < worthRemembering) {
+        inRuns(count, [&](quint64 first, quint64 last) {
+            bins.convert(first, last, re, im, PhasorMemo::compute);
+        });
+        return;
+    }
+    inParallel(runsOf(count), usefulThreads(), [&](Pieces& runs) {
+        PhasorMemo memo;
+        forEachRun(runs, count, [&](quint64 first, quint64 last) {
+            bins.convert(first, last, re, im, [&memo](double angle) { return memo.at(angle); });
+        });
+    });
+}
+
 } // namespace
 
 void MeasurementSetup::calculateSignal()
@@ -86,33 +125,26 @@ void SignalData::applyCompensation(const QVector<double>& trace)
         return;
     }
     double* bins = magnitude.data();
-    for (int i = 0; i < trace.size(); ++i) {
-        bins[i] *= std::pow(10.0, trace.at(i) * 0.05);
-    }
+    const double* gains = trace.constData();
+    inRuns(static_cast<quint64>(trace.size()), [=](quint64 first, quint64 last) {
+        for (quint64 i = first; i < last; ++i) {
+            bins[i] *= std::pow(10.0, gains[i] * 0.05);
+        }
+    });
 }
 
 void SignalData::buildTransformInput()
 {
     const auto n = static_cast<quint32>(length);
     const quint32 half = n >> 1;
-    const double* bins = magnitude.constData();
-    const double* angles = phase.constData();
+    const PolarBins bins{magnitude.constData(), phase.constData(), double(n)};
     double* re = iSamples.data();
     double* im = qSamples.data();
     // Frequency order to transform order: the carrier at half goes to 0, the lowest bin to half.
     // With an odd length, which only a file can bring, the lowest bin takes the place of the
     // highest one and the last place keeps what it held.
-    const auto convert = [=](quint32 from, quint32 to) {
-        const double amplitude = double(n) * bins[from];
-        re[to] = std::cos(angles[from]) * amplitude;
-        im[to] = std::sin(angles[from]) * amplitude;
-    };
-    for (quint32 i = half; i < n; ++i) {
-        convert(i, i - half);
-    }
-    for (quint32 i = half; i-- > 0;) {
-        convert(i, half + i);
-    }
+    toCartesian(bins.from(half), n - half, re, im);
+    toCartesian(bins, half, re + half, im + half);
 }
 
 double SignalData::crestFactor() const

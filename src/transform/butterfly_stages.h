@@ -1,8 +1,9 @@
-// The butterfly stages of the transform: decimation in frequency, in place, result in
-// bit-reversed order and unscaled.
 #pragma once
 
-#include "transform/complex_buffer.h"
+#include "transform/samples.h"
 
-// count is a power of two of at least 1. Throws std::bad_alloc for its small workspace.
-void runButterflyStages(ComplexBuffer::Element* x, quint64 count);
+// The stages of the transform of count values, a power of two of at least 1024, down to blocks
+// of 32 points; the rest belongs to finalStages. The rotations are those of stageRotations. With
+// conjugated the values that are read are taken with the sign of their imaginary parts turned.
+void butterflyStages(Samples x, quint64 count, const ComplexBuffer::Element* rotations,
+                     bool conjugated, int threads);

@@ -2,7 +2,7 @@
 // part first, zero when made.
 #pragma once
 
-#include <QtGlobal>
+#include "transform/large_pages.h"
 
 #include <complex>
 #include <new>
@@ -14,7 +14,12 @@ public:
     using Element = std::complex<double>;
 
     // Throws std::bad_alloc above 2^60 - 1 elements or when memory runs out.
-    explicit ComplexBuffer(quint64 count) : elements(checked(count)) {}
+    explicit ComplexBuffer(quint64 count)
+    {
+        elements.reserve(checked(count));
+        preferLargePages(elements.data(), count * sizeof(Element));
+        elements.resize(count);
+    }
 
     quint64 size() const { return elements.size(); }
     Element* data() { return elements.data(); }

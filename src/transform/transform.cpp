@@ -1,9 +1,12 @@
 #include "transform/transform.h"
 
-#include "transform/bit_reversal.h"
 #include "transform/butterfly_stages.h"
+#include "transform/final_stages.h"
+#include "transform/parallel.h"
+#include "transform/twiddles.h"
 
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -11,21 +14,37 @@ using Element = ComplexBuffer::Element;
 
 constexpr double pi = 3.141592653589793;
 
+double scaleOf(quint64 count)
+{
+    return 1.0 / std::sqrt(static_cast<double>(count));
+}
+
 bool isPowerOfTwo(quint64 count)
 {
     return (count & (count - 1)) == 0;
 }
 
-// The stages for a length that is no power of two. The last butterfly of a stage can then
-// miss its partner; it is left out, which keeps the loop inside the buffer.
-void runPlainStages(ComplexBuffer& x)
+quint32 reversedWord(quint32 value)
+{
+    value = ((value >> 1) & 0x55555555U) | ((value & 0x55555555U) << 1);
+    value = ((value >> 2) & 0x33333333U) | ((value & 0x33333333U) << 2);
+    value = ((value >> 4) & 0x0F0F0F0FU) | ((value & 0x0F0F0F0FU) << 4);
+    value = ((value >> 8) & 0x00FF00FFU) | ((value & 0x00FF00FFU) << 8);
+    return (value >> 16) | (value << 16);
+}
+
+// Stages, reordering and scaling as told by the textbook, for short lengths and for those that
+// are no power of two. There the last butterfly of a stage can miss its partner; it is left out,
+// which keeps the loop inside the buffer.
+void transformPlainly(ComplexBuffer& x)
 {
     const quint64 count = x.size();
     const double theta = pi / static_cast<double>(count);
     Element rotation(std::cos(theta), std::sin(theta));
     for (quint64 n = count; n > 1; n /= 2) {
         const quint64 k = n / 2;
-        rotation = plainProduct(rotation, rotation);
+        rotation = {rotation.real() * rotation.real() - rotation.imag() * rotation.imag(),
+                    2 * rotation.real() * rotation.imag()};
         Element w(1.0, 0.0);
         for (quint64 l = 0; l < k; ++l) {
             for (quint64 a = l; a + k < count; a += n) {
@@ -36,29 +55,65 @@ void runPlainStages(ComplexBuffer& x)
             w = plainProduct(w, rotation);
         }
     }
+    const auto bits = static_cast<quint32>(std::log2(static_cast<double>(count)));
+    for (quint32 a = 0; a < count; ++a) {
+        // The shift count is taken modulo 32, so that 0 bits leave a 0 as it is.
+        const quint32 b = reversedWord(a) >> ((32 - bits) % 32);
+        if (b > a) {
+            std::swap(x[a], x[b]);
+        }
+    }
+    const double factor = scaleOf(count);
+    for (quint64 i = 0; i < count; ++i) {
+        // The product with the complex number (factor, 0), signs of zeros and all.
+        const Element value = x[i];
+        x[i] = {value.real() * factor - value.imag() * 0.0,
+                value.imag() * factor + value.real() * 0.0};
+    }
+}
+
+bool isLong(quint64 count)
+{
+    constexpr quint64 shortest = 1024; // what the tiles are made for
+    return count >= shortest && isPowerOfTwo(count);
+}
+
+void transformLong(Samples x, quint64 count, bool inverse, int threads)
+{
+    constexpr quint64 worthSharing = 32768;
+    const int used = count < worthSharing ? 1 : threads;
+    const std::vector<Element> rotations = stageRotations(count);
+    butterflyStages(x, count, rotations.data(), inverse, used);
+    finalStages(x, count, rotations.data() + rotations.size() - 5,
+                {scaleOf(count), static_cast<double>(count), inverse}, used);
 }
 
 } // namespace
 
 void fft(ComplexBuffer& buffer)
 {
+    fft(buffer, usefulThreads());
+}
+
+void fft(ComplexBuffer& buffer, int threads)
+{
     const quint64 count = buffer.size();
-    if (count == 0) {
-        return;
+    if (isLong(count)) {
+        transformLong(Samples::pairs(buffer.data()), count, false, threads);
+    } else if (count > 0) {
+        transformPlainly(buffer);
     }
-    if (isPowerOfTwo(count)) {
-        runButterflyStages(buffer.data(), count);
-    } else {
-        runPlainStages(buffer);
-    }
-    reorderAndScale(buffer.data(), count, 1.0 / std::sqrt(static_cast<double>(count)));
 }
 
 void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n)
 {
-    ComplexBuffer buffer(n);
     double* real = re.data();
     double* imag = im.data();
+    if (isLong(n)) {
+        transformLong(Samples::arrays(real, imag), n, false, usefulThreads());
+        return;
+    }
+    ComplexBuffer buffer(n);
     for (quint32 i = 0; i < n; ++i) {
         buffer[i] = {real[i], imag[i]};
     }
@@ -69,13 +124,17 @@ void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n)
     }
 }
 
-// Conjugate, transform, conjugate, divide: the conjugates are taken while the buffer is filled
-// and emptied, so that one buffer serves.
+// Conjugate, transform, conjugate, divide: the conjugates are taken while the values are read
+// and written, so that no pass over memory is theirs.
 void inverseTransform(QVector<double>& re, QVector<double>& im, quint32 n)
 {
-    ComplexBuffer buffer(n);
     double* real = re.data();
     double* imag = im.data();
+    if (isLong(n)) {
+        transformLong(Samples::arrays(real, imag), n, true, usefulThreads());
+        return;
+    }
+    ComplexBuffer buffer(n);
     for (quint32 i = 0; i < n; ++i) {
         buffer[i] = {real[i], -imag[i]};
     }

@@ -15,7 +15,10 @@
 
 // In place: element k becomes 1/sqrt(N) times the sum over n of x[n] exp(+j 2 pi n k / N).
 // Positive exponent, unitary scaling.
+// Long transforms use several cores, at most the given number of threads; the bits are the same
+// for any number.
 void fft(ComplexBuffer& buffer);
+void fft(ComplexBuffer& buffer, int threads);
 
 // In place on two vectors of at least n elements: the transform of re + j im by fft, with
 // the factor 1/sqrt(n) and no other. Throws std::bad_alloc when memory runs out.

@@ -1,11 +1,18 @@
-// VECTOR_CLONES in front of a function compiles it once for plain SSE2 and once for AVX2;
-// the loader picks the one that the processor has. Both do the same operations on each
-// element, so the choice changes no bit. The sanitizers can't stand such early picking.
+// VECTOR_CLONES in front of a function compiles it for plain SSE2, for AVX2 and for AVX-512; the
+// loader picks the one that the processor has. All do the same operations on each element, so
+// the choice changes no bit. The sanitizers can't stand such early picking.
 #pragma once
 
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) &&                             \
     !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
-#define VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
+#define VECTOR_CLONES __attribute__((target_clones("avx512f", "avx2", "default")))
 #else
 #define VECTOR_CLONES
+#endif
+
+// In front of a loop: its turns touch different elements, whatever the pointers may suggest.
+#if defined(__GNUC__) && !defined(__clang__)
+#define IN_ANY_ORDER _Pragma("GCC ivdep")
+#else
+#define IN_ANY_ORDER
 #endif

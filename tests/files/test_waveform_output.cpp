@@ -191,7 +191,7 @@ void TestWaveformOutput::wordsAreTheLowBitsOfTheTruncatedValue()
 
 void TestWaveformOutput::longSignalsAreWrittenWhole()
 {
-    constexpr int count = 100001; // more than one piece of the buffer, and not a whole number
+    constexpr int count = 400001; // more than one piece of the buffer, and not a whole number
     QVector<double> i(count);
     for (int k = 0; k < count; ++k) {
         i[k] = k % 2 == 0 ? 1.0 : -1.0;

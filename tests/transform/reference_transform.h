@@ -73,6 +73,7 @@ inline void fft(std::vector<Complex>& x)
 inline std::vector<Complex> joined(const QVector<double>& re, const QVector<double>& im)
 {
     std::vector<Complex> x;
+    x.reserve(static_cast<std::size_t>(re.size()));
     for (int i = 0; i < re.size(); ++i) {
         x.emplace_back(re[i], im[i]);
     }

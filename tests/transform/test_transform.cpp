@@ -81,7 +81,7 @@ private slots:
 void TestTransform::everyLengthHasTheBitsOfTheTextbookLoop_data()
 {
     QTest::addColumn<quint64>("count");
-    for (int exponent = 0; exponent <= 20; ++exponent) {
+    for (int exponent = 0; exponent <= 22; ++exponent) {
         QTest::addRow("2^%d", exponent) << (quint64{1} << exponent);
     }
 }
@@ -89,20 +89,22 @@ void TestTransform::everyLengthHasTheBitsOfTheTextbookLoop_data()
 void TestTransform::everyLengthHasTheBitsOfTheTextbookLoop()
 {
     QFETCH(quint64, count);
-    std::vector<Complex> expected = noise(count, 7);
-    ComplexBuffer buffer = bufferOf(expected);
+    const std::vector<Complex> stimulus = noise(count, 7);
+    std::vector<Complex> expected = stimulus;
 
     reference::fft(expected);
-    fft(buffer);
-
-    QVERIFY(sameBits(buffer, expected));
+    for (const int threads : {1, 2, 3, 7}) {
+        ComplexBuffer buffer = bufferOf(stimulus);
+        fft(buffer, threads);
+        QVERIFY2(sameBits(buffer, expected), qPrintable(QString::number(threads)));
+    }
 }
 
 void TestTransform::signedZerosAndTinyValuesKeepTheirBits()
 {
     const double tiny = std::numeric_limits<double>::denorm_min();
     const double values[] = {0.0, -0.0, tiny, -tiny, 1e-300, -1e300, 1.0, -1.0};
-    for (quint64 count : {1U, 2U, 4U, 64U, 1024U, 8192U}) {
+    for (quint64 count : {1U, 2U, 4U, 64U, 1024U, 8192U, 65536U}) {
         std::vector<Complex> expected(count);
         for (quint64 i = 0; i < count; ++i) {
             expected[i] = {values[i % 8], values[(i / 3) % 8]};
@@ -119,7 +121,7 @@ void TestTransform::signedZerosAndTinyValuesKeepTheirBits()
 void TestTransform::wrappersHaveTheBitsOfTheTextbookLoop_data()
 {
     QTest::addColumn<int>("count");
-    for (const int count : {1, 2, 64, 4096, 131072}) {
+    for (const int count : {1, 2, 64, 1024, 2048, 4096, 16384, 32768, 65536, 131072, 4194304}) {
         QTest::addRow("%d", count) << count;
     }
 }
