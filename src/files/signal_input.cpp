@@ -4,6 +4,7 @@
 #include "transform/transform.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QTextStream>
 #include <QtEndian>
 
@@ -14,6 +15,12 @@ namespace {
 constexpr double pi = 3.141592653589793;
 constexpr quint16 sampleMask = 0x3FFF; // 14 bits
 constexpr double zeroWord = 8192.0;
+
+// No device and no pipe: reading one may never end.
+bool openRegular(QFile& file)
+{
+    return QFileInfo(file.fileName()).isFile() && file.open(QIODevice::ReadOnly);
+}
 
 void readLine(const QString& line, SignalData& data)
 {
@@ -84,7 +91,7 @@ void takeSpectrum(SignalData& data)
 SignalData loadMagnitudePhaseFile(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!openRegular(file)) {
         return {};
     }
     QTextStream in(&file);
@@ -103,7 +110,7 @@ SignalData loadIQFiles(const QString& iPath, const QString& qPath)
 {
     QFile iFile(iPath);
     QFile qFile(qPath);
-    if (!iFile.open(QIODevice::ReadOnly) || !qFile.open(QIODevice::ReadOnly)) {
+    if (!openRegular(iFile) || !openRegular(qFile)) {
         return {};
     }
     if (iFile.size() != qFile.size() || usedWords(iFile.size()) > maxSignalLength) {

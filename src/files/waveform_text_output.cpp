@@ -1,6 +1,6 @@
 #include "files/waveform_output.h"
+#include "setup/whole_file.h"
 
-#include <QFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -22,7 +22,7 @@ double peakOf(const QVector<double>& samples)
     return std::max(std::abs(highest), std::abs(lowest));
 }
 
-void writeLines(QFile& file, const QVector<double>& samples, double factor)
+void writeLines(QIODevice& file, const QVector<double>& samples, double factor)
 {
     QTextStream out(&file);
     for (const double sample : samples) {
@@ -36,12 +36,13 @@ void writeIQTextFiles(SignalData signal, const QString& baseName)
 {
     // An all-zero signal has an infinite factor and is written as "nan"; no guard, by design.
     const double factor = writtenPeak / std::max(peakOf(signal.iData()), peakOf(signal.qData()));
-    QFile iFile(baseName + QLatin1String(".i"));
-    QFile qFile(baseName + QLatin1String(".q"));
+    WholeFile iFile(baseName + QLatin1String(".i"));
+    WholeFile qFile(baseName + QLatin1String(".q"));
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
     if (!iFile.open(mode) || !qFile.open(mode)) {
         return;
     }
     writeLines(iFile, signal.iData(), factor);
     writeLines(qFile, signal.qData(), factor);
+    putBothInPlace(iFile, qFile);
 }

@@ -1,9 +1,9 @@
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
+#include "setup/whole_file.h"
 
 #include <QDataStream>
 #include <QDebug>
-#include <QFile>
 
 #include <algorithm>
 
@@ -21,7 +21,7 @@ double spanOf(const QVector<double>& samples)
 // Deliberate: sizes of 8 bytes a sample and a block of 4, though a sample takes 2 here. Programs
 // that load these files skip the header by its length and know the format; no field is to be
 // corrected.
-void writeHeader(QFile& file, qint32 length, quint32 clock)
+void writeHeader(QIODevice& file, qint32 length, quint32 clock)
 {
     const auto dataSize = static_cast<quint32>(length) * 8U;
     QDataStream out(&file);
@@ -37,7 +37,7 @@ void writeHeader(QFile& file, qint32 length, quint32 clock)
 
 // The factors come from the span and not from the peak, so a symmetric signal fills a quarter of
 // the range. Truncated, nothing is added for rounding.
-void writeSamples(QFile& file, const QVector<double>& samples, double positive, double negative)
+void writeSamples(QIODevice& file, const QVector<double>& samples, double positive, double negative)
 {
     WordWriter words(file);
     for (const double sample : samples) {
@@ -49,8 +49,8 @@ void writeSamples(QFile& file, const QVector<double>& samples, double positive, 
 
 void writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
 {
-    QFile iFile(baseName + QLatin1String(".i.wav"));
-    QFile qFile(baseName + QLatin1String(".q.wav"));
+    WholeFile iFile(baseName + QLatin1String(".i.wav"));
+    WholeFile qFile(baseName + QLatin1String(".q.wav"));
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Truncate;
     if (!iFile.open(mode) || !qFile.open(mode)) {
         return;
@@ -65,4 +65,5 @@ void writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
     writeSamples(qFile, signal.qData(), positive, negative);
     qDebug() << "I File Size:" << iFile.pos();
     qDebug() << "Q File Size:" << qFile.pos();
+    putBothInPlace(iFile, qFile);
 }
