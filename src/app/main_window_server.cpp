@@ -70,7 +70,8 @@ void MainWindow::new_connection()
 // is not recognised. Clients send one request and wait for its answer.
 void MainWindow::read_connection()
 {
-    if (!tcpSocket) {
+    // One that has gone is the present client until it is deleted; a former one may still send.
+    if (!tcpSocket || !tcpSocket->isOpen()) {
         return;
     }
     // A client that asks and never reads would make the program hold ever more for it.
@@ -133,8 +134,11 @@ void MainWindow::disconnected()
 
 void MainWindow::send(const QByteArray& bytes)
 {
-    for (int from = 0; from < bytes.size(); from += writeSize) {
+    // The client may be found gone with any write.
+    for (int from = 0; from < bytes.size() && tcpSocket->isOpen(); from += writeSize) {
         tcpSocket->write(bytes.constData() + from, std::min(writeSize, bytes.size() - from));
     }
-    tcpSocket->flush();
+    if (tcpSocket->isOpen()) {
+        tcpSocket->flush();
+    }
 }
