@@ -6,11 +6,11 @@
 
 namespace {
 
-// A length of six digits is legal, and its zeros cost time that finds nothing.
+// A length of five digits is legal, and its zeros cost time that finds nothing.
 bool isLong(const QByteArray& bytes)
 {
     const QByteArray number = bytes.left(bytes.indexOf('\n')).trimmed();
-    return number.size() > 5 && number.toLongLong() > 99999;
+    return number.size() > 4 && number.toLongLong() > 9999;
 }
 
 } // namespace
