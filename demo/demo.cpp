@@ -1,19 +1,17 @@
-// Drives the main job of the real window once, with mouse and keyboard, and prints what comes out:
-// settings, notches, calculation, and the first samples as a client on the network gets them.
-// Takes the path of the screenshot that it leaves.
+// Drives a whole measurement on the real window once, with mouse and keyboard, and prints what
+// comes out: settings, notches, calculation, preset, and the reading of one notch from whatever
+// instruments answer on the default address. Takes the path of the screenshot that it leaves.
 #include "demo/window_hand.h"
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QScreen>
-#include <QTcpSocket>
 #include <QTextStream>
-#include <QtEndian>
+#include <QThreadPool>
+#include <QTimer>
 
 namespace {
-
-constexpr int greetingSize = 24; // bytes
-constexpr int shownSamples = 4;
 
 bool makeSignal(MainWindow& window)
 {
@@ -26,29 +24,33 @@ bool makeSignal(MainWindow& window)
     return calculate(window);
 }
 
-QByteArray fetchSymbols(quint16 port, int bytes)
+// The instruments fetch the samples from this very thread, so it goes on while the jobs run.
+bool jobsEnd()
 {
-    QTcpSocket client;
-    client.connectToHost(QStringLiteral("127.0.0.1"), port);
-    const auto arrived = [&client](int count) {
-        return QTest::qWaitFor([&] { return client.bytesAvailable() >= count; }, 10000);
-    };
-    if (!arrived(greetingSize)) {
-        return {};
-    }
-    client.read(greetingSize);
-    client.write("GetSymbol");
-    arrived(bytes);
-    return client.read(bytes);
+    const bool ended = QTest::qWaitFor(
+        [] { return QThreadPool::globalInstance()->activeThreadCount() == 0; }, 30000);
+    QCoreApplication::processEvents(); // their results arrive
+    return ended;
 }
 
-void printSymbols(QTextStream& out, const QByteArray& block)
+bool measureNotch(MainWindow& window, const QString& number)
 {
-    for (int k = 0; k < shownSamples; ++k) {
-        const char* word = block.constData() + 4 + 8 * qint64{k};
-        out << "  I/Q sample " << k << ":  " << qFromLittleEndian<float>(word) << "  "
-            << qFromLittleEndian<float>(word + 4) << "\n";
-    }
+    // Without instruments picking the notch opens a box, which would wait for an operator.
+    QTimer::singleShot(5000, &window, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            box->close();
+        }
+    });
+    click(window, "preset_button");
+    const bool preset = jobsEnd();
+    type(window, "measure_notch", number);
+    click(window, "measure_button");
+    return preset && jobsEnd();
+}
+
+void printLabel(QTextStream& out, const char* caption, MainWindow& window, const char* name)
+{
+    out << caption << part<QLabel>(window, name)->text() << "\n";
 }
 
 } // namespace
@@ -56,25 +58,27 @@ void printSymbols(QTextStream& out, const QByteArray& block)
 int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
+    const QStringList arguments = application.arguments();
     QTextStream out(stdout);
     MainWindow window;
     window.show();
-    if (!QTest::qWaitForWindowExposed(&window) || !makeSignal(window)) {
-        out << "The calculation did not end in valid data.\n";
+    if (!QTest::qWaitForWindowExposed(&window)) {
         return 1;
     }
-    const QByteArray symbols = fetchSymbols(reachablePort(window), 4 + 8 * shownSamples);
-    if (symbols.size() < 4 + 8 * shownSamples) {
-        out << "No samples came over TCP.\n";
+    if (!window.findChild<QTcpServer*>()->isListening()) {
+        type(window, "port_input", arguments.value(2, QStringLiteral("10000")));
+    }
+    if (!makeSignal(window) || !measureNotch(window, QStringLiteral("7"))) {
+        out << "The measurement did not come to its end.\n";
         return 1;
     }
-    out << "Status:        " << part<QLabel>(window, "fft_status_label")->text() << "\n"
-        << "Crest factor:  " << part<QLineEdit>(window, "crest_factor_output")->text() << "\n"
-        << "Over TCP:\n";
-    printSymbols(out, symbols);
-
-    const QString screenshot = application.arguments().value(1, QStringLiteral("screenshot.png"));
     QTest::qWait(200); // the last refresh reaches the screen
+    printLabel(out, "Status:        ", window, "fft_status_label");
+    out << "Crest factor:  " << part<QLineEdit>(window, "crest_factor_output")->text() << "\n";
+    printLabel(out, "Signal power:  ", window, "signal_power");
+    printLabel(out, "NPR lower:     ", window, "npr_lower");
+    printLabel(out, "NPR upper:     ", window, "npr_upper");
+    const QString screenshot = arguments.value(1, QStringLiteral("screenshot.png"));
     window.screen()->grabWindow(window.winId()).save(screenshot);
     out << "Screenshot:    " << screenshot << "\n";
     window.close();

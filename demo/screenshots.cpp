@@ -1,12 +1,15 @@
-// Makes the pictures of the README from the real window: takes the folder that they go to.
+// Makes the pictures of README and manual from the real windows: takes the folder that they go to.
 #include "demo/window_hand.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QMouseEvent>
+#include <QTabWidget>
 #include <QTcpSocket>
 #include <QTextStream>
+#include <QThreadPool>
 
 namespace {
 
@@ -70,6 +73,73 @@ bool showCarriers(MainWindow& window, const QDir& folder)
     return calculate(window) && save(window, folder.filePath(QStringLiteral("carriers.png")));
 }
 
+QWidget* visibleWindow(const char* title)
+{
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        if (each->isVisible() && each->windowTitle() == QLatin1String(title)) {
+            return each;
+        }
+    }
+    return nullptr;
+}
+
+bool grabAndClose(const char* title, const QDir& folder, const char* name)
+{
+    QWidget* dialog = visibleWindow(title);
+    const bool saved =
+        dialog != nullptr && dialog->grab().save(folder.filePath(QLatin1String(name)));
+    if (dialog != nullptr) {
+        dialog->close();
+    }
+    return saved;
+}
+
+bool showDevices(MainWindow& window, const QDir& folder)
+{
+    bool saved = true;
+    static const char* const names[] = {"devices_generator.png", "devices_analyzer.png",
+                                        "devices_microwave.png"};
+    for (int tab = 0; tab < 3; ++tab) {
+        window.findChild<QAction*>(QStringLiteral("actionDevices"))->trigger();
+        QWidget* dialog = visibleWindow("Devices");
+        dialog->findChild<QTabWidget*>(QStringLiteral("tabWidget"))->setCurrentIndex(tab);
+        QCoreApplication::processEvents();
+        saved = grabAndClose("Devices", folder, names[tab]) && saved;
+    }
+    return saved;
+}
+
+bool showSerialLine(MainWindow& window, const QDir& folder)
+{
+    window.findChild<QAction*>(QStringLiteral("actionDevices"))->trigger();
+    QWidget* dialog = visibleWindow("Devices");
+    auto* link = dialog->findChild<QLabel*>(QStringLiteral("g_rs232configure"));
+    emit link->linkActivated(QStringLiteral("#g_rs232configure"));
+    QCoreApplication::processEvents();
+    dialog->close();
+    return grabAndClose("RS232 Configuration", folder, "rs232.png");
+}
+
+bool showSweep(MainWindow& window, const QDir& folder)
+{
+    window.findChild<QAction*>(QStringLiteral("actionOptimize_Crest_Fector"))->trigger();
+    QWidget* dialog = QApplication::activeModalWidget();
+    QTest::mouseClick(dialog->findChild<QAbstractButton*>(QStringLiteral("start_button")),
+                      Qt::LeftButton);
+    QThreadPool::globalInstance()->waitForDone();
+    QTest::qWait(3000); // the workers' results come in
+    const bool saved = dialog->grab().save(folder.filePath(QStringLiteral("sweep.png")));
+    dialog->close();
+    return saved;
+}
+
+bool showAbout(MainWindow& window, const QDir& folder)
+{
+    window.findChild<QAction*>(QStringLiteral("actionAbout"))->trigger();
+    QCoreApplication::processEvents();
+    return grabAndClose("Information about Notchbench", folder, "about.png");
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -81,7 +151,9 @@ int main(int argc, char* argv[])
     MainWindow window;
     window.show();
     if (!QTest::qWaitForWindowExposed(&window) || !showNineNotches(window, folder) ||
-        !showEditing(window, folder) || !showCarriers(window, folder)) {
+        !showEditing(window, folder) || !showCarriers(window, folder) ||
+        !showDevices(window, folder) || !showSerialLine(window, folder) ||
+        !showSweep(window, folder) || !showAbout(window, folder)) {
         QTextStream(stderr) << "The pictures could not be made.\n";
         return 1;
     }

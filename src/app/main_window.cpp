@@ -2,8 +2,10 @@
 
 #include "app/preset_job.h"
 #include "app/signal_job.h"
+#include "fit/load_trace_dialog.h"
 #include "look/house_style.h"
 #include "setup/config_file.h"
+#include "signal/crest_factor_dialog.h"
 #include "ui_main_window.h"
 
 #include <QAbstractButton>
@@ -23,6 +25,16 @@ namespace {
 
 const char defaultConfigName[] = "Notchbench.cfg";
 
+template <typename Child> void deleteUnheard(MainWindow& window)
+{
+    const QList<Child*> children =
+        window.findChildren<Child*>(QString(), Qt::FindDirectChildrenOnly);
+    for (Child* child : children) {
+        child->disconnect(&window);
+        delete child;
+    }
+}
+
 QString fixedPoint(double value)
 {
     return QString::number(value, 'f', 6);
@@ -33,6 +45,7 @@ QString fixedPoint(double value)
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
+      crestFactorDialog(std::make_unique<CrestFactorDialog>()),
       signalJob(std::make_shared<SignalJob>()),
       presetJob(std::make_shared<PresetJob>())
 {
@@ -46,9 +59,12 @@ MainWindow::MainWindow(QWidget* parent)
                    Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
     QDir::setCurrent(QDir::homePath());
     connect(ui->actionDevices, &QAction::triggered, this, &MainWindow::devices_clicked);
+    connect(ui->actionOptimize_Crest_Fector, &QAction::triggered, this,
+            &MainWindow::crest_factor_clicked);
 
     setup = loadDefaultConfig(QLatin1String(defaultConfigName));
     devicesDialog.setSetup(&setup);
+    crestFactorDialog->setSetup(&setup);
     bindTable();
     // A loaded port other than 1000 opens a server here, through port_input.
     notifyPropertyChanged();
@@ -67,13 +83,9 @@ MainWindow::~MainWindow()
     measurementThread.stop();
     saveDefaultConfig(setup, QLatin1String(defaultConfigName));
     closeServer();
-    // Sockets of the window would report their end to slots of a window that is half gone.
-    const QList<QTcpSocket*> sockets = findChildren<QTcpSocket*>(
-        QString(), Qt::FindDirectChildrenOnly); // those not yet fetched belong to their server
-    for (QTcpSocket* socket : sockets) {
-        socket->disconnect(this);
-        delete socket;
-    }
+    // Left to the base, these would report their end to slots of a window that is half gone.
+    deleteUnheard<QTcpSocket>(*this); // those not yet fetched belong to their server
+    deleteUnheard<LoadTraceDialog>(*this);
 }
 
 void MainWindow::notifyPropertyChanged(QWidget* from)
@@ -167,6 +179,7 @@ void MainWindow::showDataState()
     ui->fft_status->setState(state);
     ui->fft_status_label->setText(QLatin1String(texts[state]));
     ui->calc_fft_button->setEnabled(setup.dataState != DataState::Calculating);
+    ui->actionLoad_SAN_Mag->setEnabled(setup.dataState == DataState::Valid);
     ui->actionSave_Waveform->setEnabled(setup.dataState == DataState::Valid);
 }
 

@@ -19,6 +19,7 @@
 
 #include <memory>
 
+class CrestFactorDialog;
 class QStandardItem;
 class QTcpServer;
 class QTcpSocket;
@@ -57,6 +58,7 @@ public slots:
     void notifyPropertyChanged(QWidget* from = nullptr);
 
     void devices_clicked();
+    void crest_factor_clicked();
     void new_connection();
     void read_connection();
     void disconnected();
@@ -97,6 +99,7 @@ public slots:
     void on_actionSave_Waveform_triggered();
     void on_actionQuit_triggered();
     void on_measure_button_clicked();
+    void on_actionLoad_SAN_Mag_triggered();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -130,7 +133,8 @@ private:
     void send(const QByteArray& bytes);
 
     std::unique_ptr<Ui::MainWindow> ui;
-    DevicesDialog devicesDialog; // no parent: a window of its own
+    DevicesDialog devicesDialog;                          // no parent: a window of its own
+    std::unique_ptr<CrestFactorDialog> crestFactorDialog; // points to setup, which never moves
     MeasurementSetup setup;
     QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
     QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list

@@ -20,7 +20,10 @@ void MainWindow::connectMeasurement()
     connectRemoteFailure(this, &MainWindow::remoteError, this);
     connectRemoteFailure(presetJob.get(), &PresetJob::failed, this);
     connect(&measurementThread, &NPRMeasurementThread::analyzerConnected, this,
-            [this](const Analyzer& connected) { adoptConnection(setup.analyzer, connected); });
+            [this](const Analyzer& connected) {
+                adoptConnection(setup.analyzer, connected);
+                offerAnalyzer();
+            });
     connect(presetJob.get(), &PresetJob::finished, this, [this](const InstrumentChain& chain) {
         adoptConnection(setup.generator, chain.generator);
         adoptConnection(setup.analyzer, chain.analyzer);

@@ -2,10 +2,13 @@
 // everything as it was.
 #include "app/main_window.h"
 #include "files/waveform_output.h"
+#include "fit/load_trace_dialog.h"
 #include "setup/config_file.h"
+#include "signal/crest_factor_dialog.h"
 #include "support/about_window.h"
 #include "ui_main_window.h"
 
+#include <QDebug>
 #include <QDir>
 #include <QFileDialog>
 #include <QProcess>
@@ -43,6 +46,19 @@ void MainWindow::on_actionSave_Cfg_File_triggered()
     }
 }
 
+void MainWindow::on_actionLoad_SAN_Mag_triggered()
+{
+    const QString name =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Load SAN Mag"), QDir::currentPath(),
+                                     QStringLiteral("Text File(*.txt)"));
+    if (name.isEmpty()) {
+        return;
+    }
+    auto* dialog = new LoadTraceDialog(name, &setup, this); // deletes itself when it closes
+    connect(dialog, &QObject::destroyed, this, [this] { notifyPropertyChanged(); });
+    dialog->show();
+}
+
 void MainWindow::on_actionSave_Waveform_triggered()
 {
     QString selectedFilter = QStringLiteral("Kelmar WV File (*.wv)");
@@ -51,6 +67,12 @@ void MainWindow::on_actionSave_Waveform_triggered()
         QStringLiteral("I/Q Files (*.i;*.q);;Wave Files (*.i.wav;*.q.wav);;Kelmar WV File (*.wv)"),
         &selectedFilter);
     saveWaveform(name, setup.signal, setup.sampleRate);
+}
+
+void MainWindow::crest_factor_clicked()
+{
+    qDebug() << "Crest Fector Window Opened"; // deliberate spelling
+    crestFactorDialog->show();
 }
 
 void MainWindow::on_actionQuit_triggered()

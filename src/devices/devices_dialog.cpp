@@ -1,6 +1,5 @@
 #include "devices/devices_dialog.h"
 
-#include "devices/common_widgets.h"
 #include "look/house_style.h"
 #include "remote/rs232_interface.h"
 #include "remote/visa_function_table.h"
@@ -65,6 +64,20 @@ int pageOf(InterfaceKind kind)
 }
 
 } // namespace
+
+struct DevicesDialog::CommonWidgets
+{
+    QComboBox* type;
+    QComboBox* interface;
+    QLineEdit* message;
+    QStackedWidget* pages;
+    QSpinBox* gpibAddress;
+    QLineEdit* address;
+    QLineEdit* frequency;
+    QDoubleSpinBox* level;
+    QPushButton* set;
+    QPushButton* reset;
+};
 
 DevicesDialog::DevicesDialog(QWidget* parent)
     : QDialog(parent, Qt::WindowTitleHint | Qt::WindowCloseButtonHint),

@@ -30,6 +30,7 @@ void NPRMeasurementThread::setAnalyzer(const Analyzer& newAnalyzer)
     const QMutexLocker lock(&mutex);
     std::atomic_store(&offered, std::shared_ptr<const Analyzer>());
     analyzer = newAnalyzer;
+    ownConnection.reset();
 }
 
 void NPRMeasurementThread::offerAnalyzer(const Analyzer& changed)
@@ -45,9 +46,11 @@ void NPRMeasurementThread::takeOfferedAnalyzer()
     }
     const Analyzer own = analyzer;
     analyzer = *changed;
-    if (!analyzer.commands) { // our own connection is still on its way to the record
+    if (ownConnection && !analyzer.commands) { // it is still on its way to the record
         analyzer.commands = own.commands;
         analyzer.remote = own.remote;
+    } else {
+        ownConnection.reset();
     }
 }
 
@@ -84,6 +87,7 @@ void NPRMeasurementThread::measureOnce()
     try {
         if (!analyzer.commands) {
             analyzer.init();
+            ownConnection = analyzer.commands;
             emit analyzerConnected(analyzer);
         }
         if (!analyzer.commands) {

@@ -69,7 +69,9 @@ private:
 
     std::atomic<bool> running{true};
     std::atomic<bool> paused{false};
-    Analyzer analyzer;                       // guarded by mutex
+    Analyzer analyzer; // guarded by mutex
+    // Made by a measurement and not yet in an offered analyzer; guarded by mutex.
+    std::shared_ptr<AnalyzerCommands> ownConnection;
     std::shared_ptr<const Analyzer> offered; // atomic access; null when taken
     std::shared_ptr<const Result> result;    // atomic access
     QMutex mutex;                            // held during one measurement

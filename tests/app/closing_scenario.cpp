@@ -1,6 +1,7 @@
 // A program with the real window that closes at a chosen moment; test_closing runs it as a
 // process of its own and judges how it ends.
 #include "app/main_window.h"
+#include "support/scripted_instrument.h"
 #include "support/window_driver.h"
 
 #include <QSemaphore>
@@ -61,6 +62,55 @@ void closeBeforeTheCalculationStarts(MainWindow& window, const WindowDriver& ope
     QObject::connect(&window, &QObject::destroyed, [] { gate.release(); });
 }
 
+// A thousand workers, some of them calculating, when the last window closes.
+void closeInTheMiddleOfASweep(MainWindow& window, const WindowDriver& operate)
+{
+    operate.trigger("actionOptimize_Crest_Fector");
+    QWidget* dialog = QApplication::activeModalWidget();
+    const WindowDriver inDialog(*dialog);
+    inDialog.type("seed_count_input", "1000");
+    inDialog.click("start_button");
+    dialog->close();
+    window.close();
+}
+
+// A reading that takes its time is on the line when the window closes.
+void closeDuringAMeasurement(MainWindow& window, const WindowDriver& operate)
+{
+    static ScriptedInstrument device;
+    device.answer("*IDN?", "ACME,42\n");
+    device.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP",
+                  {ScriptedInstrument::Piece{200, "1,2,3\n"}});
+    operate.type("notch_count_input", "3");
+    operate.click("autocalc_notches_button");
+    operate.click("preset_button");
+    device.takeReceivedUpTo("SWE:TIME 1.000000\nDISP:WIND1:TRAC:Y:RLEV -20.000\n&GTL\n");
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    operate.type("measure_notch", "1");
+    operate.pick("measure_mode", 0);
+    device.takeReceivedUpTo("ACP\n");
+    window.close();
+}
+
+void closeDuringAPreset(MainWindow& window, const WindowDriver& operate)
+{
+    static ScriptedInstrument device;
+    device.answer("*IDN?", {ScriptedInstrument::Piece{300, "ACME,42\n"}});
+    operate.click("preset_button");
+    device.takeReceivedUpTo("*IDN?\n");
+    window.close();
+}
+
+// None of the other windows has a parent, and none may keep the program alive.
+void closeWithEveryWindowOpen(MainWindow& window, const WindowDriver& operate)
+{
+    operate.trigger("actionDevices");
+    operate.trigger("actionAbout");
+    QTest::qWait(50);
+    window.close();
+}
+
 struct Scenario
 {
     const char* name;
@@ -72,6 +122,10 @@ const Scenario scenarios[] = {
     {"wait", closeAndWaitForTheCalculation},
     {"force", forceTheCloseOfARunningCalculation},
     {"queued", closeBeforeTheCalculationStarts},
+    {"sweep", closeInTheMiddleOfASweep},
+    {"measuring", closeDuringAMeasurement},
+    {"presetting", closeDuringAPreset},
+    {"windows", closeWithEveryWindowOpen},
 };
 
 } // namespace

@@ -15,6 +15,10 @@ private slots:
     void endedCalculationLetsTheProgramEnd();
     void forcedCloseOfARunningCalculationHangs();
     void calculationThatStartsAfterTheWindowHasGoneHarmsNothing();
+    void sweepThatIsStillRunningLetsTheProgramEnd();
+    void measurementThatIsStillRunningLetsTheProgramEnd();
+    void presetThatIsStillRunningLetsTheProgramEnd();
+    void otherWindowsDoNotKeepTheProgramAlive();
 
 private:
     void endsWithStatus0(const char* scenario);
@@ -74,6 +78,26 @@ void TestClosing::forcedCloseOfARunningCalculationHangs()
 void TestClosing::calculationThatStartsAfterTheWindowHasGoneHarmsNothing()
 {
     endsWithStatus0("queued");
+}
+
+void TestClosing::sweepThatIsStillRunningLetsTheProgramEnd()
+{
+    endsWithStatus0("sweep");
+}
+
+void TestClosing::measurementThatIsStillRunningLetsTheProgramEnd()
+{
+    endsWithStatus0("measuring");
+}
+
+void TestClosing::presetThatIsStillRunningLetsTheProgramEnd()
+{
+    endsWithStatus0("presetting");
+}
+
+void TestClosing::otherWindowsDoNotKeepTheProgramAlive()
+{
+    endsWithStatus0("windows");
 }
 
 QTEST_GUILESS_MAIN(TestClosing)

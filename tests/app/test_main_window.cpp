@@ -108,6 +108,7 @@ void TestMainWindow::calculationEndsValidWithItsCrestFactor()
     QVERIFY(operate->isEnabled("calc_fft_button"));
     QCOMPARE(operate->text("crest_factor_output"), QStringLiteral("18.0618 dB"));
     QVERIFY(window->findChild<QAction*>("actionSave_Waveform")->isEnabled());
+    QVERIFY(window->findChild<QAction*>("actionLoad_SAN_Mag")->isEnabled());
 }
 
 void TestMainWindow::calculationWithoutAFileEndsInvalid()
@@ -147,6 +148,7 @@ void TestMainWindow::parametersOfTheSignalInvalidateIt()
     deed(*operate);
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
     QVERIFY(!window->findChild<QAction*>("actionSave_Waveform")->isEnabled());
+    QVERIFY(!window->findChild<QAction*>("actionLoad_SAN_Mag")->isEnabled());
 }
 
 void TestMainWindow::inputsThatOnlyPrepareDoNotInvalidate_data()

@@ -44,7 +44,7 @@ private slots:
     void theTabOrderFollowsThePanel();
     void theMenusHaveTheirEntries();
     void theEntriesHaveTheirObjectsAndShortcuts();
-    void entriesOfMissingDialogsAreDisabled();
+    void everyEntryIsEnabled();
     void decimalPointsDoNotDependOnTheSystem();
     void labelsNameTheirFieldsForScreenReaders();
 
@@ -319,13 +319,11 @@ void TestMainWindowForm::theEntriesHaveTheirObjectsAndShortcuts()
     }
 }
 
-void TestMainWindowForm::entriesOfMissingDialogsAreDisabled()
+void TestMainWindowForm::everyEntryIsEnabled()
 {
-    for (const QAction* action : {ui->actionOptimize_Crest_Fector, ui->actionLoad_SAN_Mag}) {
-        QVERIFY2(!action->isEnabled(), qPrintable(action->text()));
+    for (const QAction* action : window->findChildren<QAction*>()) {
+        QVERIFY2(action->isEnabled(), qPrintable(action->text()));
     }
-    QVERIFY(ui->actionHelp->isEnabled());
-    QVERIFY(ui->actionAbout->isEnabled());
 }
 
 void TestMainWindowForm::decimalPointsDoNotDependOnTheSystem()

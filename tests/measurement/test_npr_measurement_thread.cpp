@@ -236,6 +236,16 @@ void TestNprMeasurementThread::aConnectionOfItsOwnIsKeptUntilTheRecordHasIt()
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 2);
     QCOMPARE(device.connectionCount(), 1);
+    // Once the record had it, a record without a connection means that it was given up.
+    Analyzer heard;
+    heard.init();
+    thread.offerAnalyzer(heard);
+    thread.requestSingleMeasurement();
+    QTRY_COMPARE(finished.count(), 3);
+    thread.offerAnalyzer(Analyzer());
+    thread.requestSingleMeasurement();
+    QTRY_COMPARE(finished.count(), 4);
+    QCOMPARE(device.connectionCount(), 3);
 }
 
 void TestNprMeasurementThread::aMissingVisaLibraryIsReported()

@@ -1,0 +1,57 @@
+// "Load SAN Mag": shows a stored analyzer trace and the polynomial fitted to it, and offers both
+// as the correction of the magnitude. Reading and fitting run on the thread pool; the curves and
+// their buttons come when they are ready. A file that offers nothing leaves "---" and "Cancel".
+//
+// Deletes itself when it closes, whether a job still runs or not. Main thread only.
+#pragma once
+
+#include <QDialog>
+#include <QVector>
+
+#include <memory>
+
+class TraceJob;
+struct MeasurementSetup;
+
+namespace Ui {
+class LoadTraceDialog;
+}
+
+class LoadTraceDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    // Starts reading at once and doesn't wait. setup outlives the dialog.
+    LoadTraceDialog(const QString& fileName, MeasurementSetup* setup, QWidget* parent = nullptr);
+    ~LoadTraceDialog() override;
+
+signals:
+    // The correction stands in the dialog.
+    void directLoaded();
+    void polyLoaded();
+
+public slots:
+    void newDirect();
+    void newPoly();
+    // Put the correction into the record, switch it on and close.
+    void on_load_poly_button_clicked();
+    void on_load_direct_button_clicked();
+    void on_cancel_button_clicked();
+
+private:
+    void load();
+    void storeDirect(const QVector<double>& frequencies, const QVector<double>& correction);
+    void storePoly(const QVector<double>& lines, const QVector<double>& correction);
+    void take(QVector<double>& correction);
+
+    std::unique_ptr<Ui::LoadTraceDialog> ui;
+    MeasurementSetup* setup;
+    QVector<double> directTrace;      // dB, one value a line
+    QVector<double> polyTrace;        // dB, one value a line
+    QVector<double> lineFrequencies;  // Hz from the centre
+    QVector<double> traceFrequencies; // Hz from the trace's centre
+    quint64 pointCount = 0;
+    QString fileName;
+    std::shared_ptr<TraceJob> job;
+};

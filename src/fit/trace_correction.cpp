@@ -1,0 +1,152 @@
+#include "fit/trace_correction.h"
+
+#include "fit/polyfit.h"
+
+#include <QtConcurrent>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr quint32 degree = 20;
+constexpr int linesPerTask = 16384;
+
+// The points that the fit sees, and the frequency that scales them.
+struct Overlap
+{
+    QVector<double> frequencies;
+    QVector<double> levels;
+    double norm = 1.0;
+};
+
+struct Polynomial
+{
+    QVector<double> coefficients;
+    double norm;
+    double top; // the correction is the distance below it
+};
+
+struct LineRange
+{
+    int begin;
+    int end;
+};
+
+// Both ends start at 0: a trace that ends below the last line leaves last there, and then one
+// point or none is left. Deliberate: such a trace offers no polynomial, and the dialog relies
+// on that instead of extrapolating.
+Overlap overlapWith(const QVector<double>& lines, const AnalyzerTrace& trace)
+{
+    int first = 0;
+    int last = 0;
+    bool firstFound = false;
+    for (int k = 0; k < trace.pointCount(); ++k) {
+        const double frequency = trace.frequencies.at(k);
+        if (frequency < lines.first()) {
+            continue;
+        }
+        if (frequency >= lines.last()) {
+            last = k;
+            break;
+        }
+        if (!firstFound) {
+            first = k;
+            firstFound = true;
+        }
+    }
+    const int count = last - first + 1;
+    if (count < 1) {
+        return {};
+    }
+    // Deliberate: the norm is element count - 1 of the whole trace, not of the part that
+    // overlaps. Corrections that operators have stored signals with rely on these bits.
+    return {trace.frequencies.mid(first, count), trace.levels.mid(first, count),
+            trace.frequencies.at(count - 1)};
+}
+
+double valueAscending(const QVector<double>& coefficients, double x)
+{
+    double value = 0.0;
+    double power = 1.0;
+    for (const double coefficient : coefficients) {
+        value += coefficient * power;
+        power *= x;
+    }
+    return value;
+}
+
+// The power of 2 by multiplication, the others by pow: this fixes the bits of the correction.
+double valueDescending(const QVector<double>& coefficients, double x)
+{
+    double value = 0.0;
+    for (int k = coefficients.size() - 1; k >= 0; --k) {
+        value += coefficients.at(k) * (k == 2 ? x * x : std::pow(x, double(k)));
+    }
+    return value;
+}
+
+Polynomial fitTo(const Overlap& points)
+{
+    QVector<double> scaled = points.frequencies;
+    for (double& frequency : scaled) {
+        frequency /= points.norm;
+    }
+    Polynomial fit{polyfit(scaled, points.levels, degree), points.norm, 0.0};
+    for (const double x : qAsConst(scaled)) {
+        const double value = valueAscending(fit.coefficients, x);
+        if (value > fit.top) {
+            fit.top = value;
+        }
+    }
+    return fit;
+}
+
+QVector<LineRange> tasksFor(int lineCount)
+{
+    QVector<LineRange> tasks;
+    for (int begin = 0; begin < lineCount; begin += linesPerTask) {
+        tasks.append({begin, std::min(begin + linesPerTask, lineCount)});
+    }
+    return tasks;
+}
+
+} // namespace
+
+QVector<double> lineFrequencies(int lineCount, double sampleRate, double lineSpacing)
+{
+    QVector<double> lines(lineCount);
+    for (int i = 0; i < lineCount; ++i) {
+        lines[i] = i * lineSpacing - sampleRate * 0.5;
+    }
+    return lines;
+}
+
+QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount)
+{
+    double top = 0.0;
+    for (const double level : trace.levels) {
+        if (level > top) {
+            top = level;
+        }
+    }
+    QVector<double> correction(lineCount, 0.0);
+    for (int i = 0; i < trace.pointCount(); ++i) {
+        correction[i] = top - trace.levels.at(i);
+    }
+    return correction;
+}
+
+QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<double>& lines)
+{
+    const Polynomial fit = fitTo(overlapWith(lines, trace));
+    QVector<double> correction(lines.size());
+    double* values = correction.data(); // detached here, on one thread
+    QVector<LineRange> tasks = tasksFor(lines.size());
+    QtConcurrent::blockingMap(tasks, [&](const LineRange& task) {
+        for (int i = task.begin; i < task.end; ++i) {
+            values[i] = fit.top - valueDescending(fit.coefficients, lines.at(i) / fit.norm);
+        }
+    });
+    return correction;
+}

@@ -1,0 +1,338 @@
+// The bottom row of the window with an instrument at the other end of the line.
+#include "app/main_window.h"
+#include "remote/ko_remote_exception.h"
+#include "support/fresh_home.h"
+#include "support/scripted_instrument.h"
+#include "support/window_driver.h"
+
+#include <QTabWidget>
+#include <QTemporaryDir>
+#include <QThreadPool>
+
+class TestMainWindowMeasurement : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void withoutANotchNothingCanBeMeasured();
+    void pickingANotchBeforeAnyConnectionOpensABox();
+    void aPickedNotchTunesTheAnalyzer();
+    void aMeasurementShowsItsThreeNumbers();
+    void continuousMeasurementGreysItsButtonsOut();
+    void changingTheModeKeepsTheSignalValid();
+    void loadingAConfigurationEndsContinuousMeasurement();
+    void connectionsOfAReplacedRecordStayOpen();
+    void aFailedPresetOpensNoBox();
+    void aFailureOnTheMainThreadOpensABox();
+    void aFailedReadingOpensNoBoxAndKeepsTheLabels();
+    void thePresetsConnectionsAreTheRecords();
+    void aGeneratorFrequencyMovesTheTable();
+    void closingEndsEveryWindow();
+    void closingDuringAPresetIsNotHeldUp();
+
+private:
+    WindowDriver devicesDriver() const;
+    void makeNotches();
+    void initAnalyzer();
+
+    std::unique_ptr<ScriptedInstrument> device;
+    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowDriver> operate;
+};
+
+namespace {
+
+const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
+const char droppedFailure[] =
+    "QObject::connect: Cannot queue arguments of type 'KORemoteException*'";
+
+} // namespace
+
+void TestMainWindowMeasurement::init()
+{
+    forgetSavedSettings();
+    device = std::make_unique<ScriptedInstrument>();
+    device->answer("*IDN?", "ACME,42\n");
+    device->answer(acpQuery, "-10.126,-0.5,-43.75\n");
+    window = std::make_unique<MainWindow>();
+    operate = std::make_unique<WindowDriver>(*window);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+}
+
+void TestMainWindowMeasurement::cleanup()
+{
+    operate.reset();
+    window.reset();
+    QThreadPool::globalInstance()->waitForDone();
+    device.reset();
+}
+
+WindowDriver TestMainWindowMeasurement::devicesDriver() const
+{
+    operate->trigger("actionDevices");
+    QWidget* dialog = nullptr;
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        if (each->windowTitle() == "Devices" && each->isVisible()) {
+            dialog = each;
+        }
+    }
+    Q_ASSERT(dialog != nullptr);
+    return WindowDriver(*dialog);
+}
+
+void TestMainWindowMeasurement::makeNotches()
+{
+    operate->type("notch_count_input", "3");
+    operate->type("notch_width_input", "1");
+    operate->type("notch_offset_input", "10");
+    operate->click("autocalc_notches_button");
+    QCOMPARE(operate->rowCount(), 3);
+}
+
+void TestMainWindowMeasurement::initAnalyzer()
+{
+    const WindowDriver devices = devicesDriver();
+    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    devices.click("a_init");
+    QTRY_COMPARE(devices.text("a_message"), QString("ACME,42"));
+    devices.window.close();
+    device->takeReceivedUpTo("&GTL\n");
+}
+
+void TestMainWindowMeasurement::withoutANotchNothingCanBeMeasured()
+{
+    QVERIFY(operate->isEnabled("preset_button"));
+    QVERIFY(!operate->isEnabled("measure_button"));
+    QVERIFY(!operate->isEnabled("measure_mode"));
+    operate->type("measure_notch", "1"); // there is none to pick
+    QCOMPARE(operate->text("measure_notch"), QString("0"));
+}
+
+void TestMainWindowMeasurement::pickingANotchBeforeAnyConnectionOpensABox()
+{
+    makeNotches();
+    QString title;
+    QString text;
+    operate->onNext<QMessageBox>([&](QMessageBox* box) {
+        title = box->windowTitle();
+        text = box->text();
+        box->button(QMessageBox::Ok)->click();
+    });
+    operate->type("measure_notch", "2");
+    QTRY_COMPARE(text, QString("Analyzer is not initialized!"));
+    QCOMPARE(title, QString("Remote Error"));
+    QTRY_COMPARE(operate->text("measure_notch"), QString("0"));
+    QVERIFY(!operate->isEnabled("measure_button"));
+}
+
+void TestMainWindowMeasurement::aPickedNotchTunesTheAnalyzer()
+{
+    makeNotches();
+    initAnalyzer();
+    operate->type("measure_notch", "3");
+    const QByteArray sent = device->takeReceivedUpTo("&GTL\n");
+    QVERIFY(sent.startsWith("FREQ:CENT "));
+    QVERIFY(sent.contains("\nPOW:ACH:SPAC "));
+    QVERIFY(operate->isEnabled("measure_button"));
+    QVERIFY(operate->isEnabled("measure_mode"));
+    const auto rows = operate->find<QTableView>("main_table")->selectionModel()->selectedRows();
+    QCOMPARE(rows.size(), 1);
+    QCOMPARE(rows.at(0).row(), 2);
+}
+
+void TestMainWindowMeasurement::aMeasurementShowsItsThreeNumbers()
+{
+    makeNotches();
+    initAnalyzer();
+    operate->type("measure_notch", "1");
+    operate->click("measure_button");
+    QTRY_COMPARE(operate->text("signal_power"), QString("-10.13"));
+    QCOMPARE(operate->text("npr_lower"), QString("-0.50"));
+    QCOMPARE(operate->text("npr_upper"), QString("-43.75"));
+    QVERIFY(operate->isEnabled("measure_button"));
+}
+
+void TestMainWindowMeasurement::continuousMeasurementGreysItsButtonsOut()
+{
+    makeNotches();
+    initAnalyzer();
+    operate->type("measure_notch", "1");
+    operate->pick("measure_mode", 0);
+    QVERIFY(!operate->isEnabled("measure_button"));
+    QVERIFY(!operate->isEnabled("preset_button"));
+    QTRY_COMPARE(operate->text("npr_upper"), QString("-43.75"));
+    device->answer(acpQuery, "1,2,3\n");
+    QTRY_COMPARE(operate->text("npr_upper"), QString("3.00"));
+    operate->pick("measure_mode", 1);
+    QVERIFY(operate->isEnabled("measure_button"));
+    QVERIFY(operate->isEnabled("preset_button"));
+}
+
+void TestMainWindowMeasurement::changingTheModeKeepsTheSignalValid()
+{
+    makeNotches();
+    initAnalyzer();
+    operate->click("calc_fft_button");
+    QTRY_COMPARE_WITH_TIMEOUT(operate->text("fft_status_label"), QString("Data valid"), 20000);
+    operate->type("measure_notch", "1");
+    operate->pick("measure_mode", 0);
+    operate->pick("measure_mode", 1);
+    QCOMPARE(operate->text("fft_status_label"), QString("Data valid"));
+}
+
+void TestMainWindowMeasurement::loadingAConfigurationEndsContinuousMeasurement()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("a.cfg");
+    makeNotches();
+    operate->answerFileDialog(file);
+    operate->trigger("actionSave_Cfg_File");
+    initAnalyzer();
+    operate->type("measure_notch", "1");
+    operate->pick("measure_mode", 0);
+    QTRY_COMPARE(operate->text("npr_upper"), QString("-43.75"));
+    operate->answerFileDialog(file);
+    operate->trigger("actionLoad_Cfg_File");
+    QCOMPARE(operate->text("measure_mode"), QString("Single"));
+    QCOMPARE(operate->text("measure_notch"), QString("0"));
+    QVERIFY(operate->isEnabled("preset_button"));
+    // Never connected: the next notch asks for it.
+    QString text;
+    operate->onNext<QMessageBox>([&](QMessageBox* box) {
+        text = box->text();
+        box->button(QMessageBox::Ok)->click();
+    });
+    operate->type("measure_notch", "1");
+    QTRY_COMPARE(text, QString("Analyzer is not initialized!"));
+}
+
+void TestMainWindowMeasurement::connectionsOfAReplacedRecordStayOpen()
+{
+    const QTemporaryDir folder;
+    const QString file = folder.filePath("a.cfg");
+    operate->answerFileDialog(file);
+    operate->trigger("actionSave_Cfg_File");
+    initAnalyzer();
+    QTRY_COMPARE(device->openConnections(), 1);
+    operate->answerFileDialog(file);
+    operate->trigger("actionLoad_Cfg_File");
+    initAnalyzer();
+    QTRY_COMPARE(device->connectionCount(), 2);
+    QCOMPARE(device->openConnections(), 2);
+}
+
+void TestMainWindowMeasurement::aFailedPresetOpensNoBox()
+{
+    const WindowDriver devices = devicesDriver();
+    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    devices.find<QComboBox>("a_interface")->setCurrentIndex(0); // needs VISA, which is not there
+    QTest::ignoreMessage(QtWarningMsg, droppedFailure);
+    operate->click("preset_button");
+    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
+    QCoreApplication::processEvents();
+    QVERIFY(QApplication::activeModalWidget() == nullptr);
+    // What the job found out stands in the record, and the next refresh shows it.
+    devices.type("a_level", "-10");
+    QCOMPARE(devices.text("a_message"), QString("Could not load VISA"));
+}
+
+void TestMainWindowMeasurement::aFailureOnTheMainThreadOpensABox()
+{
+    QString title;
+    QString text;
+    operate->onNext<QMessageBox>([&](QMessageBox* box) {
+        title = box->windowTitle();
+        text = box->text();
+        box->button(QMessageBox::Ok)->click();
+    });
+    KORemoteException failure("the far end is on fire");
+    emit window->remoteError(&failure);
+    QTRY_COMPARE(text, QString("the far end is on fire"));
+    QCOMPARE(title, QString("Error"));
+}
+
+void TestMainWindowMeasurement::aFailedReadingOpensNoBoxAndKeepsTheLabels()
+{
+    makeNotches();
+    initAnalyzer();
+    operate->type("measure_notch", "1");
+    operate->click("measure_button");
+    QTRY_COMPARE(operate->text("npr_upper"), QString("-43.75"));
+    const WindowDriver devices = devicesDriver();
+    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    devices.find<QComboBox>("a_interface")->setCurrentIndex(0);
+    devices.click("a_init");
+    QTRY_COMPARE(devices.text("a_message"), QString("Could not load VISA"));
+    QTest::ignoreMessage(QtWarningMsg, droppedFailure);
+    operate->click("measure_button");
+    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
+    QCoreApplication::processEvents();
+    QVERIFY(QApplication::activeModalWidget() == nullptr);
+    QCOMPARE(operate->text("npr_upper"), QString("-43.75"));
+    QVERIFY(operate->isEnabled("measure_button"));
+}
+
+void TestMainWindowMeasurement::thePresetsConnectionsAreTheRecords()
+{
+    makeNotches();
+    operate->click("preset_button");
+    QVERIFY(device->takeReceivedUpTo("RLEV -20.000\n&GTL\n").contains("SENS:DET1:FUNC RMS\n"));
+    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
+    QCoreApplication::processEvents();
+    operate->type("measure_notch", "1");
+    QVERIFY(device->takeReceivedUpTo("&GTL\n").startsWith("FREQ:CENT"));
+    operate->click("measure_button");
+    QTRY_COMPARE(operate->text("npr_upper"), QString("-43.75"));
+    QCOMPARE(device->connectionCount(), 2); // analyzer and generator, once each
+    const WindowDriver devices = devicesDriver();
+    devices.type("g_level", "-10"); // a preset is followed by no refresh of its own
+    QVERIFY(devices.isEnabled("g_set"));
+    QVERIFY(devices.isEnabled("a_set"));
+    QVERIFY(!devices.isEnabled("m_set"));
+}
+
+void TestMainWindowMeasurement::aGeneratorFrequencyMovesTheTable()
+{
+    makeNotches();
+    const double before = operate->cell(0, 0).toDouble();
+    const WindowDriver devices = devicesDriver();
+    auto* edit = devices.find<QLineEdit>("g_frequency");
+    edit->setFocus();
+    edit->selectAll();
+    QTest::keyClicks(edit, "1000");
+    QTest::keyClick(edit, Qt::Key_Return);
+    QCOMPARE(operate->cell(0, 0).toDouble(), before + 1000.0);
+}
+
+void TestMainWindowMeasurement::closingEndsEveryWindow()
+{
+    const WindowDriver devices = devicesDriver();
+    QVERIFY(devices.window.isVisible());
+    operate->trigger("actionAbout");
+    window->close();
+    QCoreApplication::processEvents();
+    for (const QWidget* each : QApplication::topLevelWidgets()) {
+        QVERIFY2(!each->isVisible(), qPrintable(each->windowTitle()));
+    }
+}
+
+void TestMainWindowMeasurement::closingDuringAPresetIsNotHeldUp()
+{
+    device->answer("*IDN?", {{500, "slow\n"}});
+    operate->click("preset_button");
+    QTRY_VERIFY(device->connectionCount() > 0);
+    QElapsedTimer timer;
+    timer.start();
+    window->close();
+    operate.reset();
+    window.reset();
+    QVERIFY(timer.elapsed() < 400);
+    QThreadPool::globalInstance()->waitForDone();
+}
+
+QTEST_MAIN(TestMainWindowMeasurement)
+#include "test_main_window_measurement.moc"

@@ -1,0 +1,349 @@
+// The trace dialog, operated by clicks, on files that the test writes.
+#include "fit/load_trace_dialog.h"
+#include "fit/trace_widget.h"
+#include "setup/measurement_setup.h"
+#include "support/window_driver.h"
+
+#include <QPointer>
+#include <QSemaphore>
+#include <QTemporaryDir>
+#include <QThreadPool>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+struct Heartbeat
+{
+    // Keeps the longest time that the event loop was away.
+    Heartbeat()
+    {
+        QObject::connect(&timer, &QTimer::timeout, &timer,
+                         [this] { longest = std::max(longest, sinceLast.restart()); });
+        sinceLast.start();
+        timer.start(1);
+    }
+
+    QTimer timer;
+    QElapsedTimer sinceLast;
+    qint64 longest = 0; // ms
+};
+
+} // namespace
+
+class TestLoadTraceDialog : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void theFormIsAsLaidOut();
+    void labelsShowThePointsAndTheSpan();
+    void directComesBeforeThePolynomial();
+    void loadDirectStoresTheTracePointByPoint();
+    void loadPolynomialStoresTheCurveAtTheLines();
+    void cancelKeepsTheRecord();
+    void aFileThatOffersNothingLeavesOnlyCancel_data();
+    void aFileThatOffersNothingLeavesOnlyCancel();
+    void signalsFromFilesAreOfferedNothing_data();
+    void signalsFromFilesAreOfferedNothing();
+    void aSinglePointInsideOffersAPolynomialOfNoNumbers();
+    void morePointsThanLinesStopAtTheLines();
+    void aDialogClosedDuringTheJobIsNotTouched();
+    void chartIsUpHalfASecondAfterTheFit();
+    void theLongestSignalKeepsTheWindowAnswering();
+
+private:
+    QString writeTrace(const QByteArray& content);
+    static QByteArray tiltedTrace(int points, double centre, double span);
+    void openDialog(const QString& fileName);
+    const QVector<QtCharts::QLineSeries*>& curves() const
+    {
+        return operate->find<TraceWidget>("trace")->series();
+    }
+    bool isUntouched() const
+    {
+        return setup->compensationTrace.isEmpty() && !setup->traceLoaded && !setup->compensate;
+    }
+
+    std::unique_ptr<QTemporaryDir> folder;
+    std::unique_ptr<MeasurementSetup> setup; // 1024 lines over 100 MHz
+    QPointer<LoadTraceDialog> dialog;
+    std::unique_ptr<WindowDriver> operate;
+};
+
+void TestLoadTraceDialog::init()
+{
+    folder = std::make_unique<QTemporaryDir>();
+    setup = std::make_unique<MeasurementSetup>();
+    setup->fftLengthIndex = 12;
+    setup->signal.reset(1024);
+}
+
+void TestLoadTraceDialog::cleanup()
+{
+    operate.reset();
+    delete dialog;
+    QThreadPool::globalInstance()->waitForDone();
+    setup.reset();
+}
+
+QString TestLoadTraceDialog::writeTrace(const QByteArray& content)
+{
+    QFile file(folder->filePath(QStringLiteral("trace.txt")));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+        qFatal("no room for the test's file");
+    }
+    return file.fileName();
+}
+
+// From -15 dB at the low end to -5 dB at the high end.
+QByteArray TestLoadTraceDialog::tiltedTrace(int points, double centre, double span)
+{
+    QByteArray content;
+    for (int i = 0; i < points; ++i) {
+        const double place = double(i) / (points - 1);
+        content += QByteArray::number(centre + (place - 0.5) * span, 'g', 15) + ';' +
+                   QByteArray::number(-15.0 + 10.0 * place, 'g', 15) + ";\r\n";
+    }
+    return content;
+}
+
+void TestLoadTraceDialog::openDialog(const QString& fileName)
+{
+    dialog = new LoadTraceDialog(fileName, setup.get());
+    operate = std::make_unique<WindowDriver>(*dialog);
+    dialog->show();
+    QVERIFY(QTest::qWaitForWindowExposed(dialog));
+}
+
+void TestLoadTraceDialog::theFormIsAsLaidOut()
+{
+    openDialog(folder->filePath("missing.txt"));
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Load SAN Mag"));
+    QCOMPARE(dialog->size(), QSize(738, 565));
+    QVERIFY(dialog->windowFlags().testFlag(Qt::WindowTitleHint));
+    QVERIFY(dialog->windowFlags().testFlag(Qt::WindowCloseButtonHint));
+    QVERIFY(
+        !(dialog->windowFlags() & (Qt::WindowMinMaxButtonsHint | Qt::WindowContextHelpButtonHint)));
+    QVERIFY(dialog->testAttribute(Qt::WA_DeleteOnClose));
+    QCOMPARE(operate->text("length"), QStringLiteral("---"));
+    QCOMPARE(operate->text("sample_rate"), QStringLiteral("---"));
+    QCOMPARE(operate->text("length_label"), QStringLiteral("Length:"));
+    QCOMPARE(operate->text("sample_rate_label"), QStringLiteral("Sample Rate:"));
+    const struct
+    {
+        const char* button;
+        const char* text;
+        int minimumWidth;
+        bool enabled;
+    } buttons[] = {
+        {"load_poly_button", "Load Polynomial", 100, false},
+        {"load_direct_button", "Load Direct", 100, false},
+        {"cancel_button", "Cancel", 50, true},
+    };
+    for (const auto& expected : buttons) {
+        const auto* button = operate->find<QPushButton>(expected.button);
+        QCOMPARE(button->text(), QString::fromLatin1(expected.text));
+        QCOMPARE(button->minimumWidth(), expected.minimumWidth);
+        QCOMPARE(button->isEnabled(), expected.enabled);
+        QVERIFY(button->height() <= 20);
+        QVERIFY(button->height() >= button->fontMetrics().height());
+    }
+    QVERIFY(operate->find<QLabel>("length")->parentWidget()->height() <= 33);
+    QVERIFY(operate->find<QLabel>("length")->geometry().bottom() <= 33);
+}
+
+void TestLoadTraceDialog::labelsShowThePointsAndTheSpan()
+{
+    openDialog(writeTrace(tiltedTrace(1001, 1.05e9, 100e6)));
+    QTRY_COMPARE(operate->text("length"), QStringLiteral("1001"));
+    // Deliberate: the span stands under "Sample Rate:".
+    QCOMPARE(operate->text("sample_rate"), QStringLiteral("1e+08 Hz"));
+}
+
+void TestLoadTraceDialog::directComesBeforeThePolynomial()
+{
+    dialog = new LoadTraceDialog(writeTrace(tiltedTrace(1001, 1.05e9, 100e6)), setup.get());
+    operate = std::make_unique<WindowDriver>(*dialog);
+    const QSignalSpy poly(dialog, &LoadTraceDialog::polyLoaded);
+    bool polyWasOfferedFirst = false;
+    connect(dialog, &LoadTraceDialog::directLoaded, this,
+            [&] { polyWasOfferedFirst = operate->isEnabled("load_poly_button"); });
+    QTRY_COMPARE(poly.count(), 1);
+    QVERIFY(!polyWasOfferedFirst);
+    QVERIFY(operate->isEnabled("load_direct_button"));
+    QVERIFY(operate->isEnabled("load_poly_button"));
+    QCOMPARE(curves().size(), 2);
+    QCOMPARE(curves().at(0)->name(), QStringLiteral("Direct"));
+    QCOMPARE(curves().at(1)->name(), QStringLiteral("Polynomial"));
+    // Trace and lines run over the same span, from the centre.
+    QCOMPARE(curves().at(0)->count(), 1001);
+    QCOMPARE(curves().at(0)->at(0), QPointF(-50e6, 15.0));
+    QCOMPARE(curves().at(1)->count(), 1024);
+    QCOMPARE(curves().at(1)->at(0).x(), -50e6);
+    QVERIFY(std::fabs(curves().at(1)->at(512).y() - 10.0) < 1e-6);
+}
+
+void TestLoadTraceDialog::loadDirectStoresTheTracePointByPoint()
+{
+    openDialog(writeTrace("0;-10\n1;-20\n2;-30\n"));
+    QTRY_VERIFY(operate->isEnabled("load_direct_button"));
+    operate->click("load_direct_button");
+    QCOMPARE(setup->compensationTrace.size(), 1024);
+    QCOMPARE(setup->compensationTrace.mid(0, 5), QVector<double>({10, 20, 30, 0, 0}));
+    QVERIFY(setup->traceLoaded);
+    QVERIFY(setup->compensate);
+    QTRY_VERIFY(dialog.isNull());
+}
+
+void TestLoadTraceDialog::loadPolynomialStoresTheCurveAtTheLines()
+{
+    openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
+    QTRY_VERIFY(operate->isEnabled("load_poly_button"));
+    operate->click("load_poly_button");
+    QCOMPARE(setup->compensationTrace.size(), 1024);
+    for (int i = 0; i < 1024; ++i) {
+        const double level = -15.0 + 10.0 * i / 1024.0;
+        QVERIFY(std::fabs(setup->compensationTrace.at(i) + level) < 1e-6);
+    }
+    QVERIFY(setup->traceLoaded);
+    QVERIFY(setup->compensate);
+    QTRY_VERIFY(dialog.isNull());
+}
+
+void TestLoadTraceDialog::cancelKeepsTheRecord()
+{
+    openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
+    QTRY_VERIFY(operate->isEnabled("load_poly_button"));
+    operate->click("cancel_button");
+    QTRY_VERIFY(dialog.isNull());
+    QVERIFY(isUntouched());
+}
+
+void TestLoadTraceDialog::aFileThatOffersNothingLeavesOnlyCancel_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("missing") << QStringLiteral("missing.txt");
+    QTest::newRow("empty") << QStringLiteral("trace.txt");
+    QTest::newRow("a folder") << QStringLiteral(".");
+}
+
+void TestLoadTraceDialog::aFileThatOffersNothingLeavesOnlyCancel()
+{
+    QFETCH(QString, name);
+    writeTrace("");
+    openDialog(folder->filePath(name));
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    QCOMPARE(operate->text("length"), QStringLiteral("---"));
+    QVERIFY(!operate->isEnabled("load_direct_button"));
+    QVERIFY(!operate->isEnabled("load_poly_button"));
+    operate->click("cancel_button");
+    QTRY_VERIFY(dialog.isNull());
+    QVERIFY(isUntouched());
+}
+
+void TestLoadTraceDialog::signalsFromFilesAreOfferedNothing_data()
+{
+    QTest::addColumn<int>("customSource");
+    QTest::newRow("magnitude and phase") << 1;
+    QTest::newRow("samples") << 2;
+}
+
+void TestLoadTraceDialog::signalsFromFilesAreOfferedNothing()
+{
+    QFETCH(int, customSource);
+    setup->customSource = customSource;
+    openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    QCOMPARE(operate->text("length"), QStringLiteral("---"));
+    QCOMPARE(operate->text("sample_rate"), QStringLiteral("---"));
+    QVERIFY(!operate->isEnabled("load_direct_button"));
+    QVERIFY(!operate->isEnabled("load_poly_button"));
+    QVERIFY(curves().isEmpty());
+}
+
+void TestLoadTraceDialog::aSinglePointInsideOffersAPolynomialOfNoNumbers()
+{
+    openDialog(writeTrace(tiltedTrace(101, 1e9, 60e6)));
+    QTRY_VERIFY(operate->isEnabled("load_poly_button"));
+    QCOMPARE(curves().size(), 2);
+    operate->click("load_poly_button");
+    QCOMPARE(setup->compensationTrace.size(), 1024);
+    QVERIFY(!std::isfinite(setup->compensationTrace.first()));
+}
+
+void TestLoadTraceDialog::morePointsThanLinesStopAtTheLines()
+{
+    openDialog(writeTrace(tiltedTrace(3000, 1e9, 300e6)));
+    QTRY_COMPARE(operate->text("length"), QStringLiteral("1024"));
+    QTRY_VERIFY(operate->isEnabled("load_direct_button"));
+    operate->click("load_direct_button");
+    QCOMPARE(setup->compensationTrace.size(), 1024);
+}
+
+void TestLoadTraceDialog::aDialogClosedDuringTheJobIsNotTouched()
+{
+    QSemaphore gate;
+    QThreadPool* pool = QThreadPool::globalInstance();
+    const int threads = pool->maxThreadCount();
+    pool->setMaxThreadCount(1);
+    pool->start([&gate] { gate.acquire(); });
+    openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
+    dialog->close(); // before the job has begun
+    QTRY_VERIFY(dialog.isNull());
+    gate.release();
+    pool->setMaxThreadCount(threads);
+    pool->waitForDone();
+    QCoreApplication::processEvents();
+
+    // At some place in the middle, and with its results already on their way.
+    openDialog(writeTrace(tiltedTrace(1001, 2e9, 100e6)));
+    dialog->close();
+    pool->waitForDone();
+    QTRY_VERIFY(dialog.isNull());
+    QVERIFY(isUntouched());
+}
+
+void TestLoadTraceDialog::chartIsUpHalfASecondAfterTheFit()
+{
+    setup->fftLengthIndex = 5;
+    setup->signal.reset(131072);
+    openDialog(writeTrace(tiltedTrace(1001, 1e9, 100e6)));
+    // From the arrival of the fit, in one turn of the event loop, to the painted chart.
+    QElapsedTimer sinceTheFit;
+    qint64 shownAfter = -1;
+    connect(dialog, &LoadTraceDialog::polyLoaded, this, [&] {
+        dialog->grab();
+        shownAfter = sinceTheFit.elapsed();
+    });
+    auto* timer = new QTimer(dialog);
+    connect(timer, &QTimer::timeout, this, [&] { sinceTheFit.start(); });
+    timer->start(0);
+    QTRY_VERIFY(shownAfter >= 0);
+    QCOMPARE(curves().last()->count(), 131072);
+    QVERIFY2(shownAfter < 500, qPrintable(QString::number(shownAfter)));
+}
+
+void TestLoadTraceDialog::theLongestSignalKeepsTheWindowAnswering()
+{
+    setup->fftLengthIndex = 0;
+    setup->signal.reset(4194304);
+    openDialog(writeTrace(tiltedTrace(1001, 1e9, 100e6)));
+    Heartbeat heartbeat;
+    QTRY_VERIFY_WITH_TIMEOUT(operate->isEnabled("load_poly_button"), 60000);
+    QTest::qWait(50); // the paints that follow
+    QCOMPARE(curves().last()->count(), 4194304);
+    dialog->resize(900, 700);
+    QTest::qWait(50);
+    QVERIFY2(heartbeat.longest < 2000, qPrintable(QString::number(heartbeat.longest)));
+    operate->click("load_poly_button");
+    QCOMPARE(setup->compensationTrace.size(), 4194304);
+}
+
+QTEST_MAIN(TestLoadTraceDialog)
+#include "test_load_trace_dialog.moc"

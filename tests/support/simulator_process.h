@@ -1,0 +1,59 @@
+// The simulated bench as a process of its own: the program notchbench-simulator.
+#pragma once
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QtTest>
+
+class SimulatorProcess
+{
+public:
+    // Starts it and waits until it listens. signalPort is the status server that it plays.
+    SimulatorProcess(quint16 signalPort, const QStringList& options)
+    {
+        process.start(QStringLiteral(NOTCHBENCH_SIMULATOR),
+                      QStringList{"--verbose", "--signal-port", QString::number(signalPort)} +
+                          options);
+        ready = QTest::qWaitFor(
+            [this] {
+                out += process.readAllStandardOutput();
+                return out.contains("listening on");
+            },
+            10000);
+    }
+    ~SimulatorProcess()
+    {
+        process.terminate();
+        if (!process.waitForFinished(5000)) {
+            process.kill();
+            process.waitForFinished();
+        }
+    }
+
+    bool isReady() const { return ready; }
+
+    // Waits until a line with this text has come since the last call.
+    bool logs(const QByteArray& text, int limitMs = 20000)
+    {
+        const bool found = QTest::qWaitFor(
+            [&] {
+                log += process.readAllStandardError();
+                return log.contains(text);
+            },
+            limitMs);
+        log.clear();
+        return found;
+    }
+
+    void kill()
+    {
+        process.kill();
+        process.waitForFinished();
+    }
+
+private:
+    QProcess process;
+    QByteArray out;
+    QByteArray log;
+    bool ready = false;
+};
