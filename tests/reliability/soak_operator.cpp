@@ -1,6 +1,8 @@
 #include "reliability/soak_operator.h"
 
+#include "fit/load_trace_dialog.h"
 #include "setup/config_file.h"
+#include "signal/crest_factor_dialog.h"
 
 #include <QElapsedTimer>
 #include <QHeaderView>
@@ -26,6 +28,8 @@ const SoakOperator::Action SoakOperator::table[] = {
     {"preset", 3, &SoakOperator::preset},
     {"measure", 5, &SoakOperator::measure},
     {"measure continuously", 2, &SoakOperator::measureContinuously},
+    {"sweep the seeds", 4, &SoakOperator::sweepSeeds},
+    {"load a trace", 4, &SoakOperator::loadTrace},
     {"kill the simulator", 1, &SoakOperator::killSimulator},
     {"resize", 2, &SoakOperator::resize},
 };
@@ -56,8 +60,8 @@ SoakOperator::~SoakOperator()
     end(simulator);
 }
 
-// The files that the sources read: a spectrum, and samples that are a good mean between noise and
-// nothing.
+// The files that are read: a spectrum, samples that are a good mean between noise and nothing, and
+// the trace of a tilted path.
 void SoakOperator::makeInputs()
 {
     QFile spectrum(folder.filePath("s.pmc"));
@@ -68,6 +72,12 @@ void SoakOperator::makeInputs()
     for (int line = 0; line < 4096; ++line) {
         spectrum.write(QByteArray::number(line) + " 0." + QByteArray::number(line) + " 1.0\n");
         samples.write(QByteArray::number(line * 7919 % 100).rightJustified(2, '0'));
+    }
+    QFile trace(folder.filePath("t.txt"));
+    (void)trace.open(QIODevice::WriteOnly);
+    for (int point = 0; point <= 1000; ++point) {
+        trace.write(QByteArray::number(1e9 + (point - 500) * 1e5) + ";" +
+                    QByteArray::number(-20.0 - point * 0.003) + "\n");
     }
     MeasurementSetup base;
     base.fftLengthIndex = 8; // 16384
@@ -140,11 +150,15 @@ void SoakOperator::restore()
 {
     end(clients);
     end(simulator);
+    for (auto* dialog : dialogs<CrestFactorDialog>()) {
+        dialog->on_stop_button_clicked();
+    }
     (void)QTest::qWaitFor([this] { return operate.isEnabled("calc_fft_button"); }, 120000);
     load(folder.filePath("base.cfg"));
     operate.click("calc_fft_button");
     (void)QTest::qWaitFor(
         [this] { return operate.text("fft_status_label") == QLatin1String("Data valid"); }, 120000);
+    loadTraceBy("load_direct_button", 10000);
     window.resize(1000, 800);
 }
 
@@ -257,15 +271,11 @@ void SoakOperator::initInstruments()
     static const char* const buttons[] = {"g_init", "a_init",  "g_set",
                                           "a_set",  "g_reset", "a_reset"};
     operate.trigger("actionDevices");
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    for (QWidget* widget : widgets) {
-        if (auto* dialog = qobject_cast<DevicesDialog*>(widget)) {
-            const WindowDriver hand(*dialog);
-            auto* button = hand.find<QAbstractButton>(buttons[random.bounded(6)]);
-            QTest::mouseClick(button, Qt::LeftButton);
-            QTest::qWait(20);
-            dialog->hide();
-        }
+    for (auto* dialog : dialogs<DevicesDialog>()) {
+        const WindowDriver hand(*dialog);
+        hand.click(buttons[random.bounded(6)]);
+        QTest::qWait(20);
+        dialog->hide();
     }
 }
 
@@ -286,6 +296,51 @@ void SoakOperator::measureContinuously()
     operate.type("measure_notch", "1");
     operate.pick("measure_mode", 0);
     QTest::qWait(random.bounded(500));
+}
+
+// A sweep of signals of millions of samples would outlast the soak.
+void SoakOperator::sweepSeeds()
+{
+    operate.pick("fft_length_input", 8);
+    operate.trigger("actionOptimize_Crest_Fector");
+    for (auto* dialog : dialogs<CrestFactorDialog>()) {
+        const WindowDriver hand(*dialog);
+        hand.click("stop_button"); // a former sweep that was left running
+        hand.type("seed_count_input", QString::number(random.bounded(1, 60)));
+        hand.click("start_button");
+        QTest::qWait(random.bounded(200));
+        switch (random.bounded(3)) {
+        case 0:
+            hand.click("stop_button");
+            break;
+        case 1:
+            hand.click("ok_button");
+            break;
+        default:
+            break; // runs on
+        }
+        dialog->close();
+    }
+}
+
+void SoakOperator::loadTrace()
+{
+    static const char* const buttons[] = {"load_direct_button", "load_poly_button",
+                                          "cancel_button"};
+    loadTraceBy(buttons[random.bounded(3)], random.bounded(500));
+}
+
+// A button that the trace or the source doesn't enable is left for Cancel.
+void SoakOperator::loadTraceBy(const char* button, int patience)
+{
+    operate.answerFileDialog(folder.filePath("t.txt"));
+    operate.trigger("actionLoad_SAN_Mag");
+    for (auto* dialog : dialogs<LoadTraceDialog>()) {
+        const WindowDriver hand(*dialog);
+        (void)QTest::qWaitFor([&] { return hand.isEnabled(button); }, patience);
+        hand.click(hand.isEnabled(button) ? button : "cancel_button");
+    }
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 }
 
 void SoakOperator::killSimulator()

@@ -1,7 +1,6 @@
 // The operator of the soak, the clients and the simulator that are used beside the window.
 //
-// To add an action: a member and its row in the table of soak_operator.cpp. (A sweep for a low
-// crest factor joins with its dialog.)
+// To add an action: a member and its row in the table of soak_operator.cpp.
 #pragma once
 
 #include "app/main_window.h"
@@ -32,6 +31,18 @@ private:
     struct Action;
     static const Action table[];
 
+    template <typename Dialog> static QList<Dialog*> dialogs()
+    {
+        QList<Dialog*> found;
+        const QWidgetList widgets = QApplication::topLevelWidgets();
+        for (QWidget* widget : widgets) {
+            if (auto* dialog = qobject_cast<Dialog*>(widget)) {
+                found.append(dialog);
+            }
+        }
+        return found;
+    }
+
     void startClients();
     void startSimulator();
     void end(QProcess& process);
@@ -51,6 +62,9 @@ private:
     void preset();
     void measure();
     void measureContinuously();
+    void sweepSeeds();
+    void loadTrace();
+    void loadTraceBy(const char* button, int patience);
     void killSimulator();
     void resize();
 
