@@ -5,6 +5,7 @@
 #include <QElapsedTimer>
 #include <QMap>
 #include <QMutex>
+#include <QSemaphore>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
@@ -93,7 +94,15 @@ public:
 private:
     template <class Work> void onThread(Work work)
     {
-        QMetaObject::invokeMethod(&server, work, Qt::BlockingQueuedConnection);
+        QSemaphore done;
+        QMetaObject::invokeMethod(
+            &server,
+            [&] {
+                work();
+                done.release();
+            },
+            Qt::QueuedConnection);
+        done.acquire();
     }
 
     void accept()
