@@ -19,6 +19,7 @@ const char* const knownWarnings[] = {
     // Of the offscreen platform.
     "This plugin does not support propagateSizeHints()",
     "This plugin does not support raise()",
+    "This plugin does not support grabbing the keyboard",
     // Deliberate: a failed measurement stays quiet on its way to the window.
     "QObject::connect: Cannot queue arguments of type 'KORemoteException*'",
     "(Make sure 'KORemoteException*' is registered using qRegisterMetaType().)",
