@@ -2,7 +2,6 @@
 #include "app/main_window.h"
 #include "support/fresh_home.h"
 #include "support/status_client.h"
-#include "support/warning_count.h"
 #include "support/window_driver.h"
 
 #include <QTcpServer>
@@ -64,7 +63,6 @@ private slots:
     void disconnectionShowsOnTheScreen();
     void secondClientTakesThePlaceOfTheFirst();
     void firstClientThatGoesTakesTheSecondAlong();
-    void formerClientMayAskWhileThePresentOneGoes();
     void clientsThatComeAndGoLeaveNothingBehind();
     void clientStaysConnectedThroughAPortChange();
     void portInUseGoesUnnoticed();
@@ -288,24 +286,6 @@ void TestMainWindowServer::firstClientThatGoesTakesTheSecondAlong()
     QVERIFY(third.connectTo(port));
     QCOMPARE(third.take(24).size(), 24);
     QVERIFY(third.isSilentBeforeIdentity());
-}
-
-// The present one is gone, but not yet deleted, when the former one's request comes in.
-void TestMainWindowServer::formerClientMayAskWhileThePresentOneGoes()
-{
-    const WarningCount warnings;
-    for (int round = 0; round < 20; ++round) {
-        StatusClient former;
-        StatusClient present;
-        QVERIFY(former.connectTo(port));
-        QCOMPARE(former.take(24).size(), 24);
-        QVERIFY(present.connectTo(port));
-        QCOMPARE(present.take(24).size(), 24);
-        present.socket.abort();
-        former.send("GetServerID");
-        QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
-    }
-    QCOMPARE(warnings.value(), 0);
 }
 
 void TestMainWindowServer::clientsThatComeAndGoLeaveNothingBehind()
