@@ -52,7 +52,7 @@ QString LinuxOSInfo::sensorControlVersion() const
 // The file that a VISA library really is, behind the links to it; empty without one.
 QString LinuxOSInfo::visaLibrary() const
 {
-    for (const QString& folder : places.libraryFolders) {
+    for (const QString& folder : places.visaFolders) {
         const QFileInfoList found = QDir(folder).entryInfoList(
             {QStringLiteral("libvisa64.so*"), QStringLiteral("libvisa.so*")}, QDir::Files,
             QDir::Name);

@@ -15,7 +15,7 @@ struct LinuxPlaces
         QStringLiteral("/var/log/anaconda"),
         QStringLiteral("/etc/machine-id"),
     };
-    QStringList libraryFolders = {
+    QStringList visaFolders = {
         QStringLiteral("/usr/local/lib"),
         QStringLiteral("/usr/local/lib64"),
         QStringLiteral("/usr/lib/x86_64-linux-gnu"),

@@ -1,10 +1,8 @@
 // The program's main job on full-size input, from a configuration to the client: nine notches at
 // 4194304 points, then signals from files that a script makes.
-#include "app/main_window.h"
-#include "support/fresh_home.h"
+#include "support/main_window_test.h"
 #include "support/sample_spectrum.h"
 #include "support/status_client.h"
-#include "support/window_driver.h"
 
 #include <QProcess>
 #include <QTcpServer>
@@ -12,7 +10,7 @@
 
 #include <cmath>
 
-class TestMainJob : public QObject
+class TestMainJob : public MainWindowTest
 {
     Q_OBJECT
 
@@ -23,34 +21,18 @@ private slots:
     void scriptedFilesBecomeSignals();
 
 private:
-    void calculate();
-
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
 };
 
 void TestMainJob::init()
 {
-    forgetSavedSettings();
     folder = std::make_unique<QTemporaryDir>();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
 }
 
 void TestMainJob::cleanup()
 {
-    operate.reset();
-    window.reset();
-}
-
-void TestMainJob::calculate()
-{
-    operate->click("calc_fft_button");
-    QTRY_COMPARE_WITH_TIMEOUT(operate->text("fft_status_label"), QStringLiteral("Data valid"),
-                              120000);
+    closeWindow();
 }
 
 void TestMainJob::nineNotchesAtFullLengthReachTheClient()

@@ -1,9 +1,7 @@
 // The window as an operator meets it: first start, inputs and what they invalidate, calculation.
-#include "app/main_window.h"
-#include "support/fresh_home.h"
-#include "support/window_driver.h"
+#include "support/main_window_test.h"
 
-class TestMainWindow : public QObject
+class TestMainWindow : public MainWindowTest
 {
     Q_OBJECT
 
@@ -31,31 +29,16 @@ private slots:
     void settingsAreFoundAgainAtTheNextStart();
 
 private:
-    void calculate();
-
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
 };
 
 void TestMainWindow::init()
 {
-    forgetSavedSettings();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
 }
 
 void TestMainWindow::cleanup()
 {
-    operate.reset();
-    window.reset();
-}
-
-void TestMainWindow::calculate()
-{
-    operate->click("calc_fft_button");
-    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    closeWindow();
 }
 
 void TestMainWindow::firstStartShowsDefaults()

@@ -1,16 +1,14 @@
 // The graph inside the window, under mouse events that come in through the window system: what a
 // drag changes in the table, in the record and on the status light.
-#include "app/main_window.h"
 #include "setup/config_file.h"
-#include "support/fresh_home.h"
+#include "support/main_window_test.h"
 #include "support/menu_answers.h"
-#include "support/window_driver.h"
 
 #include <QWindow>
 
 #include <algorithm>
 
-class TestMainWindowGraph : public QObject
+class TestMainWindowGraph : public MainWindowTest
 {
     Q_OBJECT
 
@@ -33,21 +31,15 @@ private:
     void drag(QPoint from, QPoint to);
     QStringList tableRow(int row) const;
 
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
     QWidget* graph = nullptr;
 };
 
 // Notches of 102 bins around bins -256, 0 and 256 of 1024, 100 dB deep.
 void TestMainWindowGraph::init()
 {
-    forgetSavedSettings();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
+    openWindow();
     graph = operate->find<QWidget>("graph_widget");
     window->resize(1200, 700);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     operate->pick("fft_length_input", 12); // 1024 bins of 97656.25 Hz
     operate->type("notch_offset_input", "0");
     operate->type("notch_count_input", "3");
@@ -59,14 +51,12 @@ void TestMainWindowGraph::init()
 void TestMainWindowGraph::cleanup()
 {
     graph = nullptr;
-    operate.reset();
-    window.reset();
+    closeWindow();
 }
 
 void TestMainWindowGraph::calculate()
 {
-    operate->click("calc_fft_button");
-    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    MainWindowTest::calculate();
     graph->repaint();
 }
 

@@ -1,14 +1,12 @@
 // The help that the window gives where one points: a tool tip, a "What's this" text and a name for
 // screen readers at everything that takes input or shows a value.
-#include "app/main_window.h"
 #include "support/contrast.h"
-#include "support/fresh_home.h"
-#include "support/window_driver.h"
+#include "support/main_window_test.h"
 
 #include <QHelpEvent>
 #include <QToolTip>
 
-class TestMainWindowHelp : public QObject
+class TestMainWindowHelp : public MainWindowTest
 {
     Q_OBJECT
 
@@ -25,25 +23,17 @@ private slots:
 private:
     QList<QWidget*> inputs() const;
     QWidget* showTip(const char* name);
-
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
 };
 
 void TestMainWindowHelp::init()
 {
-    forgetSavedSettings();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
 }
 
 void TestMainWindowHelp::cleanup()
 {
     QToolTip::hideText();
-    operate.reset();
-    window.reset();
+    closeWindow();
 }
 
 // All that can have the focus, without the inner parts of spin boxes, tables and the like, which

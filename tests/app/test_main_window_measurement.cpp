@@ -1,15 +1,13 @@
 // The bottom row of the window with an instrument at the other end of the line.
-#include "app/main_window.h"
 #include "remote/ko_remote_exception.h"
-#include "support/fresh_home.h"
+#include "support/main_window_test.h"
 #include "support/scripted_instrument.h"
-#include "support/window_driver.h"
 
 #include <QTabWidget>
 #include <QTemporaryDir>
 #include <QThreadPool>
 
-class TestMainWindowMeasurement : public QObject
+class TestMainWindowMeasurement : public MainWindowTest
 {
     Q_OBJECT
 
@@ -39,8 +37,6 @@ private:
     void initAnalyzer();
 
     std::unique_ptr<ScriptedInstrument> device;
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
 };
 
 namespace {
@@ -53,20 +49,15 @@ const char droppedFailure[] =
 
 void TestMainWindowMeasurement::init()
 {
-    forgetSavedSettings();
     device = std::make_unique<ScriptedInstrument>();
     device->answer("*IDN?", "ACME,42\n");
     device->answer(acpQuery, "-10.126,-0.5,-43.75\n");
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
 }
 
 void TestMainWindowMeasurement::cleanup()
 {
-    operate.reset();
-    window.reset();
+    closeWindow();
     QThreadPool::globalInstance()->waitForDone();
     device.reset();
 }

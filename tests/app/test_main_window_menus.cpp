@@ -1,15 +1,13 @@
 // The menus: configurations, waveforms, signal files and help, through real file dialogs.
-#include "app/main_window.h"
 #include "support/about_window.h"
-#include "support/fresh_home.h"
-#include "support/window_driver.h"
+#include "support/main_window_test.h"
 
 #include <QPointer>
 #include <QTemporaryDir>
 
 #include <cmath>
 
-class TestMainWindowMenus : public QObject
+class TestMainWindowMenus : public MainWindowTest
 {
     Q_OBJECT
 
@@ -36,24 +34,17 @@ private:
     QByteArray readFile(const QString& name);
 
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
 };
 
 void TestMainWindowMenus::init()
 {
-    forgetSavedSettings();
     folder = std::make_unique<QTemporaryDir>();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
 }
 
 void TestMainWindowMenus::cleanup()
 {
-    operate.reset();
-    window.reset();
+    closeWindow();
     folder.reset();
 }
 

@@ -1,8 +1,6 @@
 // The status server of the window, met by real clients on real sockets.
-#include "app/main_window.h"
-#include "support/fresh_home.h"
+#include "support/main_window_test.h"
 #include "support/status_client.h"
-#include "support/window_driver.h"
 
 #include <QTcpServer>
 
@@ -43,7 +41,7 @@ const char length64[] = "01000000 00008042";
 
 } // namespace
 
-class TestMainWindowServer : public QObject
+class TestMainWindowServer : public MainWindowTest
 {
     Q_OBJECT
 
@@ -71,18 +69,12 @@ private slots:
 private:
     void calculate64();
 
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
     quint16 port = 0;
 };
 
 void TestMainWindowServer::init()
 {
-    forgetSavedSettings();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
     port = freePort();
     operate->type("port_input", QString::number(port));
     operate->pick("fft_length_input", 16); // 64
@@ -90,8 +82,7 @@ void TestMainWindowServer::init()
 
 void TestMainWindowServer::cleanup()
 {
-    operate.reset();
-    window.reset();
+    closeWindow();
 }
 
 void TestMainWindowServer::calculate64()

@@ -1,10 +1,8 @@
 // The notch table in the window: what a typed cell does to its row, and the early end of
 // "Auto-Calculate".
-#include "app/main_window.h"
-#include "support/fresh_home.h"
-#include "support/window_driver.h"
+#include "support/main_window_test.h"
 
-class TestMainWindowTable : public QObject
+class TestMainWindowTable : public MainWindowTest
 {
     Q_OBJECT
 
@@ -20,26 +18,18 @@ private slots:
 
 private:
     void fillThreeNotches();
-
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
 };
 
 void TestMainWindowTable::init()
 {
-    forgetSavedSettings();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
     operate->pick("fft_length_input", 12); // 1024 bins of 97656.25 Hz
     operate->type("notch_offset_input", "0");
 }
 
 void TestMainWindowTable::cleanup()
 {
-    operate.reset();
-    window.reset();
+    closeWindow();
 }
 
 void TestMainWindowTable::fillThreeNotches()

@@ -1,9 +1,7 @@
 // The proof of the whole program: the real window and the simulated bench in a process of its own,
 // over real sockets, from "Auto-Calculate" to the labels, against closed forms.
-#include "app/main_window.h"
-#include "support/fresh_home.h"
+#include "support/main_window_test.h"
 #include "support/simulator_process.h"
-#include "support/window_driver.h"
 
 #include <QTabWidget>
 #include <QTcpServer>
@@ -56,7 +54,7 @@ struct Reading
 
 } // namespace
 
-class TestMeasuredNpr : public QObject
+class TestMeasuredNpr : public MainWindowTest
 {
     Q_OBJECT
 
@@ -83,19 +81,13 @@ private:
     void waitForJobs() const;
     Reading measure(int notch);
 
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
     std::unique_ptr<WindowDriver> devices;
     std::unique_ptr<SimulatorProcess> simulator;
 };
 
 void TestMeasuredNpr::init()
 {
-    forgetSavedSettings();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
     operate->trigger("actionDevices");
     for (QWidget* each : QApplication::topLevelWidgets()) {
         if (each->windowTitle() == "Devices") {
@@ -111,8 +103,7 @@ void TestMeasuredNpr::cleanup()
 {
     simulator.reset();
     devices.reset();
-    operate.reset();
-    window.reset();
+    closeWindow();
 }
 
 // The bench plays what the window's status server tells, on port 1000 or, where the system keeps

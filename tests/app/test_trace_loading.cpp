@@ -1,12 +1,10 @@
 // A stored trace undone in the signal, from the menu to the client: a path with a known tilt is
 // written as a trace file and loaded, and the samples that the client fetches are sent through
 // that path again.
-#include "app/main_window.h"
 #include "fit/load_trace_dialog.h"
-#include "support/fresh_home.h"
+#include "support/main_window_test.h"
 #include "support/sample_spectrum.h"
 #include "support/status_client.h"
-#include "support/window_driver.h"
 
 #include <QPointer>
 #include <QTcpServer>
@@ -38,7 +36,7 @@ double largestError(const std::vector<std::complex<double>>& samples)
 
 } // namespace
 
-class TestTraceLoading : public QObject
+class TestTraceLoading : public MainWindowTest
 {
     Q_OBJECT
 
@@ -54,39 +52,25 @@ private slots:
     void theWindowGoesWithTheDialogOpenAndTheJobRunning();
 
 private:
-    void calculate();
     void openTrace(int points);
     void take(const char* button);
     std::vector<std::complex<double>> fetchSamples();
 
     std::unique_ptr<QTemporaryDir> folder;
-    std::unique_ptr<MainWindow> window;
-    std::unique_ptr<WindowDriver> operate;
     QPointer<LoadTraceDialog> dialog;
 };
 
 void TestTraceLoading::init()
 {
-    forgetSavedSettings();
     folder = std::make_unique<QTemporaryDir>();
-    window = std::make_unique<MainWindow>();
-    operate = std::make_unique<WindowDriver>(*window);
-    window->show();
-    QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    openWindow();
     operate->pick("fft_length_input", 12);
     calculate();
 }
 
 void TestTraceLoading::cleanup()
 {
-    operate.reset();
-    window.reset();
-}
-
-void TestTraceLoading::calculate()
-{
-    operate->click("calc_fft_button");
-    QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    closeWindow();
 }
 
 // A trace of the path around 2.4 GHz, its points where the lines of as many bins would lie.

@@ -79,7 +79,7 @@ void TestLinuxOSInfo::init()
 {
     folder = std::make_unique<QTemporaryDir>();
     places.installationTraces = QStringList{folder->filePath("first"), folder->filePath("second")};
-    places.libraryFolders = QStringList{folder->filePath("none"), folder->path()};
+    places.visaFolders = QStringList{folder->filePath("none"), folder->path()};
     places.locale = QLocale(QLocale::German, QLocale::Austria);
 }
 
