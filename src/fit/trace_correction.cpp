@@ -111,6 +111,20 @@ QVector<LineRange> tasksFor(int lineCount)
     return tasks;
 }
 
+// Who waits for a task that no thread has begun does it himself. A map would leave it to others,
+// and a pool whose threads all run jobs that wait here has none.
+template <typename Work> void inParallel(const QVector<LineRange>& tasks, const Work& work)
+{
+    QVector<QFuture<void>> running;
+    running.reserve(tasks.size());
+    for (const LineRange& task : tasks) {
+        running.append(QtConcurrent::run([&work, task] { work(task); }));
+    }
+    for (QFuture<void>& each : running) {
+        each.waitForFinished();
+    }
+}
+
 } // namespace
 
 QVector<double> lineFrequencies(int lineCount, double sampleRate, double lineSpacing)
@@ -142,8 +156,7 @@ QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<d
     const Polynomial fit = fitTo(overlapWith(lines, trace));
     QVector<double> correction(lines.size());
     double* values = correction.data(); // detached here, on one thread
-    QVector<LineRange> tasks = tasksFor(lines.size());
-    QtConcurrent::blockingMap(tasks, [&](const LineRange& task) {
+    inParallel(tasksFor(lines.size()), [&](const LineRange& task) {
         for (int i = task.begin; i < task.end; ++i) {
             values[i] = fit.top - valueDescending(fit.coefficients, lines.at(i) / fit.norm);
         }
