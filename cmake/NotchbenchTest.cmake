@@ -7,7 +7,7 @@ if(NOTCHBENCH_SANITIZER MATCHES "address")
 endif()
 if(NOTCHBENCH_SANITIZER MATCHES "thread")
     set(NOTCHBENCH_SANITIZER_ENVIRONMENT
-        "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/races.supp:ignore_noninstrumented_modules=1")
+        "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/races.supp:ignore_noninstrumented_modules=1:history_size=4")
 endif()
 
 # notchbench_test(<name> FILES ... LINKS ... [WINDOW] [LABELS ...] [LOCKS ...] [TIMEOUT s]

@@ -102,13 +102,9 @@ CATCH(_ZN11QThreadPool5startEP9QRunnablei, (A o, A r, A p), (o, r, p), releaseAl
 CATCH(_ZN11QThreadPool5startESt8functionIFvvEEi, (A o, A f, A p), (o, f, p), releaseAll(), NOTHING)
 CATCH(_ZN11QThreadPool11waitForDoneEi, (A o, A t), (o, t), NOTHING, acquireAll())
 CATCH(_ZNK11QThreadPool17activeThreadCountEv, (A o), (o), NOTHING, acquireAll())
-// A job of QtConcurrent::run begins with isCanceled and ends with reportFinished; a piece of a map
-// begins with isCanceled and ends with timeAfterUser.
+// A job of QtConcurrent::run begins with isCanceled and ends with reportFinished.
 CATCH(_ZNK20QFutureInterfaceBase10isCanceledEv, (A o), (o), NOTHING, acquireAll())
 CATCH(_ZN20QFutureInterfaceBase14reportFinishedEv, (A o), (o), releaseAll(), NOTHING)
-CATCH(_ZN12QtConcurrent16ThreadEngineBase10isCanceledEv, (A o), (o), NOTHING, acquireAll())
-CATCH(_ZN12QtConcurrent18BlockSizeManagerV213timeAfterUserEv, (A o), (o), releaseAll(), NOTHING)
-CATCH(_ZN12QtConcurrent16ThreadEngineBase13startBlockingEv, (A o), (o), releaseAll(), acquireAll())
 // QFutureInterfaceBase::waitForFinished, waitForResult, queryState and the count of references.
 CATCH(_ZN20QFutureInterfaceBase15waitForFinishedEv, (A o), (o), NOTHING, acquireAll())
 CATCH(_ZN20QFutureInterfaceBase13waitForResultEi, (A o, A i), (o, i), NOTHING, acquireAll())

@@ -15,7 +15,7 @@
 namespace {
 
 // How long the window may be away, in ms; an instrumented program is several times slower.
-#ifdef __SANITIZE_ADDRESS__
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr qint64 answerTime = 1000;
 #else
 constexpr qint64 answerTime = 100;
