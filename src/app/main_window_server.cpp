@@ -70,8 +70,7 @@ void MainWindow::new_connection()
 // is not recognised. Clients send one request and wait for its answer.
 void MainWindow::read_connection()
 {
-    // One that has gone is the present client until it is deleted; a former one may still send.
-    if (!tcpSocket || !tcpSocket->isOpen()) {
+    if (!tcpSocket) {
         return;
     }
     // A client that asks and never reads would make the program hold ever more for it.
@@ -134,11 +133,8 @@ void MainWindow::disconnected()
 
 void MainWindow::send(const QByteArray& bytes)
 {
-    // The client may be found gone with any write.
-    for (int from = 0; from < bytes.size() && tcpSocket->isOpen(); from += writeSize) {
+    for (int from = 0; from < bytes.size(); from += writeSize) {
         tcpSocket->write(bytes.constData() + from, std::min(writeSize, bytes.size() - from));
     }
-    if (tcpSocket->isOpen()) {
-        tcpSocket->flush();
-    }
+    tcpSocket->flush();
 }

@@ -122,6 +122,20 @@ void SoakOperator::answerBoxes()
     }
 }
 
+// Libraries, fonts and caches that are loaded with the first use of something stay.
+void SoakOperator::warmUp()
+{
+    load(folder.filePath("base.cfg"));
+    startSimulator();
+    for (int round = 0; round < 3; ++round) {
+        for (const Action& action : table) {
+            (this->*action.act)();
+            QTest::qWait(20);
+        }
+    }
+    end(simulator);
+}
+
 void SoakOperator::work(int seconds)
 {
     load(folder.filePath("base.cfg"));

@@ -19,6 +19,9 @@ public:
     SoakOperator(const SoakOperator&) = delete;
     SoakOperator& operator=(const SoakOperator&) = delete;
 
+    // Every action a few times, so that nothing is new afterwards.
+    void warmUp();
+
     // One action after the other, with clients and simulator running.
     void work(int seconds);
 

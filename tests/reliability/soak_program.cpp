@@ -93,6 +93,7 @@ int main(int argc, char* argv[])
         window.show();
         SoakOperator soakOperator(window, application.arguments().value(2));
         const Level start = presentLevel();
+        soakOperator.warmUp();
         const int toTheFirstLevel = std::min(60, seconds / 3);
         soakOperator.work(toTheFirstLevel);
         const Level first = restedLevel(soakOperator, start.threads);
