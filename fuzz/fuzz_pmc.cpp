@@ -2,6 +2,8 @@
 #include "files/signal_input.h"
 #include "fuzz/input_file.h"
 
+#include <QList>
+
 #include <cstdlib>
 
 namespace {
@@ -9,7 +11,7 @@ namespace {
 // A length of five digits is legal, and its zeros cost time that finds nothing.
 bool isLong(const QByteArray& bytes)
 {
-    const QByteArray number = bytes.left(bytes.indexOf('\n')).trimmed();
+    const QByteArray number = bytes.split('\n').constFirst().trimmed();
     return number.size() > 4 && number.toLongLong() > 9999;
 }
 
