@@ -167,11 +167,15 @@ void SoakOperator::restore()
     for (auto* dialog : dialogs<CrestFactorDialog>()) {
         dialog->on_stop_button_clicked();
     }
-    (void)QTest::qWaitFor([this] { return operate.isEnabled("calc_fft_button"); }, 120000);
+    const auto isIdle = [this] { return operate.isEnabled("calc_fft_button"); };
+    (void)QTest::qWaitFor(isIdle, 120000);
     load(folder.filePath("base.cfg"));
-    operate.click("calc_fft_button");
-    (void)QTest::qWaitFor(
-        [this] { return operate.text("fft_status_label") == QLatin1String("Data valid"); }, 120000);
+    // Thrice, because a click on a window behind the box of a lost instrument is lost, too.
+    for (int attempt = 0; attempt < 3; ++attempt) {
+        operate.click("calc_fft_button");
+        (void)QTest::qWaitFor(isIdle, 120000);
+        QTest::qWait(200);
+    }
     loadTraceBy("load_direct_button", 10000);
     window.resize(1000, 800);
 }
