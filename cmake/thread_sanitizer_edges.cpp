@@ -49,6 +49,7 @@ void releaseAll()
 
 void acquire(quintptr object)
 {
+    (void)endOfThread().localData();
     __tsan_acquire(reinterpret_cast<void*>(object));
 }
 

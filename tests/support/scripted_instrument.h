@@ -12,6 +12,8 @@
 #include <QTimer>
 #include <QtTest>
 
+#include <memory>
+
 class ScriptedInstrument
 {
 public:
@@ -94,15 +96,16 @@ public:
 private:
     template <class Work> void onThread(Work work)
     {
-        QSemaphore done;
+        // Shared, because releasing may go on when it has been acquired.
+        const auto done = std::make_shared<QSemaphore>();
         QMetaObject::invokeMethod(
             &server,
-            [&] {
+            [&work, done] {
                 work();
-                done.release();
+                done->release();
             },
             Qt::QueuedConnection);
-        done.acquire();
+        done->acquire();
     }
 
     void accept()
