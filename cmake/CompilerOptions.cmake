@@ -35,3 +35,12 @@ function(notchbench_library name)
         PUBLIC ${ARG_DEPENDS}
         PRIVATE notchbench_options ${ARG_PRIVATE_DEPENDS})
 endfunction()
+
+# Before the libraries of Qt, whose functions it catches.
+if(NOTCHBENCH_SANITIZER MATCHES "thread")
+    add_library(notchbench_thread_edges SHARED cmake/thread_sanitizer_edges.cpp)
+    set_target_properties(notchbench_thread_edges PROPERTIES AUTOMOC OFF)
+    target_link_libraries(notchbench_thread_edges PRIVATE Qt5::Core ${CMAKE_DL_LIBS})
+    target_link_libraries(notchbench_options INTERFACE
+        -Wl,--no-as-needed notchbench_thread_edges -Wl,--as-needed)
+endif()

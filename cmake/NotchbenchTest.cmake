@@ -5,6 +5,10 @@ if(NOTCHBENCH_SANITIZER MATCHES "address")
         "ASAN_OPTIONS=fast_unwind_on_malloc=0"
         "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
 endif()
+if(NOTCHBENCH_SANITIZER MATCHES "thread")
+    set(NOTCHBENCH_SANITIZER_ENVIRONMENT
+        "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/races.supp:ignore_noninstrumented_modules=1:history_size=4")
+endif()
 
 # notchbench_test(<name> FILES ... LINKS ... [WINDOW] [LABELS ...] [LOCKS ...] [TIMEOUT s]
 #                [LIBRARY_PATH folder])

@@ -129,6 +129,8 @@ private:
     void pickFile(QString& field, const QString& title, const QString& filter);
     void openServer(quint16 port);
     void closeServer();
+    void readWhatWaits();
+    void dropSurplusClients();
     void drop(QTcpSocket* socket);
     void send(const QByteArray& bytes);
 
@@ -138,6 +140,7 @@ private:
     MeasurementSetup setup;
     QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
     QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list
+    bool requestWaits = false;      // of the present client, until it has read more
     std::shared_ptr<SignalJob> signalJob;
     std::shared_ptr<PresetJob> presetJob;
     QVector<std::shared_ptr<InstrumentCommands>> formerConnections; // of replaced records

@@ -32,8 +32,8 @@ void MainWindow::on_actionLoad_Cfg_File_triggered()
     setAsideConnections();
     setup = loadConfig(name);
     measurementThread.setAnalyzer(setup.analyzer);
+    bindTable(); // first: another generator in the dialog refreshes this window
     devicesDialog.setSetup(&setup);
-    bindTable();
     invalidate();
 }
 

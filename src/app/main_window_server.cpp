@@ -11,9 +11,11 @@
 
 namespace {
 
-constexpr int requestSize = 1024;      // bytes of one read
-constexpr int writeSize = 64000;       // bytes of one write
-constexpr qint64 mostUnread = 1048576; // bytes; the rest waits in the client
+constexpr int requestSize = 1024;            // bytes of one read
+constexpr int writeSize = 64000;             // bytes of one write
+constexpr qint64 mostUnread = 1048576;       // bytes; the rest waits in the client
+constexpr qint64 mostUnsent = 256 * 1048576; // bytes; a client that has not read them waits
+constexpr int mostFormerClients = 32;        // each holds a descriptor, of which a process has few
 
 } // namespace
 
@@ -48,10 +50,13 @@ void MainWindow::new_connection()
     if (socket == nullptr) {
         return;
     }
+    dropSurplusClients();
     socket->setParent(this); // outlives a change of the port
     socket->setReadBufferSize(mostUnread);
     tcpSocket = socket;
+    requestWaits = false;
     connect(socket, &QTcpSocket::readyRead, this, &MainWindow::read_connection);
+    connect(socket, &QTcpSocket::bytesWritten, this, &MainWindow::readWhatWaits);
     connect(socket, &QTcpSocket::disconnected, this, &MainWindow::disconnected);
     send(greeting(setup));
     // A client that went while it was greeted has already been reported as gone.
@@ -68,12 +73,41 @@ void MainWindow::read_connection()
     if (!tcpSocket) {
         return;
     }
+    // A client that asks and never reads would make the program hold ever more for it.
+    requestWaits = tcpSocket->bytesToWrite() > mostUnsent;
+    if (requestWaits) {
+        return;
+    }
     char buffer[requestSize];
     const qint64 count = tcpSocket->read(buffer, sizeof(buffer));
     const QString request =
         QString::fromLocal8Bit(buffer, static_cast<int>(std::max<qint64>(count, 0)));
     qDebug() << "<< " << request;
     send(replyTo(request, setup));
+}
+
+// Only the read that was put off: what lies beyond the bytes of an earlier read waits for more.
+void MainWindow::readWhatWaits()
+{
+    if (requestWaits) {
+        read_connection();
+    }
+}
+
+// Former clients are left alone while they cost little. Those that came first go when many stay
+// or when they leave much unread, or they would take the program's memory and descriptors.
+void MainWindow::dropSurplusClients()
+{
+    const QList<QTcpSocket*> clients =
+        findChildren<QTcpSocket*>(QString(), Qt::FindDirectChildrenOnly);
+    qint64 unsent = 0;
+    for (int newer = 0; newer < clients.size(); ++newer) {
+        QTcpSocket* client = clients.at(clients.size() - 1 - newer);
+        unsent += client->bytesToWrite();
+        if (newer >= mostFormerClients || unsent > mostUnsent) {
+            drop(client);
+        }
+    }
 }
 
 // A socket that is dropped is not heard any more: it would report its end again while it dies.

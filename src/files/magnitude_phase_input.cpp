@@ -5,6 +5,7 @@
 // that isn't plain ASCII through a QTextStream.
 #include "files/plain_lines.h"
 #include "files/signal_input.h"
+#include "setup/regular_file.h"
 #include "transform/parallel.h"
 
 #include <QFile>
@@ -145,7 +146,7 @@ SignalData readAnyText(QFile& file)
 SignalData loadMagnitudePhaseFile(const QString& path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    if (!openRegular(file)) {
         return {};
     }
     PlainLines pieces(file);

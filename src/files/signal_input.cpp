@@ -1,5 +1,6 @@
 #include "files/signal_input.h"
 
+#include "setup/regular_file.h"
 #include "transform/statistics.h"
 #include "transform/transform.h"
 
@@ -71,7 +72,7 @@ SignalData loadIQFiles(const QString& iPath, const QString& qPath)
 {
     QFile iFile(iPath);
     QFile qFile(qPath);
-    if (!iFile.open(QIODevice::ReadOnly) || !qFile.open(QIODevice::ReadOnly)) {
+    if (!openRegular(iFile) || !openRegular(qFile)) {
         return {};
     }
     if (iFile.size() != qFile.size() || usedWords(iFile.size()) > maxSignalLength) {

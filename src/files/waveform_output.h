@@ -1,6 +1,6 @@
 // Writers of the present signal, one file a form. Each form scales in its own way; the three
-// scalings are part of the formats and not related to one another. A file that can't be opened
-// ends the writer without a word. Any thread.
+// scalings are part of the formats and not related to one another. A file that can't be opened or
+// written whole ends the writer without a word, and what stood in its place stays. Any thread.
 //
 // baseName ends in none of the suffixes. clock is the sample rate in whole Hz.
 #pragma once

@@ -1,10 +1,8 @@
-#include "files/waveform_output.h"
-
 #include "files/extremes.h"
 #include "files/fixed_decimals.h"
+#include "files/waveform_output.h"
+#include "setup/whole_file.h"
 #include "transform/parallel.h"
-
-#include <QFile>
 
 #include <algorithm>
 #include <cmath>
@@ -20,7 +18,7 @@ double peakOf(const QVector<double>& samples)
     return std::max(std::abs(ends.largest), std::abs(ends.smallest));
 }
 
-void writeLines(QFile& file, const QVector<double>& samples, double factor)
+void writeLines(QIODevice& file, const QVector<double>& samples, double factor)
 {
     constexpr int pieceSize = 1 << 17;
     QByteArray piece(pieceSize + longestFixedDecimals + 1, Qt::Uninitialized);
@@ -43,16 +41,17 @@ void writeIQTextFiles(SignalData signal, const QString& baseName)
 {
     // An all-zero signal has an infinite factor and is written as "nan"; no guard, by design.
     const double factor = writtenPeak / std::max(peakOf(signal.iData()), peakOf(signal.qData()));
-    QFile iFile(baseName + QLatin1String(".i"));
-    QFile qFile(baseName + QLatin1String(".q"));
+    WholeFile iFile(baseName + QLatin1String(".i"));
+    WholeFile qFile(baseName + QLatin1String(".q"));
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
     if (!iFile.open(mode) || !qFile.open(mode)) {
         return;
     }
     inParallel(2, usefulThreads(), [&](Pieces& files) {
         for (quint64 file = 0; files.take(file);) {
-            writeLines(file == 0 ? iFile : qFile, file == 0 ? signal.iSamples : signal.qSamples,
+            writeLines(file == 0 ? iFile : qFile, file == 0 ? signal.iData() : signal.qData(),
                        factor);
         }
     });
+    putBothInPlace(iFile, qFile);
 }

@@ -1,10 +1,10 @@
 #include "files/extremes.h"
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
+#include "setup/whole_file.h"
 
 #include <QDataStream>
 #include <QDebug>
-#include <QFile>
 
 #include <algorithm>
 
@@ -22,7 +22,7 @@ double spanOf(const QVector<double>& samples)
 // Deliberate: sizes of 8 bytes a sample and a block of 4, though a sample takes 2 here. Programs
 // that load these files skip the header by its length and know the format; no field is to be
 // corrected.
-void writeHeader(QFile& file, qint32 length, quint32 clock)
+void writeHeader(QIODevice& file, qint32 length, quint32 clock)
 {
     const auto dataSize = static_cast<quint32>(length) * 8U;
     QDataStream out(&file);
@@ -38,7 +38,8 @@ void writeHeader(QFile& file, qint32 length, quint32 clock)
 
 // The factors come from the span and not from the peak, so a symmetric signal fills a quarter of
 // the range. Truncated, nothing is added for rounding.
-void writeSamples(QFile& file, const QVector<double>& samples, double positive, double negative)
+void writeSamples(QFileDevice& file, const QVector<double>& samples, double positive,
+                  double negative)
 {
     const double* sample = samples.constData();
     writeWords(file, samples.size(), [=](int first, int end, double* values) {
@@ -52,8 +53,8 @@ void writeSamples(QFile& file, const QVector<double>& samples, double positive, 
 
 void writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
 {
-    QFile iFile(baseName + QLatin1String(".i.wav"));
-    QFile qFile(baseName + QLatin1String(".q.wav"));
+    WholeFile iFile(baseName + QLatin1String(".i.wav"));
+    WholeFile qFile(baseName + QLatin1String(".q.wav"));
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Truncate;
     if (!iFile.open(mode) || !qFile.open(mode)) {
         return;
@@ -68,4 +69,5 @@ void writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
     writeSamples(qFile, signal.qData(), positive, negative);
     qDebug() << "I File Size:" << iFile.pos();
     qDebug() << "Q File Size:" << qFile.pos();
+    putBothInPlace(iFile, qFile);
 }

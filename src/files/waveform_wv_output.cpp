@@ -1,8 +1,8 @@
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
+#include "setup/whole_file.h"
 
 #include <QDateTime>
-#include <QFile>
 
 #include <algorithm>
 #include <cmath>
@@ -59,7 +59,7 @@ void writeWvFile(SignalData signal, const QString& baseName, quint32 clock)
     const int count = std::min({signal.length, signal.iData().size(), signal.qData().size()});
     const Level level = levelOf(signal, count);
     const double scale = 32767.0 / level.peak;
-    QFile file(baseName + QLatin1String(".wv"));
+    WholeFile file(baseName + QLatin1String(".wv"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         return;
     }
@@ -73,4 +73,5 @@ void writeWvFile(SignalData signal, const QString& baseName, quint32 clock)
         }
     });
     file.write("}");
+    file.putInPlace();
 }

@@ -1,7 +1,6 @@
 #include "fit/analyzer_trace.h"
 
-#include <QFile>
-#include <QFileInfo>
+#include "setup/regular_file.h"
 
 namespace {
 
@@ -28,8 +27,7 @@ AnalyzerTrace readAnalyzerTrace(const QString& fileName, int mostPoints)
 {
     AnalyzerTrace trace;
     QFile file(fileName);
-    // A device or a pipe behind the name might never end.
-    if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+    if (!openRegular(file, QIODevice::ReadOnly | QIODevice::Text)) {
         return trace;
     }
     while (!file.atEnd() && trace.pointCount() < mostPoints) {

@@ -1,8 +1,7 @@
 #include "fit/trace_correction.h"
 
 #include "fit/polyfit.h"
-
-#include <QtConcurrent>
+#include "transform/parallel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,7 +9,6 @@
 namespace {
 
 constexpr quint32 degree = 20;
-constexpr int linesPerTask = 16384;
 
 // The points that the fit sees, and the frequency that scales them.
 struct Overlap
@@ -25,12 +23,6 @@ struct Polynomial
     QVector<double> coefficients;
     double norm;
     double top; // the correction is the distance below it
-};
-
-struct LineRange
-{
-    int begin;
-    int end;
 };
 
 // Both ends start at 0: a trace that ends below the last line leaves last there, and then one
@@ -102,15 +94,6 @@ Polynomial fitTo(const Overlap& points)
     return fit;
 }
 
-QVector<LineRange> tasksFor(int lineCount)
-{
-    QVector<LineRange> tasks;
-    for (int begin = 0; begin < lineCount; begin += linesPerTask) {
-        tasks.append({begin, std::min(begin + linesPerTask, lineCount)});
-    }
-    return tasks;
-}
-
 } // namespace
 
 QVector<double> lineFrequencies(int lineCount, double sampleRate, double lineSpacing)
@@ -142,9 +125,8 @@ QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<d
     const Polynomial fit = fitTo(overlapWith(lines, trace));
     QVector<double> correction(lines.size());
     double* values = correction.data(); // detached here, on one thread
-    QVector<LineRange> tasks = tasksFor(lines.size());
-    QtConcurrent::blockingMap(tasks, [&](const LineRange& task) {
-        for (int i = task.begin; i < task.end; ++i) {
+    inRuns(static_cast<quint64>(lines.size()), [&](quint64 first, quint64 end) {
+        for (auto i = static_cast<int>(first); i < static_cast<int>(end); ++i) {
             values[i] = fit.top - valueDescending(fit.coefficients, lines.at(i) / fit.norm);
         }
     });

@@ -44,8 +44,12 @@ void SocketInterface::sendSCPI(const QString& command)
     if (!socket) {
         throwRemoteException(QLatin1String("Error at sendSCPI: ") + command);
     }
-    DeviceText::sendLine(*socket, command);
-    socket->flush();
+    if (socket->isOpen()) { // an instrument that has gone is met with silence
+        DeviceText::sendLine(*socket, command);
+    }
+    if (socket->isOpen()) { // it may be found gone with the write
+        socket->flush();
+    }
 }
 
 bool SocketInterface::connected() const
@@ -69,7 +73,7 @@ QString SocketInterface::querySCPI(const QString& command)
     if (connected() && socket->bytesAvailable() <= leftOver) {
         socket->waitForReadyRead(firstDataMs);
     }
-    return DeviceText::answerFrom(socket->readAll());
+    return DeviceText::answerFrom(socket->isOpen() ? socket->readAll() : QByteArray());
 }
 
 void SocketInterface::goToLocal()

@@ -1,12 +1,13 @@
 #include "setup/config_file.h"
 
 #include "setup/config_text.h"
+#include "setup/regular_file.h"
 #include "setup/truncation.h"
+#include "setup/whole_file.h"
 
 #include <QDebug>
 #include <QDir>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <QTextStream>
 
@@ -244,7 +245,7 @@ MeasurementSetup loadConfig(const QString& path)
 {
     MeasurementSetup setup;
     QFile file(path);
-    if (!file.exists() || !file.open(QIODevice::ReadOnly)) {
+    if (!openRegular(file)) {
         return setup;
     }
     qDebug() << "File Exists";
@@ -254,16 +255,14 @@ MeasurementSetup loadConfig(const QString& path)
 
 void saveConfig(const MeasurementSetup& setup, const QString& path)
 {
-    QSaveFile file(path);
+    WholeFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         return;
     }
     QTextStream out(&file);
     writeAll(out, setup);
     out.flush();
-    if (out.status() == QTextStream::Ok) {
-        file.commit();
-    }
+    file.putInPlace();
 }
 
 MeasurementSetup loadDefaultConfig(const QString& name)

@@ -17,8 +17,8 @@
 // file the record is the default one.
 MeasurementSetup loadConfig(const QString& path);
 
-// Writes the file whole or leaves the former one as it is, also when it is cut off in the middle.
-// A failure is not reported.
+// Writes the file whole or leaves the former one as it is, also when it is cut off in the middle
+// (see WholeFile). A failure is not reported.
 void saveConfig(const MeasurementSetup& setup, const QString& path);
 
 // The same with a file in the application's local data directory, which saving makes if needed.

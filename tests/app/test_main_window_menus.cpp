@@ -1,6 +1,7 @@
 // The menus: configurations, waveforms, signal files and help, through real file dialogs.
 #include "support/about_window.h"
 #include "support/main_window_test.h"
+#include "support/warning_count.h"
 
 #include <QPointer>
 #include <QTemporaryDir>
@@ -19,6 +20,7 @@ private slots:
     void missingConfigurationGivesDefaults();
     void loadingForgetsTheSignal();
     void typedCellsWorkAfterALoad();
+    void aLoadedGeneratorMeetsTheNewTable();
     void waveformIsSavedInThreeForms();
     void waveformOfAnotherEndingIsNotSaved();
     void magnitudePhaseFileIsPickedAndUsed();
@@ -133,6 +135,21 @@ void TestMainWindowMenus::typedCellsWorkAfterALoad()
     operate->typeCell(0, 4, "20");
     QCOMPARE(operate->cell(0, 4), QStringLiteral("10"));
     QCOMPARE(operate->cell(0, 5), QStringLiteral("20"));
+}
+
+// The devices' window reports the other generator to the main window in the middle of the load.
+void TestMainWindowMenus::aLoadedGeneratorMeetsTheNewTable()
+{
+    writeFile("none.cfg", "[Generator2]\nDevice = 0\n\n");
+    writeFile("zub.cfg", "[Generator2]\nDevice = 2\n\n");
+    QVector<int> warnings; // the screen of tests has some of its own, the same each time
+    for (const char* name : {"none.cfg", "zub.cfg"}) {
+        const WarningCount counted;
+        operate->answerFileDialog(folder->filePath(name));
+        operate->trigger("actionLoad_Cfg_File");
+        warnings.append(counted.value());
+    }
+    QCOMPARE(warnings.at(1), warnings.at(0));
 }
 
 void TestMainWindowMenus::waveformIsSavedInThreeForms()

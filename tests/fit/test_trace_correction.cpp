@@ -3,6 +3,7 @@
 #include "fit/trace_correction.h"
 
 #include <QThreadPool>
+#include <QtConcurrent>
 #include <QtTest>
 
 #include <cmath>
@@ -87,6 +88,7 @@ private slots:
     void topOfThePolynomialIsAtLeastZero();
     void bitsAreThoseOfAPlainLoop_data();
     void bitsAreThoseOfAPlainLoop();
+    void jobsThatFillThePoolEnd();
     void normIsTakenFromTheStartOfATraceThatBeginsBelowTheLines();
     void traceBelowTheLastLineGivesNoNumbersOrNone();
 };
@@ -179,6 +181,20 @@ void TestTraceCorrection::bitsAreThoseOfAPlainLoop()
         ++last;
     }
     QVERIFY(sameBits(found, plainCorrection(trace, lines, 0, last)));
+}
+
+// Each job waits for pieces of work, for which no other thread of the pool is left.
+void TestTraceCorrection::jobsThatFillThePoolEnd()
+{
+    QThreadPool* pool = QThreadPool::globalInstance();
+    const int before = pool->maxThreadCount();
+    pool->setMaxThreadCount(1);
+    const QVector<double> lines = lineFrequencies(65536, 100e6, 100e6 / 65536);
+    QFuture<QVector<double>> job = QtConcurrent::run(
+        [&lines] { return polynomialCorrection(traceOf(1001, 100e6, tilt), lines); });
+    QTRY_VERIFY_WITH_TIMEOUT(job.isFinished(), 20000);
+    QCOMPARE(job.result().size(), 65536);
+    pool->setMaxThreadCount(before);
 }
 
 void TestTraceCorrection::normIsTakenFromTheStartOfATraceThatBeginsBelowTheLines()

@@ -3,6 +3,7 @@
 
 #include "support/remote_failure.h"
 #include "support/scripted_instrument.h"
+#include "support/warning_count.h"
 
 #include <QtTest>
 
@@ -153,6 +154,7 @@ void TestSocketInterface::aConnectionThatClosesInTheMiddleLeavesWhatArrived()
 
 void TestSocketInterface::aLineThatHasGoneAwayIsSilent()
 {
+    const WarningCount warnings;
     SocketInterface transport(localhost);
     {
         ScriptedInstrument instrument;
@@ -164,6 +166,7 @@ void TestSocketInterface::aLineThatHasGoneAwayIsSilent()
     QCOMPARE(transport.querySCPI("*IDN?"), QString());
     QCOMPARE(failureOf([&] { transport.sendSCPI("*RST"); }), QString("(none)"));
     QVERIFY(timer.elapsed() < 2000);
+    QCOMPARE(warnings.value(), 0);
 }
 
 void TestSocketInterface::aFloodOfTenMegabytesIsTakenInParts()

@@ -4,6 +4,7 @@
 
 #include "setup/measurement_setup.h"
 #include "signal/calculation.h"
+#include "support/instrumented.h"
 #include "support/window_driver.h"
 
 #include <QProgressBar>
@@ -14,12 +15,8 @@
 
 namespace {
 
-// How long the window may be away, in ms; an instrumented program is several times slower.
-#ifdef __SANITIZE_ADDRESS__
-constexpr qint64 answerTime = 1000;
-#else
-constexpr qint64 answerTime = 100;
-#endif
+// How long the window may be away, in ms.
+constexpr qint64 answerTime = isInstrumented ? 1000 : 100;
 
 } // namespace
 

@@ -5,11 +5,14 @@
 #include <QElapsedTimer>
 #include <QMap>
 #include <QMutex>
+#include <QSemaphore>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
 #include <QTimer>
 #include <QtTest>
+
+#include <memory>
 
 class ScriptedInstrument
 {
@@ -93,7 +96,12 @@ public:
 private:
     template <class Work> void onThread(Work work)
     {
-        QMetaObject::invokeMethod(&server, work, Qt::BlockingQueuedConnection);
+        // Released when the call has gone, made or not: without an application it is not made.
+        const auto done = std::make_shared<QSemaphore>();
+        std::shared_ptr<void> call(nullptr, [done](void* /*none*/) { done->release(); });
+        QMetaObject::invokeMethod(
+            &server, [&work, call = std::move(call)] { work(); }, Qt::QueuedConnection);
+        done->acquire();
     }
 
     void accept()

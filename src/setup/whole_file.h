@@ -1,0 +1,32 @@
+// A file that takes the place of a former one of its name only when all of it is on the disk: a
+// full disk, a killed program or a pulled plug leaves the former file as it was.
+//
+// Where the folder may not be written but the file may, it is written in place. What exists and is
+// no regular file (a device, a pipe) can't be opened: replacing it would harm the system, and
+// writing to it may never end. Any thread, one at a time.
+#pragma once
+
+#include <QSaveFile>
+
+class WholeFile : public QSaveFile
+{
+public:
+    explicit WholeFile(const QString& path);
+
+    bool open(OpenMode mode) override;
+
+    // Whether everything written so far has been taken. Empties the buffers.
+    bool isWhole();
+
+    // Replaces the former file if this one is whole, or drops this one.
+    void putInPlace();
+
+protected:
+    qint64 writeData(const char* data, qint64 size) override;
+
+private:
+    bool allTaken = true;
+};
+
+// Two files that belong together: both take their places or neither does.
+void putBothInPlace(WholeFile& one, WholeFile& other);

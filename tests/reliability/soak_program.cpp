@@ -1,0 +1,108 @@
+// The soak: the real window, used without a pause by a tireless operator, a rude network and
+// instruments that die. Takes the seconds and the folder of configurations to load; ends with
+// status 0 when nothing was lost on the way: as many threads and as much memory as at the start,
+// and no warning but the known ones.
+#include "reliability/soak_operator.h"
+
+#include <QFile>
+#include <QThreadPool>
+
+#include <atomic>
+#include <cstdio>
+#include <malloc.h>
+
+namespace {
+
+std::atomic<int> unknownWarnings{0};
+
+const char* const knownWarnings[] = {
+    // Of the offscreen platform.
+    "This plugin does not support propagateSizeHints()",
+    "This plugin does not support raise()",
+    "This plugin does not support grabbing the keyboard",
+    // Deliberate: a failed measurement stays quiet on its way to the window.
+    "QObject::connect: Cannot queue arguments of type 'KORemoteException*'",
+    "(Make sure 'KORemoteException*' is registered using qRegisterMetaType().)",
+};
+
+bool isKnown(const QString& text)
+{
+    return std::any_of(std::begin(knownWarnings), std::end(knownWarnings),
+                       [&text](const char* known) { return text.contains(QLatin1String(known)); });
+}
+
+void note(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text)
+{
+    if (type != QtDebugMsg && type != QtInfoMsg && !isKnown(text)) {
+        ++unknownWarnings;
+        std::fprintf(stderr, "warning: %s\n", qPrintable(text));
+    }
+}
+
+struct Level
+{
+    int threads = 0;
+    int memory = 0; // KiB, resident
+};
+
+int numberAfter(const QByteArray& status, const char* name)
+{
+    const int at = status.indexOf(name) + int(qstrlen(name));
+    return status.mid(at, status.indexOf('\n', at) - at).replace("kB", "").trimmed().toInt();
+}
+
+Level presentLevel()
+{
+    malloc_trim(0);
+    QFile file(QStringLiteral("/proc/self/status"));
+    (void)file.open(QIODevice::ReadOnly);
+    const QByteArray status = file.readAll();
+    return {numberAfter(status, "\nThreads:"), numberAfter(status, "\nVmRSS:")};
+}
+
+// In the one state that is comparable, once the threads of pool and sweeps have gone.
+Level restedLevel(SoakOperator& soakOperator, int threadsAtTheStart)
+{
+    soakOperator.restore();
+    (void)QTest::qWaitFor([=] { return presentLevel().threads <= threadsAtTheStart; }, 60000);
+    const Level level = presentLevel();
+    std::printf("%5lld actions: %d threads, %d KiB\n", soakOperator.actions(), level.threads,
+                level.memory);
+    std::fflush(stdout);
+    return level;
+}
+
+bool isAsBefore(const Level& start, const Level& first, const Level& last)
+{
+    return first.threads == start.threads && last.threads == start.threads &&
+           last.memory <= first.memory + first.memory / 10;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    qInstallMessageHandler(note);
+    QApplication application(argc, argv);
+    QThreadPool::globalInstance()->setExpiryTimeout(1000);
+    const int seconds = application.arguments().value(1, QStringLiteral("600")).toInt();
+    bool isGood = false;
+    int status = 1;
+    {
+        MainWindow window;
+        window.show();
+        SoakOperator soakOperator(window, application.arguments().value(2));
+        const Level start = presentLevel();
+        soakOperator.warmUp();
+        const int toTheFirstLevel = std::min(60, seconds / 3);
+        soakOperator.work(toTheFirstLevel);
+        const Level first = restedLevel(soakOperator, start.threads);
+        soakOperator.work(seconds - toTheFirstLevel);
+        isGood = isAsBefore(start, first, restedLevel(soakOperator, start.threads));
+        QTimer::singleShot(0, &window, [&window] { window.close(); });
+        status = QApplication::exec();
+    }
+    std::printf("%s, %d unknown warnings, status %d\n", isGood ? "good" : "BAD",
+                unknownWarnings.load(), status);
+    return isGood && unknownWarnings == 0 ? status : 1;
+}
