@@ -34,8 +34,8 @@ struct LineRange
 };
 
 // Both ends start at 0: a trace that ends below the last line leaves last there, and then one
-// point or none is left. Deliberate: such a trace offers no polynomial, and the dialog relies
-// on that instead of extrapolating.
+// point is left, whose fit gives no numbers, or none, which ends the job. Deliberate: nothing is
+// extrapolated beyond the trace.
 Overlap overlapWith(const QVector<double>& lines, const AnalyzerTrace& trace)
 {
     int first = 0;
