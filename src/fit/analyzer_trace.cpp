@@ -3,7 +3,12 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
+
+// What is kept of a line at a time, so that a file without an end of line can't fill the memory.
+constexpr int longestPiece = 65536;
 
 void readPoint(const QString& line, AnalyzerTrace& trace)
 {
@@ -12,6 +17,15 @@ void readPoint(const QString& line, AnalyzerTrace& trace)
         trace.frequencies.append(fields.at(0).trimmed().toDouble());
         trace.levels.append(fields.at(1).trimmed().toDouble());
     }
+}
+
+// The next line, or that much of it; false at the end of the file.
+bool readPiece(QFile& file, QByteArray& piece)
+{
+    piece.resize(longestPiece);
+    const qint64 length = file.readLine(piece.data(), longestPiece);
+    piece.truncate(static_cast<int>(std::max<qint64>(length, 0)));
+    return length > 0;
 }
 
 void centre(QVector<double>& frequencies)
@@ -24,7 +38,8 @@ void centre(QVector<double>& frequencies)
 
 } // namespace
 
-AnalyzerTrace readAnalyzerTrace(const QString& fileName, int mostPoints)
+AnalyzerTrace readAnalyzerTrace(const QString& fileName, int mostPoints,
+                                const std::atomic<bool>* abandoned)
 {
     AnalyzerTrace trace;
     QFile file(fileName);
@@ -32,8 +47,16 @@ AnalyzerTrace readAnalyzerTrace(const QString& fileName, int mostPoints)
     if (!QFileInfo(fileName).isFile() || !file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         return trace;
     }
-    while (!file.atEnd() && trace.pointCount() < mostPoints) {
-        readPoint(QString::fromUtf8(file.readLine()), trace);
+    QByteArray piece;
+    bool lineBegins = true;
+    while (trace.pointCount() < mostPoints && readPiece(file, piece)) {
+        if (abandoned != nullptr && *abandoned) {
+            return {};
+        }
+        if (lineBegins) {
+            readPoint(QString::fromUtf8(piece), trace);
+        }
+        lineBegins = piece.endsWith('\n');
     }
     if (trace.pointCount() > 0) {
         centre(trace.frequencies);
