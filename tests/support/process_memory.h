@@ -20,11 +20,9 @@ inline qint64 mostMemory()
     return 0;
 }
 
-// Counts from what is resident now. Where the system can't, the older peak stays.
-inline void forgetMostMemory()
+// Counts from what is resident now; false where the system can't.
+inline bool forgetMostMemory()
 {
     QFile reset(QStringLiteral("/proc/self/clear_refs"));
-    if (reset.open(QIODevice::WriteOnly)) {
-        reset.write("5");
-    }
+    return reset.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && reset.write("5") == 1;
 }
