@@ -45,7 +45,7 @@ double secondsOfOneSeed(const MeasurementSetup& setup)
 void oneSeed(benchmark::State& state)
 {
     const MeasurementSetup setup = setupOf(state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         state.SetIterationTime(secondsOfOneSeed(setup));
     }
 }
@@ -74,7 +74,7 @@ void sweep(benchmark::State& state)
     dialog.findChild<QSpinBox*>(QStringLiteral("seed_count_input"))->setValue(seeds);
     dialog.show();
     double best = 1e9;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         const double seconds = secondsOfSweep(dialog);
         best = std::min(best, seconds);
         state.SetIterationTime(seconds);

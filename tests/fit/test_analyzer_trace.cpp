@@ -139,7 +139,7 @@ void TestAnalyzerTrace::aHugeLineTakesNoMemory()
 {
     QFile file(folder.filePath(QStringLiteral("huge.txt")));
     QVERIFY(file.open(QIODevice::WriteOnly));
-    QVERIFY(file.resize(256 << 20)); // zeros that take no room on the disk either
+    QVERIFY(file.resize(128 << 20)); // zeros that take no room on the disk either
     if (!forgetMostMemory()) {
         QSKIP("the system doesn't tell the memory of a process");
     }

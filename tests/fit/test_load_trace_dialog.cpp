@@ -2,6 +2,7 @@
 #include "fit/load_trace_dialog.h"
 #include "fit/trace_widget.h"
 #include "setup/measurement_setup.h"
+#include "support/heartbeat.h"
 #include "support/window_driver.h"
 
 #include <QChartView>
@@ -10,29 +11,9 @@
 #include <QTemporaryDir>
 #include <QThreadPool>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
-
-struct Heartbeat
-{
-    // Keeps the longest time that the event loop was away.
-    Heartbeat()
-    {
-        QObject::connect(&timer, &QTimer::timeout, &timer, [this] {
-            longest = std::max(longest, sinceLast.restart());
-            ++beats;
-        });
-        sinceLast.start();
-        timer.start(1);
-    }
-
-    QTimer timer;
-    QElapsedTimer sinceLast;
-    qint64 longest = 0; // ms
-    int beats = 0;
-};
 
 // Counts how often a widget is painted.
 class Paints : public QObject
@@ -390,7 +371,7 @@ void TestLoadTraceDialog::theLongestSignalKeepsTheWindowAnswering()
     Paints paints;
     dialog->findChild<QtCharts::QChartView*>()->viewport()->installEventFilter(&paints);
     connect(dialog, &LoadTraceDialog::polyLoaded, this, [&] { paints.count = 0; });
-    Heartbeat heartbeat;
+    Heartbeat heartbeat(2000);
     QTRY_VERIFY_WITH_TIMEOUT(operate->isEnabled("load_poly_button"), 60000);
     QTRY_VERIFY(paints.count > 0);
     QCOMPARE(curves().last()->count(), 4194304);

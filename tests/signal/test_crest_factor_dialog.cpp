@@ -1,81 +1,18 @@
 // The sweep dialog, operated by clicks: its form, its numbers, and every order in which it may be
 // stopped, restarted, closed and destroyed.
-#include "signal/crest_factor_dialog.h"
-
-#include "setup/measurement_setup.h"
-#include "signal/calculation.h"
-#include "support/process_memory.h"
-#include "support/window_driver.h"
+#include "support/sweep_test.h"
 
 #include <QProgressBar>
-#include <QTableWidget>
 
-#include <algorithm>
 #include <cmath>
-#include <ctime>
 
-namespace {
-
-// How long the window may be away, in ms, and the seeds of a long sweep; an instrumented program is
-// several times slower.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool isInstrumented = true;
-constexpr qint64 answerTime = 1000;
-constexpr int manySeeds = 200;
-#else
-constexpr bool isInstrumented = false;
-constexpr qint64 answerTime = 100;
-constexpr int manySeeds = 1000;
-#endif
-
-// What the calling thread has calculated so far, in ms.
-qint64 ownTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return qint64{time.tv_sec} * 1000 + time.tv_nsec / 1000000;
-}
-
-// Beats every millisecond and keeps how long the event loop was away in between. Other programs
-// may delay a beat, but only the window itself makes its own thread calculate for long.
-class Heartbeat
-{
-public:
-    Heartbeat()
-    {
-        QObject::connect(&timer, &QTimer::timeout, &timer, [this] { beat(); });
-        sinceLast.start();
-        timer.start(1);
-    }
-
-    int beats = 0;
-    int lateBeats = 0;
-    qint64 longestOwn = 0; // ms of calculation
-
-private:
-    void beat()
-    {
-        ++beats;
-        lateBeats += sinceLast.restart() > answerTime ? 1 : 0;
-        const qint64 now = ownTime();
-        longestOwn = std::max(longestOwn, now - ownAtLast);
-        ownAtLast = now;
-    }
-
-    QTimer timer;
-    QElapsedTimer sinceLast;
-    qint64 ownAtLast = ownTime();
-};
-
-} // namespace
-
-class TestCrestFactorDialog : public QObject
+class TestCrestFactorDialog : public SweepTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { openDialog(); }
+    void cleanup() { closeDialog(); }
 
     void windowIsFixedAndModal();
     void objectsStandAtTheirPlaces_data();
@@ -93,70 +30,13 @@ private slots:
     void aTieKeepsTheEarlierSeed();
     void lateResultsMayTakeTheCountBelowZero();
 
-    void stopLeavesAtMostTheCalculatingSeeds();
     void stopWithoutASweepIsHarmless();
     void stopAndStartAtOnceEndsInOrder();
     void okEndsTheSweepAndLogs();
     void theFramesCloseButtonLeavesTheSweepRunning();
     void theDialogMayBeDestroyedAtAnyMoment_data();
     void theDialogMayBeDestroyedAtAnyMoment();
-    void destroyingDoesNotWaitForAWorker();
-    void aThousandSeedsKeepTheWindowAnswering();
-    void aSweepHoldsTheDataOfThreeWorkersAtOnce();
-    void aThousandSeedsTakeNoFiles();
-
-private:
-    void sweep(int seeds);
-    bool isIdle() const { return operate->isEnabled("start_button"); }
-    QTableWidget* table() const { return operate->find<QTableWidget>("tableWidget"); }
-    QStringList rows() const;
-    // A sweep's copy of the record shares the signal's vectors until the last worker is deleted.
-    bool workersAreGone() const { return setup->signal.iSamples.isDetached(); }
-    int filledRows() const { return rows().filter(QRegularExpression(".")).size(); }
-
-    std::unique_ptr<MeasurementSetup> setup; // 1024 points
-    std::unique_ptr<CrestFactorDialog> dialog;
-    std::unique_ptr<WindowDriver> operate;
 };
-
-void TestCrestFactorDialog::init()
-{
-    setup = std::make_unique<MeasurementSetup>();
-    setup->fftLengthIndex = 12;
-    dialog = std::make_unique<CrestFactorDialog>();
-    dialog->setSetup(setup.get());
-    operate = std::make_unique<WindowDriver>(*dialog);
-    dialog->show();
-    QVERIFY(QTest::qWaitForWindowExposed(dialog.get()));
-}
-
-// The record goes first: a late worker must not need it.
-void TestCrestFactorDialog::cleanup()
-{
-    setup.reset();
-    operate.reset();
-    dialog.reset();
-    QTRY_VERIFY(qApp->findChildren<Calculation*>().isEmpty());
-}
-
-void TestCrestFactorDialog::sweep(int seeds)
-{
-    operate->type("seed_count_input", QString::number(seeds));
-    operate->click("start_button");
-    QVERIFY(!operate->isEnabled("start_button"));
-    QVERIFY(operate->isEnabled("stop_button"));
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), 60000);
-}
-
-QStringList TestCrestFactorDialog::rows() const
-{
-    QStringList texts;
-    for (int row = 0; row < table()->rowCount(); ++row) {
-        const QTableWidgetItem* item = table()->item(row, 0);
-        texts.append(item == nullptr ? QString() : item->text());
-    }
-    return texts;
-}
 
 void TestCrestFactorDialog::windowIsFixedAndModal()
 {
@@ -350,24 +230,6 @@ void TestCrestFactorDialog::lateResultsMayTakeTheCountBelowZero()
     QVERIFY(operate->text("max_cf_output").toDouble() < 29.0);
 }
 
-void TestCrestFactorDialog::stopLeavesAtMostTheCalculatingSeeds()
-{
-    // One calculation takes hundreds of milliseconds, so none ends between the two clicks: a result
-    // that came before "Stop" would count on top of the three.
-    setup->fftLengthIndex = 1; // 2097152
-    setup->signal.reset(1);
-    operate->type("seed_count_input", "1000");
-    operate->click("start_button");
-    QVERIFY(!workersAreGone());
-    operate->click("stop_button");
-    QVERIFY(operate->isEnabled("start_button"));
-    QVERIFY(!operate->isEnabled("stop_button"));
-    QTRY_VERIFY_WITH_TIMEOUT(workersAreGone(), 60000);
-    QVERIFY2(filledRows() <= 3, qPrintable(QString::number(filledRows())));
-    QCOMPARE(operate->find<QProgressBar>("progressBar")->value(), filledRows());
-    QCOMPARE(operate->find<QProgressBar>("progressBar")->maximum(), 1000);
-}
-
 void TestCrestFactorDialog::stopWithoutASweepIsHarmless()
 {
     operate->click("stop_button");
@@ -434,68 +296,6 @@ void TestCrestFactorDialog::theDialogMayBeDestroyedAtAnyMoment()
     setup.reset();
     operate.reset();
     dialog.reset(); // cleanup waits until the application has got rid of all workers
-}
-
-void TestCrestFactorDialog::destroyingDoesNotWaitForAWorker()
-{
-    setup->fftLengthIndex = 0; // a calculation takes seconds
-    operate->type("seed_count_input", "3");
-    operate->click("start_button");
-    QElapsedTimer timer;
-    timer.start();
-    operate.reset();
-    dialog.reset();
-    QVERIFY2(timer.elapsed() < 200, qPrintable(QString::number(timer.elapsed())));
-    QTRY_VERIFY_WITH_TIMEOUT(qApp->findChildren<Calculation*>().isEmpty(), 60000);
-}
-
-void TestCrestFactorDialog::aThousandSeedsKeepTheWindowAnswering()
-{
-    setup->fftLengthIndex = 5; // 131072
-    setup->signal.reset(1);
-    operate->type("seed_count_input", QString::number(manySeeds));
-    Heartbeat heartbeat;
-    QCoreApplication::processEvents();
-    operate->click("start_button");
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), 240000);
-    QCOMPARE(filledRows(), manySeeds);
-    QTRY_VERIFY(workersAreGone());
-    QVERIFY2(heartbeat.longestOwn < answerTime, qPrintable(QString::number(heartbeat.longestOwn)));
-    QVERIFY2(heartbeat.lateBeats <= heartbeat.beats / 100,
-             qPrintable(QString::number(heartbeat.lateBeats)));
-}
-
-void TestCrestFactorDialog::aSweepHoldsTheDataOfThreeWorkersAtOnce()
-{
-    if (isInstrumented) {
-        QSKIP("an instrumented program takes more memory");
-    }
-    if (!forgetMostMemory()) {
-        QSKIP("the system doesn't tell the memory of a process");
-    }
-    constexpr qint64 dataOfOne = 200 * 1000; // kilobytes, at 4194304 points
-    const qint64 before = mostMemory();
-    setup->fftLengthIndex = 0;
-    setup->signal.reset(1);
-    sweep(6);
-    QTRY_VERIFY(workersAreGone());
-    const qint64 growth = mostMemory() - before;
-    QVERIFY2(growth > dataOfOne / 2, qPrintable(QString::number(growth)));
-    QVERIFY2(growth < dataOfOne * 7 / 2, qPrintable(QString::number(growth)));
-}
-
-void TestCrestFactorDialog::aThousandSeedsTakeNoFiles()
-{
-    const QDir openFiles(QStringLiteral("/proc/self/fd"));
-    if (!openFiles.exists()) {
-        QSKIP("the system doesn't list open files");
-    }
-    setup->fftLengthIndex = 3;
-    const uint before = openFiles.count();
-    operate->type("seed_count_input", "1000");
-    operate->click("start_button");
-    QTRY_VERIFY(filledRows() >= 1); // the threads have begun
-    QVERIFY(QDir("/proc/self/fd").count() < before + 20);
 }
 
 QTEST_MAIN(TestCrestFactorDialog)
