@@ -8,14 +8,24 @@
 #include "support/about_window.h"
 #include "ui_main_window.h"
 
+#include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QProcess>
 
 namespace {
 
 const char configFilter[] = "Config File (*.cfg)";
+
+// The folder of the manual; empty, which means the present one, where it isn't installed.
+QString installedManual()
+{
+    const QDir folder(QCoreApplication::applicationDirPath() +
+                      QStringLiteral("/../share/notchbench/manual"));
+    return folder.exists() ? folder.path() : QString();
+}
 
 } // namespace
 
@@ -81,12 +91,16 @@ void MainWindow::on_actionQuit_triggered()
 }
 
 // Deliberate: the process is never freed, so the viewer outlives the window, and a missing
-// viewer gives no message.
+// viewer gives no message. A collection in the home folder, where the program works, goes before
+// the installed one.
 void MainWindow::on_actionHelp_triggered()
 {
+    const QString collection = QStringLiteral("collection.qhc");
     auto* viewer = new QProcess;
-    viewer->start(QStringLiteral("assistant"),
-                  {QStringLiteral("-collectionFile"), QStringLiteral("collection.qhc")},
+    if (!QFile::exists(collection)) {
+        viewer->setWorkingDirectory(installedManual());
+    }
+    viewer->start(QStringLiteral("assistant"), {QStringLiteral("-collectionFile"), collection},
                   QIODevice::ReadWrite);
     viewer->waitForStarted(10000);
 }

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QVector>
 
+#include <atomic>
+
 struct AnalyzerTrace
 {
     int pointCount() const { return frequencies.size(); }
@@ -15,5 +17,7 @@ struct AnalyzerTrace
 };
 
 // At most mostPoints points, in the order of the file. A line with fewer than two fields is no
-// point. Without points when the file can't be opened, is none (a device, a folder) or has none.
-AnalyzerTrace readAnalyzerTrace(const QString& fileName, int mostPoints);
+// point, and of a line only the first 65535 bytes count. Without points when the file can't be
+// opened, is none (a device, a folder) or has none, and when abandoned becomes true meanwhile.
+AnalyzerTrace readAnalyzerTrace(const QString& fileName, int mostPoints,
+                                const std::atomic<bool>* abandoned = nullptr);

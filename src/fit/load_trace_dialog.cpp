@@ -24,7 +24,10 @@ LoadTraceDialog::LoadTraceDialog(const QString& nameOfFile, MeasurementSetup* se
     load();
 }
 
-LoadTraceDialog::~LoadTraceDialog() = default;
+LoadTraceDialog::~LoadTraceDialog()
+{
+    job->abandon();
+}
 
 void LoadTraceDialog::load()
 {

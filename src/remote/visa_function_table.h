@@ -8,6 +8,9 @@
 
 #include <QString>
 
+#include <functional>
+#include <optional>
+
 struct VisaFunctionTable
 {
     using Queryf = ViStatus (*)(ViSession, const char*, const char*, ...);
@@ -61,6 +64,12 @@ struct VisaFunctionTable
 // Whether a complete VISA library can be loaded.
 bool visaAvailable();
 
-// Folder of the instrument drivers, as the platform's registry names it: the stored path with
-// "bin" directly behind it, or "---" where there is none.
+// Reads the text of a key below HKEY_LOCAL_MACHINE; without a value where it can't be read.
+using RegistryText = std::function<std::optional<QString>(const char* key, const char* name)>;
+
+// Folder of the instrument drivers, as a registry names it: the stored path, which is expected to
+// end in a backslash, with "bin" directly behind it, or "---" where there is none.
+QString vxipnpFrameworkPath(const RegistryText& registryText);
+
+// The same with the registry of this platform.
 QString vxipnpFrameworkPath();

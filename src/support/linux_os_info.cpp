@@ -3,7 +3,6 @@
 #include "support/info_sections.h"
 
 #include <QDateTime>
-#include <QDir>
 #include <QFileInfo>
 #include <QSysInfo>
 
@@ -49,15 +48,16 @@ QString LinuxOSInfo::sensorControlVersion() const
     return missingFact();
 }
 
-// The file that a VISA library really is, behind the links to it; empty without one.
+// The file that the VISA library really is, behind the links to it; empty without one. Of several
+// it is the one that the program loads, so the names come in the order in which they are tried.
 QString LinuxOSInfo::visaLibrary() const
 {
-    for (const QString& folder : places.visaFolders) {
-        const QFileInfoList found = QDir(folder).entryInfoList(
-            {QStringLiteral("libvisa64.so*"), QStringLiteral("libvisa.so*")}, QDir::Files,
-            QDir::Name);
-        if (!found.isEmpty()) {
-            return QFileInfo(found.first().canonicalFilePath()).fileName();
+    for (const char* name : {"libvisa64.so", "libvisa.so", "libvisa.so.0"}) {
+        for (const QString& folder : places.visaFolders) {
+            const QFileInfo found(folder + QLatin1Char('/') + QLatin1String(name));
+            if (found.exists()) {
+                return QFileInfo(found.canonicalFilePath()).fileName();
+            }
         }
     }
     return {};
@@ -83,7 +83,7 @@ QList<SystemSection> LinuxOSInfo::systemInformation() const
     facts.country = country();
     facts.language = language();
     facts.localeId = localeId();
-    facts.qt = QLatin1String(qVersion());
+    facts.qt = QStringLiteral(QT_VERSION_STR);
     const QString visa = visaLibrary();
     if (!visa.isEmpty()) {
         facts.visaName = visa;

@@ -1,5 +1,6 @@
 #include "support/windows_os_info.h"
 
+#include "remote/visa_function_table.h"
 #include "support/file_version_record.h"
 #include "support/info_sections.h"
 
@@ -11,7 +12,6 @@ const char windowsKey[] = "SOFTWARE\\Microsoft\\Windows NT\\CurrentVersion";
 const char internationalKey[] = "Control Panel\\International";
 const char browserKey[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\App Paths\\IEXPLORE.EXE";
 const char programsKey[] = "SOFTWARE\\Microsoft\\Windows\\CurrentVersion";
-const char frameworkKey[] = "SOFTWARE\\VXIPNP_Alliance\\VXIPNP\\CurrentVersion";
 
 // A row that shows the version of one file of the system directory.
 struct VersionRow
@@ -91,15 +91,14 @@ QStringList usbDrivers(const WindowsPlatform& platform)
     return lines;
 }
 
-// Where the VXI plug and play drivers lie. The stored path is expected to end in a backslash.
+// Where the VXI plug and play drivers lie.
 std::string frameworkDirectory(const WindowsPlatform& platform)
 {
-    for (const char* name : {"FRAMEWORK_PATH", "FrameworkPath"}) {
-        if (const auto path = platform.registryString(Root::localMachine, frameworkKey, name)) {
-            return *path + "bin";
-        }
-    }
-    return "---";
+    const auto text = [&platform](const char* key, const char* name) {
+        const auto stored = platform.registryString(Root::localMachine, key, name);
+        return stored ? std::make_optional(QString::fromLocal8Bit(stored->c_str())) : std::nullopt;
+    };
+    return vxipnpFrameworkPath(text).toLocal8Bit().toStdString();
 }
 
 } // namespace

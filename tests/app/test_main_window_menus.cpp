@@ -8,6 +8,24 @@
 
 #include <cmath>
 
+namespace {
+
+// Where the program looks for the manual: beside itself, as an installation places it.
+QString installedManual()
+{
+    return QCoreApplication::applicationDirPath() + "/../share/notchbench/manual";
+}
+
+// The manual's folder, for as long as this lives.
+struct InstalledManual
+{
+    InstalledManual() { QDir().mkpath(installedManual()); }
+    ~InstalledManual() { QDir().rmpath(installedManual()); }
+    Q_DISABLE_COPY_MOVE(InstalledManual)
+};
+
+} // namespace
+
 class TestMainWindowMenus : public MainWindowTest
 {
     Q_OBJECT
@@ -27,6 +45,9 @@ private slots:
     void sampleFilesArePickedAndUsed();
     void failedPickKeepsTheField();
     void theSweepDialogBlocksTheWindowAndUsesItsSettings();
+    void helpStartsTheViewerWithTheCollection();
+    void helpShowsTheInstalledManual();
+    void anOwnCollectionGoesBeforeTheInstalledManual();
     void helpWithoutAViewerDoesNothingVisible();
     void aboutOpensAWindowOfItsOwn();
     void quitClosesTheWindow();
@@ -34,6 +55,7 @@ private slots:
 private:
     void writeFile(const QString& name, const QByteArray& bytes);
     QByteArray readFile(const QString& name);
+    QByteArray askForHelp();
 
     std::unique_ptr<QTemporaryDir> folder;
 };
@@ -270,6 +292,49 @@ void TestMainWindowMenus::theSweepDialogBlocksTheWindowAndUsesItsSettings()
     QTRY_VERIFY(inDialog.isEnabled("start_button"));
     QVERIFY(inDialog.text("min_cf_output") + " dB" != crestFactor);
     inDialog.click("ok_button");
+}
+
+// Triggers "Help" where the viewer is a script that tells its folder and arguments, a line each.
+QByteArray TestMainWindowMenus::askForHelp()
+{
+    writeFile("assistant", "#!/bin/sh\n"
+                           "{ pwd -P; printf '%s\\n' \"$@\"; } > \"$0.tmp\"\n"
+                           "mv \"$0.tmp\" \"$0.told\"\n");
+    QFile::setPermissions(folder->filePath("assistant"),
+                          QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", folder->path().toLocal8Bit() + ':' + path);
+    operate->trigger("actionHelp");
+    qputenv("PATH", path);
+    const QString told = folder->filePath("assistant.told");
+    return QTest::qWaitFor([&] { return QFile::exists(told); }, 10000) ? readFile("assistant.told")
+                                                                       : QByteArray();
+}
+
+void TestMainWindowMenus::helpStartsTheViewerWithTheCollection()
+{
+    QVERIFY(!QFile::exists("collection.qhc") && !QFile::exists(installedManual()));
+    QCOMPARE(askForHelp(),
+             QDir().canonicalPath().toLocal8Bit() + "\n-collectionFile\ncollection.qhc\n");
+}
+
+void TestMainWindowMenus::helpShowsTheInstalledManual()
+{
+    const InstalledManual manual;
+    QCOMPARE(askForHelp(), QDir(installedManual()).canonicalPath().toLocal8Bit() +
+                               "\n-collectionFile\ncollection.qhc\n");
+}
+
+void TestMainWindowMenus::anOwnCollectionGoesBeforeTheInstalledManual()
+{
+    const InstalledManual manual;
+    const QString before = QDir::currentPath();
+    writeFile("collection.qhc", "");
+    QDir::setCurrent(folder->path());
+    const QByteArray told = askForHelp();
+    QDir::setCurrent(before);
+    QCOMPARE(told, QDir(folder->path()).canonicalPath().toLocal8Bit() +
+                       "\n-collectionFile\ncollection.qhc\n");
 }
 
 void TestMainWindowMenus::helpWithoutAViewerDoesNothingVisible()

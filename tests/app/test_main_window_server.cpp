@@ -2,6 +2,7 @@
 #include "support/main_window_test.h"
 #include "support/status_client.h"
 
+#include <QProcess>
 #include <QTcpServer>
 
 #include <cstring>
@@ -65,6 +66,7 @@ private slots:
     void clientStaysConnectedThroughAPortChange();
     void portInUseGoesUnnoticed();
     void clientInTheMiddleOfABlockMayVanish();
+    void theSessionOfTheManualFetchesTheSignal();
 
 private:
     void calculate64();
@@ -337,6 +339,20 @@ void TestMainWindowServer::clientInTheMiddleOfABlockMayVanish()
     QTest::qWait(50);
     client.socket.abort();
     QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+}
+
+void TestMainWindowServer::theSessionOfTheManualFetchesTheSignal()
+{
+    QFile page(QStringLiteral(NOTCHBENCH_SOURCE_DIR "/docs/manual/status_protocol.html"));
+    QVERIFY(page.open(QIODevice::ReadOnly));
+    QString session = QString::fromUtf8(page.readAll()).section("<pre>", 1).section("</pre>", 0, 0);
+    session.replace("&lt;", "<").replace("1000)", QString::number(port) + ')');
+    calculate64();
+    QProcess script;
+    script.start("python3",
+                 {"-c", session + "\nprint(tag, len(samples), rate, round(samples[0], 4))\n"});
+    QTRY_COMPARE_WITH_TIMEOUT(script.state(), QProcess::NotRunning, 30000);
+    QCOMPARE(script.readAllStandardOutput().trimmed(), QByteArray("2 128 100000000.0 5.6569"));
 }
 
 QTEST_MAIN(TestMainWindowServer)

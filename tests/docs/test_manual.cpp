@@ -61,6 +61,7 @@ private slots:
     void initTestCase();
     void everyPageIsInTheProjectAndItsContents();
     void everyLinkLeadsToAPage();
+    void everyPictureIsThere();
     void everyTextOfTheMainWindowIsExplained();
 
 private:
@@ -102,6 +103,20 @@ void TestManual::everyLinkLeadsToAPage()
                      qPrintable(links.key() + " -> " + link));
         }
     }
+}
+
+void TestManual::everyPictureIsThere()
+{
+    QSet<QString> shown;
+    for (auto page = pages.begin(); page != pages.end(); ++page) {
+        for (const QString& picture : allMatches(page.value(), "<img src=\"([^\"]*)\"")) {
+            QVERIFY2(QFile::exists(manualFolder + "../images/" + picture),
+                     qPrintable(page.key() + " -> " + picture));
+            shown.insert(picture);
+        }
+    }
+    QVERIFY(shown.size() > 5);
+    QCOMPARE(asSet(allMatches(project, "<file>([^<]*\\.png)</file>")), shown);
 }
 
 void TestManual::everyTextOfTheMainWindowIsExplained()

@@ -1,7 +1,12 @@
 // Reading a stored trace: whole ones, and every way in which a file can be wrong.
 #include "fit/analyzer_trace.h"
+#include "support/process_memory.h"
 
+#include <QSemaphore>
+#include <QThread>
 #include <QtTest>
+
+#include <memory>
 
 class TestAnalyzerTrace : public QObject
 {
@@ -19,6 +24,9 @@ private slots:
     void filesWithoutPointsGiveNone_data();
     void filesWithoutPointsGiveNone();
     void whatIsNoFileGivesNone();
+    void ofAVeryLongLineOnlyTheBeginningCounts();
+    void aHugeLineTakesNoMemory();
+    void anAbandonedReadingEnds();
     void rubbishHarmsNothing();
 
 private:
@@ -110,6 +118,55 @@ void TestAnalyzerTrace::whatIsNoFileGivesNone()
     QCOMPARE(readAnalyzerTrace(folder.filePath("missing.txt"), 10).pointCount(), 0);
     QCOMPARE(readAnalyzerTrace(folder.path(), 10).pointCount(), 0);
     QCOMPARE(readAnalyzerTrace(QStringLiteral("/dev/zero"), 10).pointCount(), 0);
+}
+
+void TestAnalyzerTrace::ofAVeryLongLineOnlyTheBeginningCounts()
+{
+    const QByteArray tail(200000, 'x');
+    const AnalyzerTrace trace = read("-1;5;" + tail + ";7;8\n1;6\n" + tail + ";2\n");
+    QCOMPARE(trace.frequencies, QVector<double>({-1, 1}));
+    QCOMPARE(trace.levels, QVector<double>({5, 6}));
+
+    // Also where the end of the line falls just behind, on and before the bound.
+    for (int length = 65520; length < 65550; ++length) {
+        const QByteArray begin = QByteArray("-1;5;").leftJustified(length, 'x');
+        QCOMPARE(read(begin + "\r\n1;6\n").levels, QVector<double>({5, 6}));
+        QCOMPARE(read(begin + "\n1;6").levels, QVector<double>({5, 6}));
+    }
+}
+
+void TestAnalyzerTrace::aHugeLineTakesNoMemory()
+{
+    QFile file(folder.filePath(QStringLiteral("huge.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.resize(128 << 20)); // zeros that take no room on the disk either
+    if (!forgetMostMemory()) {
+        QSKIP("the system doesn't tell the memory of a process");
+    }
+    const qint64 before = mostMemory();
+    QCOMPARE(readAnalyzerTrace(file.fileName(), 1000).pointCount(), 0);
+    QVERIFY(mostMemory() - before < 64 << 10);
+}
+
+void TestAnalyzerTrace::anAbandonedReadingEnds()
+{
+    // So large that it would be read for many minutes.
+    QFile file(folder.filePath(QStringLiteral("endless.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    if (!file.resize(qint64{1} << 40)) {
+        QSKIP("no room for a file of a terabyte, not even of zeros");
+    }
+    std::atomic<bool> abandoned{false};
+    QSemaphore begun;
+    std::unique_ptr<QThread> reader(QThread::create([&] {
+        begun.release();
+        readAnalyzerTrace(file.fileName(), 1000, &abandoned);
+    }));
+    reader->start();
+    begun.acquire();
+    abandoned = true;
+    QVERIFY(reader->wait(5000));
+    QCOMPARE(readAnalyzerTrace(file.fileName(), 1000, &abandoned).pointCount(), 0);
 }
 
 void TestAnalyzerTrace::rubbishHarmsNothing()

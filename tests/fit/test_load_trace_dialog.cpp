@@ -2,33 +2,31 @@
 #include "fit/load_trace_dialog.h"
 #include "fit/trace_widget.h"
 #include "setup/measurement_setup.h"
+#include "support/heartbeat.h"
 #include "support/instrumented.h"
 #include "support/window_driver.h"
 
+#include <QChartView>
 #include <QPointer>
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QThreadPool>
 
-#include <algorithm>
 #include <cmath>
 
 namespace {
 
-struct Heartbeat
+// Counts how often a widget is painted.
+class Paints : public QObject
 {
-    // Keeps the longest time that the event loop was away.
-    Heartbeat()
+public:
+    bool eventFilter(QObject*, QEvent* event) override
     {
-        QObject::connect(&timer, &QTimer::timeout, &timer,
-                         [this] { longest = std::max(longest, sinceLast.restart()); });
-        sinceLast.start();
-        timer.start(1);
+        count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
     }
 
-    QTimer timer;
-    QElapsedTimer sinceLast;
-    qint64 longest = 0; // ms
+    int count = 0;
 };
 
 } // namespace
@@ -45,12 +43,14 @@ private slots:
     void directComesBeforeThePolynomial();
     void loadDirectStoresTheTracePointByPoint();
     void loadPolynomialStoresTheCurveAtTheLines();
+    void cancelKeepsTheRecord_data();
     void cancelKeepsTheRecord();
     void aFileThatOffersNothingLeavesOnlyCancel_data();
     void aFileThatOffersNothingLeavesOnlyCancel();
     void signalsFromFilesAreOfferedNothing_data();
     void signalsFromFilesAreOfferedNothing();
     void aSinglePointInsideOffersAPolynomialOfNoNumbers();
+    void aFitThatFailsLeavesDirectUsable();
     void morePointsThanLinesStopAtTheLines();
     void aDialogClosedDuringTheJobIsNotTouched();
     void chartIsUpHalfASecondAfterTheFit();
@@ -215,13 +215,27 @@ void TestLoadTraceDialog::loadPolynomialStoresTheCurveAtTheLines()
     QTRY_VERIFY(dialog.isNull());
 }
 
+void TestLoadTraceDialog::cancelKeepsTheRecord_data()
+{
+    QTest::addColumn<bool>("hasCorrection");
+    QTest::newRow("without a correction") << false;
+    QTest::newRow("with one") << true;
+}
+
 void TestLoadTraceDialog::cancelKeepsTheRecord()
 {
+    QFETCH(bool, hasCorrection);
+    const QVector<double> before = hasCorrection ? QVector<double>{1, 2} : QVector<double>();
+    setup->compensationTrace = before;
+    setup->traceLoaded = hasCorrection;
+    setup->compensate = hasCorrection;
     openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
     QTRY_VERIFY(operate->isEnabled("load_poly_button"));
     operate->click("cancel_button");
     QTRY_VERIFY(dialog.isNull());
-    QVERIFY(isUntouched());
+    QCOMPARE(setup->compensationTrace, before);
+    QCOMPARE(setup->traceLoaded, hasCorrection);
+    QCOMPARE(setup->compensate, hasCorrection);
 }
 
 void TestLoadTraceDialog::aFileThatOffersNothingLeavesOnlyCancel_data()
@@ -276,6 +290,26 @@ void TestLoadTraceDialog::aSinglePointInsideOffersAPolynomialOfNoNumbers()
     operate->click("load_poly_button");
     QCOMPARE(setup->compensationTrace.size(), 1024);
     QVERIFY(!std::isfinite(setup->compensationTrace.first()));
+}
+
+void TestLoadTraceDialog::aFitThatFailsLeavesDirectUsable()
+{
+    // The middle of 1 GHz and infinity is infinite: the first point lies below all lines and the
+    // second, infinity less infinity, nowhere. So the first point to fit is 1 and the last is 0.
+    openDialog(writeTrace("1e9;-10\ninf;-20\n"));
+    const QSignalSpy poly(dialog, &LoadTraceDialog::polyLoaded);
+    QTRY_VERIFY(operate->isEnabled("load_direct_button"));
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+    QCOMPARE(poly.count(), 0);
+    QVERIFY(!operate->isEnabled("load_poly_button"));
+    QVERIFY(QApplication::activeModalWidget() == nullptr);
+    QCOMPARE(operate->text("length"), QStringLiteral("2"));
+    operate->click("load_direct_button");
+    QCOMPARE(setup->compensationTrace.mid(0, 3), QVector<double>({10, 20, 0}));
+    QVERIFY(setup->traceLoaded);
+    QVERIFY(setup->compensate);
+    QTRY_VERIFY(dialog.isNull());
 }
 
 void TestLoadTraceDialog::morePointsThanLinesStopAtTheLines()
@@ -335,12 +369,18 @@ void TestLoadTraceDialog::theLongestSignalKeepsTheWindowAnswering()
     setup->fftLengthIndex = 0;
     setup->signal.reset(4194304);
     openDialog(writeTrace(tiltedTrace(1001, 1e9, 100e6)));
-    Heartbeat heartbeat;
+    Paints paints;
+    dialog->findChild<QtCharts::QChartView*>()->viewport()->installEventFilter(&paints);
+    connect(dialog, &LoadTraceDialog::polyLoaded, this, [&] { paints.count = 0; });
+    Heartbeat heartbeat(2000);
     QTRY_VERIFY_WITH_TIMEOUT(operate->isEnabled("load_poly_button"), 60000);
-    QTest::qWait(50); // the paints that follow
+    QTRY_VERIFY(paints.count > 0);
     QCOMPARE(curves().last()->count(), 4194304);
+    paints.count = 0;
     dialog->resize(900, 700);
-    QTest::qWait(50);
+    QTRY_VERIFY(paints.count > 0);
+    const int beatsBefore = heartbeat.beats;
+    QTRY_VERIFY(heartbeat.beats > beatsBefore); // which tells how long the last paint took
     QVERIFY2(heartbeat.longest < (isInstrumented ? 10000 : 2000),
              qPrintable(QString::number(heartbeat.longest)));
     operate->click("load_poly_button");

@@ -17,6 +17,8 @@ private slots:
     void everyVisaTransportSaysSo();
     void theOthersNeedNone();
     void theDriversFolderIsUnknown();
+    void aRegistryNamesTheDriversFolder_data();
+    void aRegistryNamesTheDriversFolder();
 };
 
 void TestVisaMissing::itCountsAsAbsent()
@@ -45,6 +47,35 @@ void TestVisaMissing::theOthersNeedNone()
 void TestVisaMissing::theDriversFolderIsUnknown()
 {
     QCOMPARE(vxipnpFrameworkPath(), QString("---"));
+}
+
+void TestVisaMissing::aRegistryNamesTheDriversFolder_data()
+{
+    QTest::addColumn<QString>("preferred");
+    QTest::addColumn<QString>("other");
+    QTest::addColumn<QString>("folder");
+    QTest::newRow("neither") << QString() << QString() << "---";
+    QTest::newRow("the first name") << "C:\\VXIpnp\\" << QString() << "C:\\VXIpnp\\bin";
+    QTest::newRow("the other name") << QString() << "D:\\Old\\"
+                                    << "D:\\Old\\bin";
+    QTest::newRow("both names") << "C:\\VXIpnp\\"
+                                << "D:\\Old\\"
+                                << "C:\\VXIpnp\\bin";
+    QTest::newRow("no separator at the end") << "C:\\VXI" << QString() << "C:\\VXIbin";
+}
+
+void TestVisaMissing::aRegistryNamesTheDriversFolder()
+{
+    QFETCH(QString, preferred);
+    QFETCH(QString, other);
+    const QMap<QString, QString> stored{{"FRAMEWORK_PATH", preferred}, {"FrameworkPath", other}};
+    const auto registry = [&stored](const char* key, const char* name) -> std::optional<QString> {
+        const QString value = stored.value(name);
+        const bool isThere =
+            !value.isNull() && !qstrcmp(key, "SOFTWARE\\VXIPNP_Alliance\\VXIPNP\\CurrentVersion");
+        return isThere ? std::make_optional(value) : std::nullopt;
+    };
+    QTEST(vxipnpFrameworkPath(registry), "folder");
 }
 
 QTEST_GUILESS_MAIN(TestVisaMissing)

@@ -1,32 +1,18 @@
 // The sweep dialog, operated by clicks: its form, its numbers, and every order in which it may be
 // stopped, restarted, closed and destroyed.
-#include "signal/crest_factor_dialog.h"
-
-#include "setup/measurement_setup.h"
-#include "signal/calculation.h"
-#include "support/instrumented.h"
-#include "support/window_driver.h"
+#include "support/sweep_test.h"
 
 #include <QProgressBar>
-#include <QTableWidget>
 
-#include <algorithm>
 #include <cmath>
 
-namespace {
-
-// How long the window may be away, in ms.
-constexpr qint64 answerTime = isInstrumented ? 1000 : 100;
-
-} // namespace
-
-class TestCrestFactorDialog : public QObject
+class TestCrestFactorDialog : public SweepTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { openDialog(); }
+    void cleanup() { closeDialog(); }
 
     void windowIsFixedAndModal();
     void objectsStandAtTheirPlaces_data();
@@ -44,69 +30,13 @@ private slots:
     void aTieKeepsTheEarlierSeed();
     void lateResultsMayTakeTheCountBelowZero();
 
-    void stopLeavesAtMostTheCalculatingSeeds();
     void stopWithoutASweepIsHarmless();
     void stopAndStartAtOnceEndsInOrder();
     void okEndsTheSweepAndLogs();
     void theFramesCloseButtonLeavesTheSweepRunning();
     void theDialogMayBeDestroyedAtAnyMoment_data();
     void theDialogMayBeDestroyedAtAnyMoment();
-    void destroyingDoesNotWaitForAWorker();
-    void aThousandSeedsKeepTheWindowAnswering();
-    void aThousandSeedsTakeNoFiles();
-
-private:
-    void sweep(int seeds);
-    bool isIdle() const { return operate->isEnabled("start_button"); }
-    QTableWidget* table() const { return operate->find<QTableWidget>("tableWidget"); }
-    QStringList rows() const;
-    // A sweep's copy of the record shares the signal's vectors until the last worker is deleted.
-    bool workersAreGone() const { return setup->signal.iSamples.isDetached(); }
-    int filledRows() const { return rows().filter(QRegularExpression(".")).size(); }
-
-    std::unique_ptr<MeasurementSetup> setup; // 1024 points
-    std::unique_ptr<CrestFactorDialog> dialog;
-    std::unique_ptr<WindowDriver> operate;
 };
-
-void TestCrestFactorDialog::init()
-{
-    setup = std::make_unique<MeasurementSetup>();
-    setup->fftLengthIndex = 12;
-    dialog = std::make_unique<CrestFactorDialog>();
-    dialog->setSetup(setup.get());
-    operate = std::make_unique<WindowDriver>(*dialog);
-    dialog->show();
-    QVERIFY(QTest::qWaitForWindowExposed(dialog.get()));
-}
-
-// The record goes first: a late worker must not need it.
-void TestCrestFactorDialog::cleanup()
-{
-    setup.reset();
-    operate.reset();
-    dialog.reset();
-    QTRY_VERIFY(qApp->findChildren<Calculation*>().isEmpty());
-}
-
-void TestCrestFactorDialog::sweep(int seeds)
-{
-    operate->type("seed_count_input", QString::number(seeds));
-    operate->click("start_button");
-    QVERIFY(!operate->isEnabled("start_button"));
-    QVERIFY(operate->isEnabled("stop_button"));
-    QTRY_VERIFY_WITH_TIMEOUT(isIdle(), 60000);
-}
-
-QStringList TestCrestFactorDialog::rows() const
-{
-    QStringList texts;
-    for (int row = 0; row < table()->rowCount(); ++row) {
-        const QTableWidgetItem* item = table()->item(row, 0);
-        texts.append(item == nullptr ? QString() : item->text());
-    }
-    return texts;
-}
 
 void TestCrestFactorDialog::windowIsFixedAndModal()
 {
@@ -297,22 +227,7 @@ void TestCrestFactorDialog::lateResultsMayTakeTheCountBelowZero()
     QVERIFY(isIdle());
     sweep(2); // and the next sweep counts from the start
     QCOMPARE(operate->find<QProgressBar>("progressBar")->value(), 2);
-}
-
-void TestCrestFactorDialog::stopLeavesAtMostTheCalculatingSeeds()
-{
-    setup->fftLengthIndex = 3; // long enough that hardly one ends between the two clicks
-    setup->signal.reset(1);
-    operate->type("seed_count_input", "1000");
-    operate->click("start_button");
-    QVERIFY(!workersAreGone());
-    operate->click("stop_button");
-    QVERIFY(operate->isEnabled("start_button"));
-    QVERIFY(!operate->isEnabled("stop_button"));
-    QTRY_VERIFY_WITH_TIMEOUT(workersAreGone(), 30000);
-    QVERIFY2(filledRows() <= 3 + 3, qPrintable(QString::number(filledRows())));
-    QCOMPARE(operate->find<QProgressBar>("progressBar")->value(), filledRows());
-    QCOMPARE(operate->find<QProgressBar>("progressBar")->maximum(), 1000);
+    QVERIFY(operate->text("max_cf_output").toDouble() < 29.0);
 }
 
 void TestCrestFactorDialog::stopWithoutASweepIsHarmless()
@@ -381,53 +296,6 @@ void TestCrestFactorDialog::theDialogMayBeDestroyedAtAnyMoment()
     setup.reset();
     operate.reset();
     dialog.reset(); // cleanup waits until the application has got rid of all workers
-}
-
-void TestCrestFactorDialog::destroyingDoesNotWaitForAWorker()
-{
-    setup->fftLengthIndex = 0; // a calculation takes seconds
-    operate->type("seed_count_input", "3");
-    operate->click("start_button");
-    QElapsedTimer timer;
-    timer.start();
-    operate.reset();
-    dialog.reset();
-    QVERIFY2(timer.elapsed() < 200, qPrintable(QString::number(timer.elapsed())));
-    QTRY_VERIFY_WITH_TIMEOUT(qApp->findChildren<Calculation*>().isEmpty(), 60000);
-}
-
-void TestCrestFactorDialog::aThousandSeedsKeepTheWindowAnswering()
-{
-    setup->fftLengthIndex = 5; // 131072
-    setup->signal.reset(1);
-    operate->type("seed_count_input", "1000");
-    QElapsedTimer sinceLast;
-    qint64 longest = 0;
-    QTimer heartbeat;
-    connect(&heartbeat, &QTimer::timeout,
-            [&] { longest = std::max(longest, sinceLast.restart()); });
-    sinceLast.start();
-    heartbeat.start(1);
-    QCoreApplication::processEvents();
-    operate->click("start_button");
-    QTRY_VERIFY_WITH_TIMEOUT(filledRows() >= 100, 60000);
-    operate->click("stop_button");
-    QTRY_VERIFY(workersAreGone());
-    QVERIFY2(longest < answerTime, qPrintable(QString::number(longest)));
-}
-
-void TestCrestFactorDialog::aThousandSeedsTakeNoFiles()
-{
-    const QDir openFiles(QStringLiteral("/proc/self/fd"));
-    if (!openFiles.exists()) {
-        QSKIP("the system doesn't list open files");
-    }
-    setup->fftLengthIndex = 3;
-    const uint before = openFiles.count();
-    operate->type("seed_count_input", "1000");
-    operate->click("start_button");
-    QTRY_VERIFY(filledRows() >= 1); // the threads have begun
-    QVERIFY(QDir("/proc/self/fd").count() < before + 20);
 }
 
 QTEST_MAIN(TestCrestFactorDialog)

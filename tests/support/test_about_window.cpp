@@ -5,6 +5,7 @@
 
 #include <QClipboard>
 #include <QGridLayout>
+#include <QScrollArea>
 #include <QTabWidget>
 #include <QTextBlock>
 #include <QTextDocument>
@@ -77,6 +78,10 @@ private slots:
 
     void theLabelsShowTheFiveTexts();
     void theFormHasItsFixedGeometry();
+    void theTextsOfTheHeadAreAlignedToTheRight();
+    void theTitleIsLargeAndInTheAccentColour();
+    void theTabsHaveABoldTypeface();
+    void theListsScrollInTheirTabs();
     void theLogoIsPartOfTheProgram();
     void theProductPageIsNamedAfterTheDocument();
     void theTermsOfUseAreLinked();
@@ -131,11 +136,11 @@ void TestAboutWindow::theFormHasItsFixedGeometry()
     QCOMPARE(window->minimumSize(), QSize(570, 369));
     QCOMPARE(window->maximumSize(), QSize(570, 369));
     const QMap<QString, QRect> places{
-        {"bg_image", {-220, -250, 700, 700}}, {"title", {20, 20, 531, 41}},
-        {"subtitle", {30, 60, 521, 20}},      {"version", {20, 80, 531, 20}},
-        {"product_page", {30, 130, 521, 20}}, {"mail", {20, 150, 531, 20}},
-        {"tabs", {20, 170, 531, 181}},        {"label_2", {10, 20, 501, 16}},
-        {"label_3", {10, 40, 501, 16}}};
+        {"centralwidget", {0, 0, 571, 371}}, {"bg_image", {-220, -250, 700, 700}},
+        {"title", {20, 20, 531, 41}},        {"subtitle", {30, 60, 521, 20}},
+        {"version", {20, 80, 531, 20}},      {"product_page", {30, 130, 521, 20}},
+        {"mail", {20, 150, 531, 20}},        {"tabs", {20, 170, 531, 181}},
+        {"label_2", {10, 20, 501, 16}},      {"label_3", {10, 40, 501, 16}}};
     for (auto place = places.begin(); place != places.end(); ++place) {
         const auto* widget = window->findChild<QWidget*>(place.key());
         QVERIFY2(widget != nullptr && widget->geometry() == place.value(), qPrintable(place.key()));
@@ -145,6 +150,49 @@ void TestAboutWindow::theFormHasItsFixedGeometry()
     QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
     QVERIFY(!flags.testFlag(Qt::WindowMaximizeButtonHint));
     QVERIFY(!flags.testFlag(Qt::WindowContextHelpButtonHint));
+}
+
+void TestAboutWindow::theTextsOfTheHeadAreAlignedToTheRight()
+{
+    for (const char* name : {"title", "subtitle", "version", "product_page", "mail"}) {
+        const Qt::Alignment alignment = operate->find<QLabel>(name)->alignment();
+        QVERIFY2((alignment & Qt::AlignHorizontal_Mask).testFlag(Qt::AlignRight), name);
+    }
+}
+
+void TestAboutWindow::theTitleIsLargeAndInTheAccentColour()
+{
+    const auto* title = operate->find<QLabel>("title");
+    QCOMPARE(title->font().family(), QStringLiteral("Arial Narrow"));
+    QCOMPARE(title->font().pixelSize(), 28);
+    QVERIFY(title->font().bold());
+    QCOMPARE(title->palette().color(QPalette::WindowText), QColor(0, 142, 214));
+}
+
+void TestAboutWindow::theTabsHaveABoldTypeface()
+{
+    const auto* tabs = operate->find<QTabWidget>("tabs");
+    QCOMPARE(tabs->tabPosition(), QTabWidget::North);
+    QCOMPARE(tabs->font().family(), QStringLiteral("Arial"));
+    QCOMPARE(tabs->font().weight(), 75);
+}
+
+void TestAboutWindow::theListsScrollInTheirTabs()
+{
+    const struct
+    {
+        const char* area;
+        const char* content;
+        const char* tab;
+    } lists[] = {{"scroll_driver", "driver_content", "tab_driver"},
+                 {"scroll_system", "scroll_content", "tab_system"}};
+    for (const auto& list : lists) {
+        const auto* area = operate->find<QScrollArea>(list.area);
+        QCOMPARE(area->size(), QSize(530, 158));
+        QVERIFY(area->widgetResizable());
+        QCOMPARE(area->widget(), content(list.content));
+        QCOMPARE(area->parentWidget(), content(list.tab));
+    }
 }
 
 void TestAboutWindow::theLogoIsPartOfTheProgram()

@@ -54,9 +54,10 @@ private slots:
     void aLocaleOfNoCountryShowsDashes();
     void theFirstTraceDatesTheInstallation();
     void withoutATraceTheDateIsMissing();
-    void theQtVersionIsThatOfTheRun();
+    void theQtVersionIsThatOfTheBuild();
     void aVisaLibraryIsNamedBehindItsLinks();
     void aVisaLibraryWithoutANumberHasNoVersion();
+    void theVisaLibraryIsTheOneThatTheProgramLoads();
     void rowsWithoutAMeaningShowDashes();
     void noDriversAreListed();
     void thisPlatformIsChosen();
@@ -150,9 +151,9 @@ void TestLinuxOSInfo::withoutATraceTheDateIsMissing()
     QCOMPARE(rows()["Operating System/Installed"], QStringLiteral("---"));
 }
 
-void TestLinuxOSInfo::theQtVersionIsThatOfTheRun()
+void TestLinuxOSInfo::theQtVersionIsThatOfTheBuild()
 {
-    QCOMPARE(rows()["DLL and EXE versions/Qt"], QString::fromLatin1(qVersion()));
+    QCOMPARE(rows()["DLL and EXE versions/Qt"], QStringLiteral(QT_VERSION_STR));
 }
 
 void TestLinuxOSInfo::aVisaLibraryIsNamedBehindItsLinks()
@@ -169,6 +170,28 @@ void TestLinuxOSInfo::aVisaLibraryWithoutANumberHasNoVersion()
     touch("libvisa64.so");
     QCOMPARE(rows()["VISA/Name"], QStringLiteral("libvisa64.so"));
     QCOMPARE(rows()["VISA/Version"], QStringLiteral("---"));
+}
+
+void TestLinuxOSInfo::theVisaLibraryIsTheOneThatTheProgramLoads()
+{
+    QVERIFY(QDir(folder->path()).mkdir("first folder"));
+    places.visaFolders.prepend(folder->filePath("first folder"));
+    const auto name = [this] { return rows()["VISA/Name"]; };
+
+    touch("libvisa.so.7.2.1"); // under a number that is never tried
+    touch("libvisa64.so.1");
+    QCOMPARE(name(), QStringLiteral("---"));
+
+    touch("libvisa.so.0");
+    QCOMPARE(name(), QStringLiteral("libvisa.so.0"));
+    touch("first folder/libvisa.so.0");
+    touch("libvisa.so"); // tried before, in whatever folder
+    QCOMPARE(name(), QStringLiteral("libvisa.so"));
+    touch("libvisa64.so");
+    QCOMPARE(name(), QStringLiteral("libvisa64.so"));
+    QVERIFY(QFile::link(folder->filePath("libvisa64.so.1"),
+                        folder->filePath("first folder/libvisa64.so")));
+    QCOMPARE(name(), QStringLiteral("libvisa64.so.1"));
 }
 
 void TestLinuxOSInfo::rowsWithoutAMeaningShowDashes()
