@@ -1,4 +1,5 @@
 #include "app/main_window.h"
+#include "transform/large_pages.h"
 
 #include <QApplication>
 
@@ -6,6 +7,7 @@
 
 int main(int argc, char* argv[])
 {
+    keepLargeBlocksApart();
 #ifdef SIGXFSZ
     // A limit on the size of files is a failed write and not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);

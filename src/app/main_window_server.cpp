@@ -11,11 +11,11 @@
 
 namespace {
 
-constexpr int requestSize = 1024;            // bytes of one read
-constexpr int writeSize = 64000;             // bytes of one write
-constexpr qint64 mostUnread = 1048576;       // bytes; the rest waits in the client
-constexpr qint64 mostUnsent = 256 * 1048576; // bytes; a client that has not read them waits
-constexpr int mostFormerClients = 32;        // each holds a descriptor, of which a process has few
+constexpr int requestSize = 1024;                    // bytes of one read
+constexpr int writeSize = 64000;                     // bytes of one write
+constexpr qint64 mostUnread = 1048576;               // bytes; the rest waits in the client
+constexpr qint64 mostUnsent = qint64{256} * 1048576; // bytes; a client that has not read them waits
+constexpr int mostFormerClients = 32; // each holds a descriptor, of which a process has few
 
 } // namespace
 

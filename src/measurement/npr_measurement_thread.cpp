@@ -114,12 +114,16 @@ void NPRMeasurementThread::requestSingleMeasurement()
     requests.erase(std::remove_if(requests.begin(), requests.end(),
                                   [](const QFuture<void>& each) { return each.isFinished(); }),
                    requests.end());
-    requests.append(QtConcurrent::run([this] {
-        QMutexLocker lock(&mutex);
-        if (running) { // a request still waiting for its turn when the program ends is dropped
-            measure(lock);
-        }
-    }));
+    requests.append(QtConcurrent::run([this] { serveRequest(); }));
+}
+
+// A request that still waits for its turn when the program ends is dropped.
+void NPRMeasurementThread::serveRequest()
+{
+    QMutexLocker lock(&mutex);
+    if (running) {
+        measure(lock);
+    }
 }
 
 NPRMeasurementThread::Result NPRMeasurementThread::results() const

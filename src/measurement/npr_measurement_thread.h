@@ -64,6 +64,7 @@ protected:
 
 private:
     void measure(QMutexLocker& lock); // with the mutex held; unlocks before it tells a failure
+    void serveRequest();
     void takeOfferedAnalyzer();
     void sleepWhilePaused();
     void waitForMainThread();

@@ -7,19 +7,35 @@
 #ifdef Q_OS_LINUX
 #include <sys/mman.h>
 #endif
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
-// A wish: where the system has no such pages, or the memory is shorter than some of them,
-// nothing changes.
+constexpr int largeBlock = 1 << 22; // bytes
+
+// From here on a large block of memory lies apart from the small ones and goes back to the system
+// when it is freed. By itself the library would after a while mix blocks of up to 32 MiB with small
+// ones, which then keep the pages of all between them. To be called first in a program.
+inline void keepLargeBlocksApart()
+{
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, largeBlock);
+    mallopt(M_TRIM_THRESHOLD, 4 * largeBlock); // what a heap may keep for blocks to come
+#endif
+}
+
+// A wish: where the system has no such pages, or the memory is no large block, nothing changes.
 inline void preferLargePages(void* memory, quint64 bytes)
 {
 #ifdef Q_OS_LINUX
+    if (bytes < largeBlock) {
+        return;
+    }
     constexpr quint64 page = quint64{1} << 21;
     const auto address = reinterpret_cast<quint64>(memory);
     const quint64 begin = (address + page - 1) / page * page;
     const quint64 end = (address + bytes) / page * page;
-    if (begin + page < end) {
-        madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
-    }
+    madvise(static_cast<char*>(memory) + (begin - address), end - begin, MADV_HUGEPAGE);
 #else
     Q_UNUSED(memory)
     Q_UNUSED(bytes)

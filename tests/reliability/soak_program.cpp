@@ -3,6 +3,7 @@
 // status 0 when nothing was lost on the way: as many threads and as much memory as at the start,
 // and no warning but the known ones.
 #include "reliability/soak_operator.h"
+#include "transform/large_pages.h"
 
 #include <QFile>
 #include <QThreadPool>
@@ -82,6 +83,7 @@ bool isAsBefore(const Level& start, const Level& first, const Level& last)
 
 int main(int argc, char* argv[])
 {
+    keepLargeBlocksApart();
     qInstallMessageHandler(note);
     QApplication application(argc, argv);
     QThreadPool::globalInstance()->setExpiryTimeout(1000);
