@@ -39,6 +39,9 @@ function(notchbench_test name)
     if(NOT ARG_TIMEOUT)
         set(ARG_TIMEOUT 120)
     endif()
+    if(NOTCHBENCH_SANITIZER) # several times slower
+        math(EXPR ARG_TIMEOUT "4 * ${ARG_TIMEOUT}")
+    endif()
     set_tests_properties(${name} PROPERTIES
         ENVIRONMENT "${environment};${NOTCHBENCH_SANITIZER_ENVIRONMENT}"
         TIMEOUT ${ARG_TIMEOUT}

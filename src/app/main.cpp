@@ -7,7 +7,7 @@
 
 int main(int argc, char* argv[])
 {
-    keepLargeBlocksApart();
+    returnFreedMemory();
 #ifdef SIGXFSZ
     // A limit on the size of files is a failed write and not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);

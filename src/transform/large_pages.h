@@ -13,14 +13,16 @@
 
 constexpr int largeBlock = 1 << 22; // bytes
 
-// From here on a large block of memory lies apart from the small ones and goes back to the system
-// when it is freed. By itself the library would after a while mix blocks of up to 32 MiB with small
-// ones, which then keep the pages of all between them. To be called first in a program.
-inline void keepLargeBlocksApart()
+// From here on large blocks of memory lie apart from small ones and go back to the system when they
+// are freed, and threads share two heaps. By itself the library would after a while mix blocks of
+// up to 32 MiB with small ones, in a heap a thread, and the small ones that live long would keep
+// the pages of all between them. To be called first in a program.
+inline void returnFreedMemory()
 {
 #ifdef __GLIBC__
     mallopt(M_MMAP_THRESHOLD, largeBlock);
     mallopt(M_TRIM_THRESHOLD, 4 * largeBlock); // what a heap may keep for blocks to come
+    mallopt(M_ARENA_MAX, 2);
 #endif
 }
 
