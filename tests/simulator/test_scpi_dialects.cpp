@@ -1,27 +1,12 @@
 // The words that the program sends to its instruments, row by row of its dialects.
-#include "simulator/scpi_session.h"
+#include "scpi_session_test.h"
 
-#include <QtTest>
-
-namespace {
-
-const char noError[] = "0,\"No error\"";
-
-QByteArray tell(ScpiSession& session, const QByteArray& line)
-{
-    for (const ScpiUnit& unit : scpiUnits(line)) {
-        session.run(unit);
-    }
-    return session.takeAnswers();
-}
-
-} // namespace
-
-class TestScpiDialects : public QObject
+class TestScpiDialects : public ScpiSessionTest
 {
     Q_OBJECT
 
 private slots:
+    void init() { bench.settings = {}; }
     void everyGeneratorDialectIsUnderstood_data();
     void everyGeneratorDialectIsUnderstood();
     void everyMicrowaveDialectIsUnderstood_data();
@@ -32,21 +17,6 @@ private slots:
     void tuningToANotchIsUnderstood();
     void automaticSettingsAreUnderstood();
     void aValueEndsTheAutomaticChoice();
-
-private:
-    static BenchWiring withMicrowave()
-    {
-        BenchWiring wiring;
-        wiring.hasMicrowave = true;
-        return wiring;
-    }
-
-    Bench bench{withMicrowave()};
-    ScpiSession main() { return {bench, BenchFace::GeneratorAndAnalyzer, "B15"}; }
-    ScpiSession microwave() { return {bench, BenchFace::Microwave, "B15,B23"}; }
-
-private slots:
-    void init() { bench.settings = {}; }
 };
 
 void TestScpiDialects::everyGeneratorDialectIsUnderstood_data()

@@ -1,29 +1,13 @@
 // What the instruments answer, what they make of bad words, and whom a reset reaches.
 #include "multitone.h"
+#include "scpi_session_test.h"
 
-#include "simulator/scpi_session.h"
-
-#include <QtTest>
-
-namespace {
-
-const char noError[] = "0,\"No error\"";
-
-QByteArray tell(ScpiSession& session, const QByteArray& line)
-{
-    for (const ScpiUnit& unit : scpiUnits(line)) {
-        session.run(unit);
-    }
-    return session.takeAnswers();
-}
-
-} // namespace
-
-class TestScpiSession : public QObject
+class TestScpiSession : public ScpiSessionTest
 {
     Q_OBJECT
 
 private slots:
+    void init() { bench.settings = {}; }
     void aMeasurementAnswersReferenceLowerAndUpper();
     void absoluteChannelsAnswerInDbm();
     void theOutputCanBeSwitchedOff_data();
@@ -37,21 +21,6 @@ private slots:
     void goingToLocalIsNoError();
     void clearingForgetsTheErrors();
     void eachConnectionHasItsOwnErrors();
-
-private:
-    static BenchWiring withMicrowave()
-    {
-        BenchWiring wiring;
-        wiring.hasMicrowave = true;
-        return wiring;
-    }
-
-    Bench bench{withMicrowave()};
-    ScpiSession main() { return {bench, BenchFace::GeneratorAndAnalyzer, "B15"}; }
-    ScpiSession microwave() { return {bench, BenchFace::Microwave, "B15,B23"}; }
-
-private slots:
-    void init() { bench.settings = {}; }
 };
 
 void TestScpiSession::aMeasurementAnswersReferenceLowerAndUpper()
