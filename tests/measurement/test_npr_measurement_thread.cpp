@@ -18,6 +18,13 @@ Analyzer connectedAnalyzer()
     return analyzer;
 }
 
+// An analyzer that answers whom one asks for; what it measures is told by the test.
+class UsualDevice : public ScriptedInstrument
+{
+public:
+    UsualDevice() { answer("*IDN?", "an analyzer\n"); }
+};
+
 // Counts measurementError without sending its argument anywhere.
 class FailureCount
 {
@@ -68,8 +75,7 @@ private slots:
 
 void TestNprMeasurementThread::oneMeasurementGivesThreeNumbers()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "-10.5,-1.25,-42\n");
     NPRMeasurementThread thread;
     QCOMPARE(thread.results(), (NPRMeasurementThread::Result{0.0, 0.0, 0.0}));
@@ -85,8 +91,7 @@ void TestNprMeasurementThread::oneMeasurementGivesThreeNumbers()
 
 void TestNprMeasurementThread::twoRequestsRunOneAfterTheOther()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, {{200, "1,2,3\n"}});
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
@@ -101,8 +106,7 @@ void TestNprMeasurementThread::twoRequestsRunOneAfterTheOther()
 
 void TestNprMeasurementThread::aPausedThreadMeasuresNothing()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
@@ -119,8 +123,7 @@ void TestNprMeasurementThread::aPausedThreadMeasuresNothing()
 
 void TestNprMeasurementThread::resumedItMeasuresWithoutAPause()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
@@ -147,8 +150,7 @@ void TestNprMeasurementThread::resumedItMeasuresWithoutAPause()
 
 void TestNprMeasurementThread::pausingWaitsForTheEndOfTheMeasurement()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, {{800, "1,2,3\n"}});
     NPRMeasurementThread thread;
     thread.setAnalyzer(connectedAnalyzer());
@@ -171,8 +173,7 @@ void TestNprMeasurementThread::pausingWaitsForTheEndOfTheMeasurement()
 
 void TestNprMeasurementThread::stoppedWhilePausedItEndsWithoutMeasuring()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     NPRMeasurementThread thread;
     thread.setAnalyzer(connectedAnalyzer());
     device.takeReceivedUpTo("&GTL\n");
@@ -185,8 +186,7 @@ void TestNprMeasurementThread::stoppedWhilePausedItEndsWithoutMeasuring()
 
 void TestNprMeasurementThread::destructionInTheMiddleOfAMeasurementWaitsForIt()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, {{600, "1,2,3\n"}});
     {
         NPRMeasurementThread thread;
@@ -201,8 +201,7 @@ void TestNprMeasurementThread::destructionInTheMiddleOfAMeasurementWaitsForIt()
 
 void TestNprMeasurementThread::destructionDropsRequestsThatWait()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, {{300, "1,2,3\n"}});
     QElapsedTimer timer;
     {
@@ -219,8 +218,7 @@ void TestNprMeasurementThread::destructionDropsRequestsThatWait()
 
 void TestNprMeasurementThread::anAnalyzerThatWasNeverConnectedIsConnectedFirst()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy connected(&thread, &NPRMeasurementThread::analyzerConnected);
@@ -237,8 +235,7 @@ void TestNprMeasurementThread::anAnalyzerThatWasNeverConnectedIsConnectedFirst()
 
 void TestNprMeasurementThread::aConnectionOfItsOwnIsKeptUntilTheRecordHasIt()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
@@ -276,8 +273,7 @@ void TestNprMeasurementThread::aMissingVisaLibraryIsReported()
 
 void TestNprMeasurementThread::aFailedMeasurementKeepsTheFormerResult()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     FailureCount failures(thread);
@@ -314,8 +310,7 @@ void TestNprMeasurementThread::aFailingDeviceDoesNotFillTheQueue()
 
 void TestNprMeasurementThread::aReplacedAnalyzerIsUsed()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
+    UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
