@@ -36,10 +36,13 @@ public:
 
     ~ScriptedInstrument()
     {
-        onThread([this] {
-            qDeleteAll(server.findChildren<QTcpSocket*>());
-            server.close();
-        });
+        // A static one may outlive the application, and then no call arrives on the thread.
+        if (QCoreApplication::instance() != nullptr) {
+            onThread([this] {
+                qDeleteAll(server.findChildren<QTcpSocket*>());
+                server.close();
+            });
+        }
         thread.quit();
         thread.wait();
     }
@@ -96,11 +99,15 @@ public:
 private:
     template <class Work> void onThread(Work work)
     {
-        // Released when the call has gone, made or not: without an application it is not made.
+        // Shared, because releasing may go on when it has been acquired.
         const auto done = std::make_shared<QSemaphore>();
-        std::shared_ptr<void> call(nullptr, [done](void* /*none*/) { done->release(); });
         QMetaObject::invokeMethod(
-            &server, [&work, call = std::move(call)] { work(); }, Qt::QueuedConnection);
+            &server,
+            [&work, done] {
+                work();
+                done->release();
+            },
+            Qt::QueuedConnection);
         done->acquire();
     }
 
