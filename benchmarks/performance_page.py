@@ -92,7 +92,7 @@ NOTCHES = {
 
 class Plot:
     """Curves over logarithmic axes."""
-    WIDTH, HEIGHT, LEFT, RIGHT, TOP, BOTTOM = 720, 400, 70, 20, 20, 50
+    WIDTH, HEIGHT, LEFT, RIGHT, TOP, BOTTOM = 720, 420, 70, 20, 40, 50
     COLOURS = ["#008ed6", "#ff8f29", "#555555"]
 
     def __init__(self, curves, x_title, ticks):
@@ -133,11 +133,11 @@ class Plot:
                    f'{10.0 ** decade:g} ms</text>')
         yield (f'<text x="{(self.LEFT + right) / 2}" y="{self.HEIGHT - 8}" '
                f'text-anchor="middle">{self.x_title}</text>')
-        for row, (name, curve) in enumerate(self.curves.items()):
-            colour = self.COLOURS[row]
+        for number, (name, curve) in enumerate(self.curves.items()):
+            colour = self.COLOURS[number]
             points = " ".join(f"{self.x(n):.1f},{self.y(t):.1f}" for n, t in curve)
             yield f'<polyline points="{points}" fill="none" stroke="{colour}" stroke-width="2"/>'
-            yield (f'<text x="{self.LEFT + 12}" y="{self.TOP + 18 + 18 * row}" '
+            yield (f'<text x="{self.LEFT + 200 * number}" y="{self.TOP - 16}" '
                    f'fill="{colour}">{name}</text>')
         yield "</svg>\n"
 
