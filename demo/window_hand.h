@@ -42,8 +42,9 @@ inline bool calculate(MainWindow& window)
 // The port that the window listens on: 1000 where the system lets it, otherwise a free one.
 inline quint16 reachablePort(MainWindow& window)
 {
-    const auto* server = window.findChild<QTcpServer*>();
-    if (server != nullptr && server->isListening()) {
+    // The newest server is the present one; a former one goes a little later.
+    const QTcpServer* server = window.findChildren<QTcpServer*>().constLast();
+    if (server->isListening()) {
         return server->serverPort();
     }
     QTcpServer free;
