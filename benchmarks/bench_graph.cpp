@@ -2,8 +2,8 @@
 // graph at 1600x800 (at most 10 ms), one step of a drag with its repaint (16 ms, a frame), and a
 // refresh of the whole window up to the painted screen (20 ms). The rows come in table order, as
 // "Auto-Calculate" makes them, and out of order, where the outline doubles back.
-#include "app/graph_widget.h"
 #include "app/main_window.h"
+#include "graph/graph_widget.h"
 #include "setup/measurement_setup.h"
 
 #include <benchmark/benchmark.h>

@@ -4,9 +4,9 @@
 //
 // Memory and start are those of processes of their own: this program, with the scenario's name.
 #include "app/main_window.h"
-#include "app/status_replies.h"
+#include "kit/window_driver.h"
 #include "setup/measurement_setup.h"
-#include "support/window_driver.h"
+#include "status/status_replies.h"
 #include "turns.h"
 
 #include <benchmark/benchmark.h>

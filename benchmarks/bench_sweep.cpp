@@ -4,7 +4,7 @@
 // is idle.
 #include "setup/measurement_setup.h"
 #include "signal/calculation.h"
-#include "signal/crest_factor_dialog.h"
+#include "signal/dialogs/crest_factor_dialog.h"
 
 #include <benchmark/benchmark.h>
 

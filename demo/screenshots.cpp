@@ -1,7 +1,7 @@
 // Makes the pictures of README and manual from the real windows: takes the folder that they go to.
 #include "demo/window_hand.h"
 
-#include "fit/load_trace_dialog.h"
+#include "fit/dialogs/load_trace_dialog.h"
 #include "setup/measurement_setup.h"
 
 #include <QAction>

@@ -1,7 +1,7 @@
 // Requests to the status server, with new data and without.
-#include "app/status_replies.h"
 #include "fuzz/input_file.h"
 #include "setup/measurement_setup.h"
+#include "status/status_replies.h"
 
 #include <cstdlib>
 

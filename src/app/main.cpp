@@ -1,5 +1,5 @@
 #include "app/main_window.h"
-#include "transform/large_pages.h"
+#include "base/large_pages.h"
 
 #include <QApplication>
 

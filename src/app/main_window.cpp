@@ -2,10 +2,10 @@
 
 #include "app/preset_job.h"
 #include "app/signal_job.h"
-#include "fit/load_trace_dialog.h"
+#include "fit/dialogs/load_trace_dialog.h"
 #include "look/house_style.h"
 #include "setup/config_file.h"
-#include "signal/crest_factor_dialog.h"
+#include "signal/dialogs/crest_factor_dialog.h"
 #include "ui_main_window.h"
 
 #include <QAbstractButton>

@@ -10,7 +10,7 @@
 // Main thread only. Calculations run on the global pool, on a copy of the record.
 #pragma once
 
-#include "devices/devices_dialog.h"
+#include "instruments/dialogs/devices_dialog.h"
 #include "measurement/npr_measurement_thread.h"
 #include "setup/measurement_setup.h"
 

@@ -2,10 +2,10 @@
 // everything as it was.
 #include "app/main_window.h"
 #include "files/waveform_output.h"
-#include "fit/load_trace_dialog.h"
+#include "fit/dialogs/load_trace_dialog.h"
 #include "setup/config_file.h"
-#include "signal/crest_factor_dialog.h"
-#include "support/about_window.h"
+#include "signal/dialogs/crest_factor_dialog.h"
+#include "support/dialogs/about_window.h"
 #include "ui_main_window.h"
 
 #include <QCoreApplication>

@@ -1,6 +1,6 @@
 // The TCP status server: one client at a time, on the main thread.
 #include "app/main_window.h"
-#include "app/status_replies.h"
+#include "status/status_replies.h"
 #include "ui_main_window.h"
 
 #include <QDebug>

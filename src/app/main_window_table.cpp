@@ -1,7 +1,7 @@
 // The notch table: its binding to the model, "Auto-Calculate" and typed cells. Rebuilding the
 // model would call the cell slot for its own writes, so both edits disconnect it meanwhile.
 #include "app/main_window.h"
-#include "app/notch_editing.h"
+#include "setup/notch_editing.h"
 #include "ui_main_window.h"
 
 #include <QDebug>

@@ -3,10 +3,10 @@
 // stored in the order of the file, for the last of several lines of one index counts. Everything
 // unusual goes the slow way: a field that isn't surely a number through Qt's conversions, a text
 // that isn't plain ASCII through a QTextStream.
+#include "base/parallel.h"
+#include "base/regular_file.h"
 #include "files/plain_lines.h"
 #include "files/signal_input.h"
-#include "setup/regular_file.h"
-#include "transform/parallel.h"
 
 #include <QFile>
 #include <QTextStream>

@@ -1,7 +1,7 @@
 // Samples as 16-bit words, written in large pieces.
 #pragma once
 
-#include "transform/parallel.h"
+#include "base/parallel.h"
 
 #include <QByteArray>
 #include <QFileDevice>

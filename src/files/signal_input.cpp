@@ -1,6 +1,6 @@
 #include "files/signal_input.h"
 
-#include "setup/regular_file.h"
+#include "base/regular_file.h"
 #include "transform/statistics.h"
 #include "transform/transform.h"
 

@@ -1,6 +1,6 @@
 #include "files/waveform_output.h"
 
-#include "setup/truncation.h"
+#include "base/truncation.h"
 
 void saveWaveform(const QString& path, const SignalData& signal, double sampleRate)
 {

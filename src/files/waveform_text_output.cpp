@@ -1,8 +1,8 @@
+#include "base/parallel.h"
+#include "base/whole_file.h"
 #include "files/extremes.h"
 #include "files/fixed_decimals.h"
 #include "files/waveform_output.h"
-#include "setup/whole_file.h"
-#include "transform/parallel.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,7 +1,7 @@
+#include "base/whole_file.h"
 #include "files/extremes.h"
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
-#include "setup/whole_file.h"
 
 #include <QDataStream>
 #include <QDebug>

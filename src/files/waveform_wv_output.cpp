@@ -1,6 +1,6 @@
+#include "base/whole_file.h"
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
-#include "setup/whole_file.h"
 
 #include <QDateTime>
 

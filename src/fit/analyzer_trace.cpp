@@ -1,6 +1,6 @@
 #include "fit/analyzer_trace.h"
 
-#include "setup/regular_file.h"
+#include "base/regular_file.h"
 
 #include <algorithm>
 

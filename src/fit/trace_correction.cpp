@@ -1,7 +1,7 @@
 #include "fit/trace_correction.h"
 
+#include "base/parallel.h"
 #include "fit/polyfit.h"
-#include "transform/parallel.h"
 
 #include <algorithm>
 #include <cmath>

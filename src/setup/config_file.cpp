@@ -1,9 +1,9 @@
 #include "setup/config_file.h"
 
+#include "base/regular_file.h"
+#include "base/truncation.h"
+#include "base/whole_file.h"
 #include "setup/config_text.h"
-#include "setup/regular_file.h"
-#include "setup/truncation.h"
-#include "setup/whole_file.h"
 
 #include <QDebug>
 #include <QDir>

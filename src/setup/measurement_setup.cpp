@@ -1,6 +1,6 @@
 #include "setup/measurement_setup.h"
 
-#include "setup/truncation.h"
+#include "base/truncation.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "setup/signal_data.h"
 
-#include "transform/large_pages.h"
+#include "base/large_pages.h"
 
 namespace {
 

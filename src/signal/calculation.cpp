@@ -1,7 +1,7 @@
 #include "signal/calculation.h"
 
+#include "base/parallel.h"
 #include "signal/sources.h"
-#include "transform/parallel.h"
 
 #include <QAbstractEventDispatcher>
 

@@ -1,7 +1,7 @@
 #include "signal/notch_operations.h"
 
+#include "base/truncation.h"
 #include "setup/measurement_setup.h"
-#include "setup/truncation.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,11 +1,11 @@
 // From the settings to the samples: the operations of MeasurementSetup and SignalData that make
 // up a calculation, in the fixed order of their arithmetic.
+#include "base/parallel.h"
 #include "files/signal_input.h"
 #include "setup/measurement_setup.h"
 #include "signal/notch_operations.h"
 #include "signal/phasor_memo.h"
 #include "signal/sources.h"
-#include "transform/parallel.h"
 #include "transform/transform.h"
 
 #include <cmath>

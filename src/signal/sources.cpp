@@ -1,7 +1,7 @@
 #include "signal/sources.h"
 
+#include "base/parallel.h"
 #include "signal/runtime_random.h"
-#include "transform/parallel.h"
 
 #include <algorithm>
 #include <cmath>

@@ -10,7 +10,7 @@
 // - Cores share the columns of a block that is the whole, and otherwise the blocks.
 #include "transform/butterfly_stages.h"
 
-#include "transform/parallel.h"
+#include "base/parallel.h"
 #include "transform/tile.h"
 #include "transform/twiddles.h"
 

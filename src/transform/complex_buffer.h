@@ -2,7 +2,7 @@
 // part first, zero when made.
 #pragma once
 
-#include "transform/large_pages.h"
+#include "base/large_pages.h"
 
 #include <complex>
 #include <new>

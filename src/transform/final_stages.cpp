@@ -8,7 +8,7 @@
 // with one twiddle for all; values pass through memory once less.
 #include "transform/final_stages.h"
 
-#include "transform/parallel.h"
+#include "base/parallel.h"
 #include "transform/twiddles.h"
 
 #include <algorithm>

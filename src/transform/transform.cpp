@@ -1,8 +1,8 @@
 #include "transform/transform.h"
 
+#include "base/parallel.h"
 #include "transform/butterfly_stages.h"
 #include "transform/final_stages.h"
-#include "transform/parallel.h"
 #include "transform/twiddles.h"
 
 #include <cmath>

@@ -1,8 +1,8 @@
 // A program with the real window that closes at a chosen moment; test_closing runs it as a
 // process of its own and judges how it ends.
 #include "app/main_window.h"
-#include "support/scripted_instrument.h"
-#include "support/window_driver.h"
+#include "kit/scripted_instrument.h"
+#include "kit/window_driver.h"
 
 #include <QSemaphore>
 #include <QThreadPool>

@@ -1,5 +1,5 @@
 // How the program ends, seen from outside: with status 0, or not at all where that is settled.
-#include "support/fresh_home.h"
+#include "kit/fresh_home.h"
 
 #include <QProcess>
 #include <QtTest>

@@ -1,8 +1,8 @@
 // The program's main job on full-size input, from a configuration to the client: nine notches at
 // 4194304 points, then signals from files that a script makes.
-#include "support/main_window_test.h"
-#include "support/sample_spectrum.h"
-#include "support/status_client.h"
+#include "kit/main_window_test.h"
+#include "kit/sample_spectrum.h"
+#include "kit/status_client.h"
 
 #include <QProcess>
 #include <QTcpServer>

@@ -1,5 +1,5 @@
 // The window as an operator meets it: first start, inputs and what they invalidate, calculation.
-#include "support/main_window_test.h"
+#include "kit/main_window_test.h"
 
 class TestMainWindow : public MainWindowTest
 {

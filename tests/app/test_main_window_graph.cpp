@@ -1,8 +1,8 @@
 // The graph inside the window, under mouse events that come in through the window system: what a
 // drag changes in the table, in the record and on the status light.
+#include "kit/main_window_test.h"
+#include "kit/menu_answers.h"
 #include "setup/config_file.h"
-#include "support/main_window_test.h"
-#include "support/menu_answers.h"
 
 #include <QWindow>
 

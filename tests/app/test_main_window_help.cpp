@@ -1,7 +1,7 @@
 // The help that the window gives where one points: a tool tip, a "What's this" text and a name for
 // screen readers at everything that takes input or shows a value.
-#include "support/contrast.h"
-#include "support/main_window_test.h"
+#include "kit/contrast.h"
+#include "kit/main_window_test.h"
 
 #include <QHelpEvent>
 #include <QToolTip>

@@ -1,7 +1,7 @@
 // The form of the main window under the style sheet, shown at several sizes: nothing is cut,
 // the keyboard gets around, and the colours are those of the house.
+#include "kit/contrast.h"
 #include "look/house_style.h"
-#include "support/contrast.h"
 #include "ui_main_window.h"
 
 #include <QStandardItemModel>

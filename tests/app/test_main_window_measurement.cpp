@@ -1,8 +1,8 @@
 // The bottom row of the window with an instrument at the other end of the line.
 #include "app/remote_failure_box.h"
+#include "kit/main_window_test.h"
+#include "kit/scripted_instrument.h"
 #include "remote/ko_remote_exception.h"
-#include "support/main_window_test.h"
-#include "support/scripted_instrument.h"
 
 #include <QTabWidget>
 #include <QTemporaryDir>

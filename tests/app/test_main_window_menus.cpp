@@ -1,7 +1,7 @@
 // The menus: configurations, waveforms, signal files and help, through real file dialogs.
-#include "support/about_window.h"
-#include "support/main_window_test.h"
-#include "support/warning_count.h"
+#include "kit/main_window_test.h"
+#include "kit/warning_count.h"
+#include "support/dialogs/about_window.h"
 
 #include <QPointer>
 #include <QTemporaryDir>

@@ -1,6 +1,6 @@
 // The status server of the window, met by real clients on real sockets.
-#include "support/main_window_test.h"
-#include "support/status_client.h"
+#include "kit/main_window_test.h"
+#include "kit/status_client.h"
 
 #include <QProcess>
 #include <QTcpServer>

@@ -1,6 +1,6 @@
 // The notch table in the window: what a typed cell does to its row, and the early end of
 // "Auto-Calculate".
-#include "support/main_window_test.h"
+#include "kit/main_window_test.h"
 
 class TestMainWindowTable : public MainWindowTest
 {

@@ -1,7 +1,7 @@
 // The proof of the whole program: the real window and the simulated bench in a process of its own,
 // over real sockets, from "Auto-Calculate" to the labels, against closed forms.
-#include "support/main_window_test.h"
-#include "support/simulator_process.h"
+#include "kit/main_window_test.h"
+#include "kit/simulator_process.h"
 
 #include <QTabWidget>
 #include <QTcpServer>

@@ -1,10 +1,10 @@
 // A stored trace undone in the signal, from the menu to the client: a path with a known tilt is
 // written as a trace file and loaded, and the samples that the client fetches are sent through
 // that path again.
-#include "fit/load_trace_dialog.h"
-#include "support/main_window_test.h"
-#include "support/sample_spectrum.h"
-#include "support/status_client.h"
+#include "fit/dialogs/load_trace_dialog.h"
+#include "kit/main_window_test.h"
+#include "kit/sample_spectrum.h"
+#include "kit/status_client.h"
 
 #include <QPointer>
 #include <QTcpServer>

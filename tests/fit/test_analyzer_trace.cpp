@@ -1,6 +1,6 @@
 // Reading a stored trace: whole ones, and every way in which a file can be wrong.
 #include "fit/analyzer_trace.h"
-#include "support/process_memory.h"
+#include "kit/process_memory.h"
 
 #include <QSemaphore>
 #include <QThread>

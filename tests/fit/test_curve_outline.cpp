@@ -1,5 +1,5 @@
 // The drawn points of a long curve: few, in order, and with all extremes.
-#include "fit/curve_outline.h"
+#include "fit/dialogs/curve_outline.h"
 
 #include <QtTest>
 

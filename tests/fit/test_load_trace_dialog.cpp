@@ -1,10 +1,10 @@
 // The trace dialog, operated by clicks, on files that the test writes.
-#include "fit/load_trace_dialog.h"
-#include "fit/trace_widget.h"
+#include "fit/dialogs/load_trace_dialog.h"
+#include "fit/dialogs/trace_widget.h"
+#include "kit/heartbeat.h"
+#include "kit/instrumented.h"
+#include "kit/window_driver.h"
 #include "setup/measurement_setup.h"
-#include "support/heartbeat.h"
-#include "support/instrumented.h"
-#include "support/window_driver.h"
 
 #include <QChartView>
 #include <QPointer>

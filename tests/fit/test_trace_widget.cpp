@@ -1,5 +1,5 @@
 // The chart: what it keeps of the curves, what it draws, and that nothing makes it stumble.
-#include "fit/trace_widget.h"
+#include "fit/dialogs/trace_widget.h"
 
 #include <QChart>
 #include <QChartView>

@@ -4,7 +4,7 @@
 #include "instruments/microwave_generator.h"
 #include "instruments/signal_generator.h"
 
-#include "support/scripted_instrument.h"
+#include "kit/scripted_instrument.h"
 
 #include <QtTest>
 

@@ -1,7 +1,7 @@
 // A session with an instrument over each row that goes through VISA.
 #include "instruments/analyzer.h"
 
-#include "support/stand_in_visa.h"
+#include "kit/stand_in_visa.h"
 
 #include <QtTest>
 

@@ -1,8 +1,8 @@
 // The measurement thread against an instrument at the other end of a socket.
 #include "measurement/npr_measurement_thread.h"
 
+#include "kit/scripted_instrument.h"
 #include "remote/ko_remote_exception.h"
-#include "support/scripted_instrument.h"
 
 #include <QSignalSpy>
 #include <QtTest>

@@ -1,8 +1,8 @@
 // Tuning to a notch and the preset of the chain, read at the other end of the line.
 #include "setup/measurement_setup.h"
 
-#include "support/remote_failure.h"
-#include "support/scripted_instrument.h"
+#include "kit/remote_failure.h"
+#include "kit/scripted_instrument.h"
 
 #include <QtTest>
 

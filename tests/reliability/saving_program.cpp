@@ -1,8 +1,8 @@
 // The program at its two moments of writing the default configuration; test_killed_program runs it
 // as a process of its own and kills it there. The line "now" says that the moment has come.
 #include "app/main_window.h"
+#include "kit/window_driver.h"
 #include "setup/config_file.h"
-#include "support/window_driver.h"
 
 #include <cstdio>
 

@@ -1,8 +1,8 @@
 #include "reliability/soak_operator.h"
 
-#include "fit/load_trace_dialog.h"
+#include "fit/dialogs/load_trace_dialog.h"
 #include "setup/config_file.h"
-#include "signal/crest_factor_dialog.h"
+#include "signal/dialogs/crest_factor_dialog.h"
 
 #include <QElapsedTimer>
 #include <QHeaderView>

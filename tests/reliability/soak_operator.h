@@ -4,7 +4,7 @@
 #pragma once
 
 #include "app/main_window.h"
-#include "support/window_driver.h"
+#include "kit/window_driver.h"
 
 #include <QProcess>
 #include <QRandomGenerator>

@@ -2,9 +2,9 @@
 // instruments that die. Takes the seconds and the folder of configurations to load; ends with
 // status 0 when nothing was lost on the way: as many threads and as much memory as at the start,
 // and no warning but the known ones.
+#include "base/large_pages.h"
+#include "kit/instrumented.h"
 #include "reliability/soak_operator.h"
-#include "support/instrumented.h"
-#include "transform/large_pages.h"
 
 #include <QDir>
 #include <QFile>

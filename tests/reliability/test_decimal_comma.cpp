@@ -3,13 +3,13 @@
 #include "app/main_window.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/fresh_home.h"
+#include "kit/window_driver.h"
 #include "remote/analyzer_commands.h"
 #include "remote/generator_commands.h"
 #include "setup/config_file.h"
 #include "simulator/scpi_session.h"
 #include "simulator/wv_file.h"
-#include "support/fresh_home.h"
-#include "support/window_driver.h"
 
 #include <QDateTime>
 #include <QProcess>

@@ -1,9 +1,9 @@
 // Clients that make the program keep something for them: memory that they never read, descriptors
 // that they never give back.
 #include "app/main_window.h"
-#include "support/fresh_home.h"
-#include "support/status_client.h"
-#include "support/window_driver.h"
+#include "kit/fresh_home.h"
+#include "kit/status_client.h"
+#include "kit/window_driver.h"
 
 #include <QTcpServer>
 

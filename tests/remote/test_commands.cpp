@@ -3,8 +3,8 @@
 #include "remote/generator_commands.h"
 #include "remote/socket_interface.h"
 
-#include "support/remote_failure.h"
-#include "support/scripted_instrument.h"
+#include "kit/remote_failure.h"
+#include "kit/scripted_instrument.h"
 
 #include <QtTest>
 

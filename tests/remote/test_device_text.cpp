@@ -1,7 +1,7 @@
 // What the byte stream transports make of a device that takes everything, something or nothing.
 #include "remote/device_text.h"
 
-#include "support/remote_failure.h"
+#include "kit/remote_failure.h"
 
 #include <QtTest>
 

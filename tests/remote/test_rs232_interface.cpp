@@ -1,7 +1,7 @@
 // The serial transport against a pseudo-terminal, opened by its device name.
 #include "remote/rs232_interface.h"
 
-#include "support/remote_failure.h"
+#include "kit/remote_failure.h"
 
 #include <QElapsedTimer>
 #include <QSerialPortInfo>

@@ -1,9 +1,9 @@
 // The raw socket transport against an instrument at the other end of a real connection.
 #include "remote/socket_interface.h"
 
-#include "support/remote_failure.h"
-#include "support/scripted_instrument.h"
-#include "support/warning_count.h"
+#include "kit/remote_failure.h"
+#include "kit/scripted_instrument.h"
+#include "kit/warning_count.h"
 
 #include <QtTest>
 

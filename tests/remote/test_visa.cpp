@@ -1,8 +1,8 @@
 // The transports over VISA, against a stand-in library that records every call.
 #include "remote/visa_interfaces.h"
 
-#include "support/remote_failure.h"
-#include "support/stand_in_visa.h"
+#include "kit/remote_failure.h"
+#include "kit/stand_in_visa.h"
 
 #include <QtTest>
 

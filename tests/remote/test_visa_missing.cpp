@@ -4,7 +4,7 @@
 #include "remote/socket_interface.h"
 #include "remote/visa_interfaces.h"
 
-#include "support/remote_failure.h"
+#include "kit/remote_failure.h"
 
 #include <QtTest>
 

@@ -1,6 +1,6 @@
 // The sweep dialog, operated by clicks: its form, its numbers, and every order in which it may be
 // stopped, restarted, closed and destroyed.
-#include "support/sweep_test.h"
+#include "kit/sweep_test.h"
 
 #include <QProgressBar>
 

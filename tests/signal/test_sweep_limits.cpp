@@ -1,9 +1,9 @@
 // The sweep dialog at its limits: a thousand seeds, the longest signal, and what it then takes of
 // time, memory and files.
-#include "support/heartbeat.h"
-#include "support/instrumented.h"
-#include "support/process_memory.h"
-#include "support/sweep_test.h"
+#include "kit/heartbeat.h"
+#include "kit/instrumented.h"
+#include "kit/process_memory.h"
+#include "kit/sweep_test.h"
 
 #include <QDir>
 #include <QProgressBar>

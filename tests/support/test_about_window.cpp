@@ -1,7 +1,7 @@
 // The about window with made-up facts: its texts, its tabs, the clipboard and the mail.
-#include "support/about_window.h"
-#include "support/addresses.h"
-#include "support/window_driver.h"
+#include "kit/window_driver.h"
+#include "support/dialogs/about_window.h"
+#include "support/dialogs/addresses.h"
 
 #include <QClipboard>
 #include <QGridLayout>

@@ -1,7 +1,7 @@
 // The facts of a Linux machine: real ones where the row has a meaning, dashes elsewhere.
+#include "kit/made_up_windows.h"
 #include "support/create_os_info.h"
 #include "support/linux_os_info.h"
-#include "support/made_up_windows.h"
 #include "support/windows_os_info.h"
 
 #include <QRegularExpression>

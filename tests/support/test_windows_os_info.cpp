@@ -1,7 +1,7 @@
 // What is looked up on Windows and what becomes of it, on machines made up here.
+#include "kit/made_up_windows.h"
 #include "support/file_version_record.h"
 #include "support/info_sections.h"
-#include "support/made_up_windows.h"
 #include "support/windows_os_info.h"
 
 #include <QtTest>

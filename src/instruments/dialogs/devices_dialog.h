@@ -1,0 +1,132 @@
+// The window in which the operator chooses the three instruments, their connections and their
+// settings, and brings them up. Every change is in the record at once.
+//
+// Main thread. A job ("Init", "Set", "Reset") runs on the global pool on a copy of its instrument;
+// its outcome is adopted on the main thread, so the window never waits. Jobs of one instrument
+// run one after the other. Slots named on_<object>_<signal> are connected by name; the prefixes
+// are g_ (signal generator), a_ (analyzer) and m_ (microwave generator).
+#pragma once
+
+#include "instruments/dialogs/rs232_dialog.h"
+#include "setup/measurement_setup.h"
+
+#include <QDialog>
+#include <QQueue>
+
+#include <memory>
+
+class QComboBox;
+class QLineEdit;
+
+namespace Ui {
+class DevicesDialog;
+}
+
+class DevicesDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit DevicesDialog(QWidget* parent = nullptr);
+    ~DevicesDialog() override;
+
+    // The record to edit, not owned. Appends the system's serial ports to the port lists.
+    // Deliberate: the lists are not cleared first, so a port keeps the row that it was
+    // chosen by, also when the record was replaced.
+    void setSetup(MeasurementSetup* newSetup);
+    void setSetup(MeasurementSetup* newSetup, const QStringList& portNames);
+
+signals:
+    // A frequency of the generator chain may have changed, and with it the middle of the graph.
+    void generatorFrequencyChanged();
+    // The refresh has run: settings or connections of the instruments may have changed.
+    void instrumentsChanged();
+
+public slots:
+    // Copies the record to the form. from is the widget that the operator is moving: its value
+    // is not written back.
+    void notifyPropertyChanged(QWidget* from = nullptr);
+
+    void on_g_type_currentIndexChanged(int index);
+    void on_a_type_currentIndexChanged(int index);
+    void on_m_type_currentIndexChanged(int index);
+    void on_g_interface_currentIndexChanged(int index);
+    void on_a_interface_currentIndexChanged(int index);
+    void on_m_interface_currentIndexChanged(int index);
+    void on_g_gpib_addr_valueChanged(int arg1);
+    void on_a_gpib_addr_valueChanged(int arg1);
+    void on_m_gpib_addr_valueChanged(int arg1);
+    void on_g_address_editingFinished();
+    void on_a_address_editingFinished();
+    void on_m_address_editingFinished();
+    void on_g_port_currentIndexChanged(int index);
+    void on_a_port_currentIndexChanged(int index);
+    void on_m_port_currentIndexChanged(int index);
+    void on_g_level_valueChanged(double arg1);
+    void on_a_level_valueChanged(double arg1);
+    void on_m_level_valueChanged(double arg1);
+    void on_g_frequency_editingFinished();
+    void on_a_frequency_editingFinished();
+    void on_m_frequency_editingFinished();
+    void on_a_span_editingFinished();
+    void on_a_sweeptime_editingFinished();
+    void on_a_rbw_currentIndexChanged(int index);
+    void on_a_vbw_currentIndexChanged(int index);
+    void on_a_attenuation_valueChanged(int arg1);
+    void on_a_atten_auto_toggled(bool checked);
+    void on_a_swt_auto_toggled(bool checked);
+    void on_m_attenuation_valueChanged(int arg1);
+    void on_m_if_input_toggled(bool checked);
+    void on_g_init_clicked();
+    void on_a_init_clicked();
+    void on_m_init_clicked();
+    void on_g_set_clicked();
+    void on_a_set_clicked();
+    void on_m_set_clicked();
+    void on_g_reset_clicked();
+    void on_a_reset_clicked();
+    void on_m_reset_clicked();
+    void on_g_rs232configure_linkActivated(const QString& link);
+    void on_a_rs232configure_linkActivated(const QString& link);
+    void on_m_rs232configure_linkActivated(const QString& link);
+
+private:
+    using Job = void (Instrument::*)();
+
+    // The widgets that all three tabs have.
+    struct CommonWidgets;
+    // The jobs of one instrument that wait for the one that runs.
+    struct JobQueue
+    {
+        QQueue<Job> waiting;
+        bool busy = false;
+    };
+
+    CommonWidgets generatorWidgets() const;
+    CommonWidgets analyzerWidgets() const;
+    CommonWidgets microwaveWidgets() const;
+
+    void disableMissingInterfaces();
+    void showCommon(const CommonWidgets& widgets, const Instrument& instrument, QWidget* from);
+    void showAnalyzer(QWidget* from);
+    void showMicrowave(QWidget* from);
+
+    template <class Value> void store(Value& field, Value value, QWidget* from);
+    void storeRow(quint32& field, int row, QComboBox* from);
+    void storeInterface(Instrument& instrument, int row, QComboBox* from);
+    void storeNumber(double& field, const QLineEdit* text, double factor);
+
+    template <class Device>
+    void request(Device MeasurementSetup::*member, JobQueue& queue, QLineEdit* message, Job job);
+    template <class Device>
+    void startNext(Device MeasurementSetup::*member, JobQueue& queue, QLineEdit* message);
+
+    std::unique_ptr<Ui::DevicesDialog> ui;
+    MeasurementSetup* setup = nullptr;
+    RS232Dialog generatorSerial;
+    RS232Dialog analyzerSerial;
+    RS232Dialog microwaveSerial;
+    JobQueue generatorJobs;
+    JobQueue analyzerJobs;
+    JobQueue microwaveJobs;
+};
