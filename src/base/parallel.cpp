@@ -1,61 +1,88 @@
 #include "base/parallel.h"
 
-#include <QRunnable>
-#include <QThreadPool>
+#include "base/worker_threads.h"
 
 #include <algorithm>
 #include <condition_variable>
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
 
 using Worker = std::function<void(Pieces&)>;
 
-class Assistant : public QRunnable
+// One helper of a job. Its thread keeps it alive and may come to it late, when the job is over; it
+// then finds it called off and touches nothing of the job's.
+class Assistant
 {
 public:
-    Assistant(const Worker& work, Pieces& pieces) : worker(work), left(pieces)
-    {
-        setAutoDelete(false);
-        published.store(true, std::memory_order_release);
-    }
+    Assistant(const Worker& work, Pieces& pieces) : worker(&work), left(&pieces) {}
 
-    void run() override
+    void run()
     {
-        published.load(std::memory_order_acquire);
+        {
+            const std::lock_guard<std::mutex> lock(mutex);
+            if (state == State::CalledOff) {
+                return;
+            }
+            state = State::Working;
+        }
         try {
-            worker(left);
+            (*worker)(*left);
         } catch (...) {
             failure = std::current_exception();
         }
         const std::lock_guard<std::mutex> lock(mutex);
-        ended = true;
+        state = State::Ended;
         changed.notify_one();
     }
 
     // Returns what went wrong, if anything did.
     std::exception_ptr callOffOrWait()
     {
-        if (!QThreadPool::globalInstance()->tryTake(this)) {
-            std::unique_lock<std::mutex> lock(mutex);
-            changed.wait(lock, [this] { return ended; });
+        std::unique_lock<std::mutex> lock(mutex);
+        if (state == State::Waiting) {
+            state = State::CalledOff;
         }
+        changed.wait(lock, [this] { return state != State::Working; });
         return failure;
     }
 
 private:
-    const Worker& worker;
-    Pieces& left;
-    std::atomic<bool> published{false};
+    enum class State { Waiting, Working, Ended, CalledOff };
+
+    const Worker* worker;
+    Pieces* left;
     std::exception_ptr failure;
     std::mutex mutex;
     std::condition_variable changed;
-    bool ended = false;
+    State state = State::Waiting;
 };
+
+using Assistants = std::vector<std::shared_ptr<Assistant>>;
+
+// As many as there is use for, or fewer where no further thread or memory is to be had.
+Assistants callAssistants(quint64 wanted, const Worker& worker, Pieces& left)
+{
+    Assistants assistants;
+    try {
+        assistants.reserve(wanted);
+        while (assistants.size() < wanted) {
+            auto assistant = std::make_shared<Assistant>(worker, left);
+            if (!WorkerThreads::ofProcess().start([assistant] { assistant->run(); })) {
+                break;
+            }
+            assistants.push_back(std::move(assistant));
+        }
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): then the caller works alone
+    }
+    return assistants;
+}
 
 thread_local bool isAlone = false;
 
@@ -83,20 +110,15 @@ int usefulThreads()
 void inParallel(quint64 pieces, int threads, const Worker& worker)
 {
     Pieces left(pieces);
-    std::vector<std::unique_ptr<Assistant>> assistants;
-    for (quint64 i = 1; i < std::min(static_cast<quint64>(threads), pieces); ++i) {
-        assistants.push_back(std::make_unique<Assistant>(worker, left));
-    }
-    for (const std::unique_ptr<Assistant>& assistant : assistants) {
-        QThreadPool::globalInstance()->start(assistant.get());
-    }
+    const quint64 wanted = std::min(static_cast<quint64>(threads), pieces);
+    const Assistants assistants = callAssistants(wanted > 0 ? wanted - 1 : 0, worker, left);
     std::exception_ptr failure;
     try {
         worker(left);
     } catch (...) {
         failure = std::current_exception();
     }
-    for (const std::unique_ptr<Assistant>& assistant : assistants) {
+    for (const std::shared_ptr<Assistant>& assistant : assistants) {
         const std::exception_ptr other = assistant->callOffOrWait();
         failure = failure ? failure : other;
     }

@@ -1,8 +1,8 @@
 // Independent pieces of one job on several cores at once. The caller works too and returns when
-// all is done. Help comes from idle threads of the global pool: an assistant that hasn't begun when
-// the pieces run out is called off, so a busy pool or a busy machine makes nobody wait. Any number
-// of threads may ask at once, those of the pool too; but one that may outlive the application works
-// alone, for then the pool is taken down.
+// all is done. Help comes from the process's worker threads: an assistant that hasn't begun when
+// the pieces run out is called off, so a busy machine makes nobody wait, and where the system
+// refuses a thread the caller does the work alone. Any number of threads may ask at once; but one
+// that may outlive the application works alone, for then the workers are taken down.
 #pragma once
 
 #include <QtGlobal>

@@ -2,7 +2,11 @@
 
 #include "base/truncation.h"
 
-void saveWaveform(const QString& path, const SignalData& signal, double sampleRate)
+#include <new>
+
+namespace {
+
+void writeByEnding(const QString& path, const SignalData& signal, double sampleRate)
 {
     const auto endsIn = [&path](const char* suffix) {
         return path.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
@@ -14,5 +18,16 @@ void saveWaveform(const QString& path, const SignalData& signal, double sampleRa
         writeIQWaveFiles(signal, path.chopped(6), clock);
     } else if (endsIn(".wv")) {
         writeWvFile(signal, path.chopped(3), clock);
+    }
+}
+
+} // namespace
+
+void saveWaveform(const QString& path, const SignalData& signal, double sampleRate)
+{
+    try {
+        writeByEnding(path, signal, sampleRate);
+    } catch (const std::bad_alloc&) {
+        // A failure like any other: the former file stays whole, and nothing is said.
     }
 }

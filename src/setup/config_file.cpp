@@ -12,6 +12,7 @@
 #include <QTextStream>
 
 #include <cmath>
+#include <new>
 
 namespace {
 
@@ -239,6 +240,18 @@ QString defaultPath(const QString& name)
            QLatin1Char('/') + name;
 }
 
+void writeConfig(const MeasurementSetup& setup, const QString& path)
+{
+    WholeFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        return;
+    }
+    QTextStream out(&file);
+    writeAll(out, setup);
+    out.flush();
+    file.putInPlace();
+}
+
 } // namespace
 
 MeasurementSetup loadConfig(const QString& path)
@@ -255,14 +268,11 @@ MeasurementSetup loadConfig(const QString& path)
 
 void saveConfig(const MeasurementSetup& setup, const QString& path)
 {
-    WholeFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        return;
+    try {
+        writeConfig(setup, path);
+    } catch (const std::bad_alloc&) {
+        // A failure like any other: the former file stays whole, and nothing is said.
     }
-    QTextStream out(&file);
-    writeAll(out, setup);
-    out.flush();
-    file.putInPlace();
 }
 
 MeasurementSetup loadDefaultConfig(const QString& name)

@@ -5,6 +5,7 @@
 
 #include <QAbstractEventDispatcher>
 
+#include <exception>
 #include <limits>
 #include <utility>
 
@@ -57,12 +58,29 @@ Calculation::~Calculation()
     delete eventDispatcher(); // there is still one if the thread was never started
 }
 
+bool Calculation::begin()
+{
+    start(QThread::InheritPriority);
+    return isRunning() || isFinished();
+}
+
 void Calculation::run()
 {
     const WorkAlone alone; // the others of the sweep keep the cores busy
     semaphore->acquire(1);
+    const QSemaphoreReleaser permit(*semaphore);
     if (running) {
-        emit calculated(seed, crestFactorOf(*setup, seed));
+        report();
     }
-    semaphore->release(1);
+}
+
+void Calculation::report()
+{
+    try {
+        const double crestFactor = crestFactorOf(*setup, seed);
+        reported = true;
+        emit calculated(seed, crestFactor);
+    } catch (const std::exception&) {
+        reported = false;
+    }
 }

@@ -26,9 +26,16 @@ public:
     // Waits for the thread.
     ~Calculation() override;
 
+    // Starts the thread. False when the system refuses one; finished() is then never emitted.
+    bool begin();
+
     // A worker that has not had its turn yet ends without a signal; one that is calculating
     // finishes and reports.
     void cancel() { running = false; }
+
+    // Of a worker that has ended or never began: whether there is no result although nobody
+    // cancelled it, for want of a thread or of memory.
+    bool hasFailed() const { return running && !reported; }
 
 signals:
     // Once, from the worker's thread. The crest factor in dB is not-a-number when there can be no
@@ -42,5 +49,8 @@ private:
     const quint32 seed;
     const std::shared_ptr<const MeasurementSetup> setup;
     const std::shared_ptr<QSemaphore> semaphore;
+    void report();
+
     std::atomic<bool> running{true};
+    std::atomic<bool> reported{false};
 };

@@ -22,7 +22,7 @@ struct Phasor
 class PhasorMemo
 {
 public:
-    PhasorMemo() : entries(slots, {neverAsked, {0.0, 0.0}}) {}
+    PhasorMemo() : entries(entryCount, {neverAsked, {0.0, 0.0}}) {}
 
     Phasor at(double angle)
     {
@@ -46,15 +46,15 @@ private:
         Phasor phasor;
     };
 
-    static constexpr quint32 slots = 32768; // a turn in as many steps as a draw has values
-    static constexpr double widest = 4.0;   // radians
+    static constexpr quint32 entryCount = 32768; // a turn in as many steps as a draw has values
+    static constexpr double widest = 4.0;        // radians
     static constexpr quint64 neverAsked = ~quint64{0};
 
     static quint32 slotOf(double angle)
     {
-        constexpr double perRadian = slots / 6.283185307179586;
-        constexpr double above = 2.0 * slots + 0.5; // keeps it positive and rounds
-        return static_cast<quint32>(angle * perRadian + above) % slots;
+        constexpr double perRadian = entryCount / 6.283185307179586;
+        constexpr double above = 2.0 * entryCount + 0.5; // keeps it positive and rounds
+        return static_cast<quint32>(angle * perRadian + above) % entryCount;
     }
 
     static quint64 bitsOf(double angle)

@@ -1,6 +1,7 @@
 // The trace dialog, operated by clicks, on files that the test writes.
 #include "fit/dialogs/load_trace_dialog.h"
 #include "fit/dialogs/trace_widget.h"
+#include "kit/background_jobs.h"
 #include "kit/heartbeat.h"
 #include "kit/instrumented.h"
 #include "kit/window_driver.h"
@@ -8,9 +9,7 @@
 
 #include <QChartView>
 #include <QPointer>
-#include <QSemaphore>
 #include <QTemporaryDir>
-#include <QThreadPool>
 
 #include <cmath>
 
@@ -87,7 +86,7 @@ void TestLoadTraceDialog::cleanup()
 {
     operate.reset();
     delete dialog;
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackgroundJobs();
     setup.reset();
 }
 
@@ -251,8 +250,7 @@ void TestLoadTraceDialog::aFileThatOffersNothingLeavesOnlyCancel()
     QFETCH(QString, name);
     writeTrace("");
     openDialog(folder->filePath(name));
-    QThreadPool::globalInstance()->waitForDone();
-    QCoreApplication::processEvents();
+    waitForBackgroundJobs();
     QCOMPARE(operate->text("length"), QStringLiteral("---"));
     QVERIFY(!operate->isEnabled("load_direct_button"));
     QVERIFY(!operate->isEnabled("load_poly_button"));
@@ -273,8 +271,7 @@ void TestLoadTraceDialog::signalsFromFilesAreOfferedNothing()
     QFETCH(int, customSource);
     setup->customSource = customSource;
     openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
-    QThreadPool::globalInstance()->waitForDone();
-    QCoreApplication::processEvents();
+    waitForBackgroundJobs();
     QCOMPARE(operate->text("length"), QStringLiteral("---"));
     QCOMPARE(operate->text("sample_rate"), QStringLiteral("---"));
     QVERIFY(!operate->isEnabled("load_direct_button"));
@@ -299,8 +296,7 @@ void TestLoadTraceDialog::aFitThatFailsLeavesDirectUsable()
     openDialog(writeTrace("1e9;-10\ninf;-20\n"));
     const QSignalSpy poly(dialog, &LoadTraceDialog::polyLoaded);
     QTRY_VERIFY(operate->isEnabled("load_direct_button"));
-    QThreadPool::globalInstance()->waitForDone();
-    QCoreApplication::processEvents();
+    waitForBackgroundJobs();
     QCOMPARE(poly.count(), 0);
     QVERIFY(!operate->isEnabled("load_poly_button"));
     QVERIFY(QApplication::activeModalWidget() == nullptr);
@@ -323,23 +319,15 @@ void TestLoadTraceDialog::morePointsThanLinesStopAtTheLines()
 
 void TestLoadTraceDialog::aDialogClosedDuringTheJobIsNotTouched()
 {
-    QSemaphore gate;
-    QThreadPool* pool = QThreadPool::globalInstance();
-    const int threads = pool->maxThreadCount();
-    pool->setMaxThreadCount(1);
-    pool->start([&gate] { gate.acquire(); });
     openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
-    dialog->close(); // before the job has begun
-    QTRY_VERIFY(dialog.isNull());
-    gate.release();
-    pool->setMaxThreadCount(threads);
-    pool->waitForDone();
-    QCoreApplication::processEvents();
+    delete dialog; // before anything of the job has arrived
+    waitForBackgroundJobs();
+    QVERIFY(isUntouched());
 
     // At some place in the middle, and with its results already on their way.
     openDialog(writeTrace(tiltedTrace(1001, 2e9, 100e6)));
     dialog->close();
-    pool->waitForDone();
+    waitForBackgroundJobs();
     QTRY_VERIFY(dialog.isNull());
     QVERIFY(isUntouched());
 }

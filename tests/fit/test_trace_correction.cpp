@@ -1,13 +1,15 @@
 // The two corrections: hand-worked levels, a closed form, and a plain single loop bit for bit.
+#include "base/parallel.h"
+#include "base/worker_threads.h"
 #include "fit/polyfit.h"
 #include "fit/trace_correction.h"
 
-#include <QThreadPool>
-#include <QtConcurrent>
 #include <QtTest>
 
+#include <atomic>
 #include <cmath>
 #include <cstring>
+#include <memory>
 #include <stdexcept>
 
 namespace {
@@ -88,7 +90,7 @@ private slots:
     void topOfThePolynomialIsAtLeastZero();
     void bitsAreThoseOfAPlainLoop_data();
     void bitsAreThoseOfAPlainLoop();
-    void jobsThatFillThePoolEnd();
+    void manyJobsAtOnceEnd();
     void normIsTakenFromTheStartOfATraceThatBeginsBelowTheLines();
     void traceBelowTheLastLineGivesNoNumbersOrNone();
 };
@@ -155,10 +157,11 @@ void TestTraceCorrection::topOfThePolynomialIsAtLeastZero()
 void TestTraceCorrection::bitsAreThoseOfAPlainLoop_data()
 {
     QTest::addColumn<int>("lineCount");
-    QTest::addColumn<int>("threads");
-    for (const int threads : {1, 2, 7}) {
+    QTest::addColumn<bool>("isAlone");
+    for (const bool alone : {true, false}) {
         for (const int lineCount : {1, 64, 16384, 16385, 131072}) {
-            QTest::addRow("%d lines, %d threads", lineCount, threads) << lineCount << threads;
+            QTest::addRow("%d lines, %s", lineCount, alone ? "one thread" : "all cores")
+                << lineCount << alone;
         }
     }
 }
@@ -166,14 +169,12 @@ void TestTraceCorrection::bitsAreThoseOfAPlainLoop_data()
 void TestTraceCorrection::bitsAreThoseOfAPlainLoop()
 {
     QFETCH(int, lineCount);
-    QFETCH(int, threads);
-    const int before = QThreadPool::globalInstance()->maxThreadCount();
-    QThreadPool::globalInstance()->setMaxThreadCount(threads);
+    QFETCH(bool, isAlone);
+    const auto alone = isAlone ? std::make_unique<WorkAlone>() : nullptr;
     const auto curve = [](double f) { return -20.0 + f / 20e6 + std::cos(f / 7e6); };
     const AnalyzerTrace trace = traceOf(1001, 100e6, curve);
     const QVector<double> lines = lineFrequencies(lineCount, 100e6, 100e6 / lineCount);
     const QVector<double> found = polynomialCorrection(trace, lines);
-    QThreadPool::globalInstance()->setMaxThreadCount(before);
 
     // The first point at or above the last line ends the overlap.
     int last = 0;
@@ -183,18 +184,18 @@ void TestTraceCorrection::bitsAreThoseOfAPlainLoop()
     QVERIFY(sameBits(found, plainCorrection(trace, lines, 0, last)));
 }
 
-// Each job waits for pieces of work, for which no other thread of the pool is left.
-void TestTraceCorrection::jobsThatFillThePoolEnd()
+// Each wants more threads than there are cores, and none waits for another.
+void TestTraceCorrection::manyJobsAtOnceEnd()
 {
-    QThreadPool* pool = QThreadPool::globalInstance();
-    const int before = pool->maxThreadCount();
-    pool->setMaxThreadCount(1);
     const QVector<double> lines = lineFrequencies(65536, 100e6, 100e6 / 65536);
-    QFuture<QVector<double>> job = QtConcurrent::run(
-        [&lines] { return polynomialCorrection(traceOf(1001, 100e6, tilt), lines); });
-    QTRY_VERIFY_WITH_TIMEOUT(job.isFinished(), 20000);
-    QCOMPARE(job.result().size(), 65536);
-    pool->setMaxThreadCount(before);
+    std::atomic<int> ended{0};
+    for (int job = 0; job < 10; ++job) {
+        QVERIFY(WorkerThreads::ofProcess().start([&lines, &ended] {
+            ended += polynomialCorrection(traceOf(1001, 100e6, tilt), lines).size() == 65536;
+        }));
+    }
+    WorkerThreads::ofProcess().waitForDone();
+    QCOMPARE(ended.load(), 10);
 }
 
 void TestTraceCorrection::normIsTakenFromTheStartOfATraceThatBeginsBelowTheLines()

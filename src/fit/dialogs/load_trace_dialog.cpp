@@ -1,24 +1,64 @@
 #include "fit/dialogs/load_trace_dialog.h"
 
-#include "fit/dialogs/trace_job.h"
+#include "base/background.h"
+#include "fit/trace_correction.h"
 #include "look/house_style.h"
 #include "setup/measurement_setup.h"
 #include "ui_load_trace_dialog.h"
+
+// What the jobs need of the record, taken when they start.
+struct TraceRequest
+{
+    QString fileName;
+    int lineCount; // length of the signal, at least 1
+    double sampleRate;
+    double lineSpacing; // both in Hz
+};
+
+namespace {
+
+// Frequencies in Hz from the centre, corrections in dB with one value a line.
+struct DirectTrace
+{
+    AnalyzerTrace trace;
+    QVector<double> correction;
+};
+
+struct FittedTrace
+{
+    QVector<double> lines;
+    QVector<double> correction;
+};
+
+DirectTrace directlyFrom(const TraceRequest& request, const std::atomic<bool>* abandoned)
+{
+    const AnalyzerTrace trace = readAnalyzerTrace(request.fileName, request.lineCount, abandoned);
+    if (trace.pointCount() == 0 || *abandoned) {
+        return {};
+    }
+    return {trace, directCorrection(trace, request.lineCount)};
+}
+
+FittedTrace fittedTo(const TraceRequest& request, const AnalyzerTrace& trace)
+{
+    const QVector<double> lines =
+        lineFrequencies(request.lineCount, request.sampleRate, request.lineSpacing);
+    return {lines, polynomialCorrection(trace, lines)};
+}
+
+} // namespace
 
 LoadTraceDialog::LoadTraceDialog(const QString& nameOfFile, MeasurementSetup* setupToCorrect,
                                  QWidget* parent)
     : QDialog(parent),
       ui(std::make_unique<Ui::LoadTraceDialog>()),
       setup(setupToCorrect),
-      fileName(nameOfFile),
-      job(std::make_shared<TraceJob>())
+      fileName(nameOfFile)
 {
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
     setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     setAttribute(Qt::WA_DeleteOnClose);
-    connect(job.get(), &TraceJob::directComputed, this, &LoadTraceDialog::storeDirect);
-    connect(job.get(), &TraceJob::polynomialComputed, this, &LoadTraceDialog::storePoly);
     connect(this, &LoadTraceDialog::directLoaded, this, &LoadTraceDialog::newDirect);
     connect(this, &LoadTraceDialog::polyLoaded, this, &LoadTraceDialog::newPoly);
     load();
@@ -26,32 +66,46 @@ LoadTraceDialog::LoadTraceDialog(const QString& nameOfFile, MeasurementSetup* se
 
 LoadTraceDialog::~LoadTraceDialog()
 {
-    job->abandon();
+    *abandoned = true;
 }
 
 void LoadTraceDialog::load()
 {
     // No correction is offered for a signal from files.
     if (setup->customSource == 0 && setup->signal.length > 0) {
-        TraceJob::start(job,
-                        {fileName, setup->signal.length, setup->sampleRate, setup->binWidth()});
+        readTrace({fileName, setup->signal.length, setup->sampleRate, setup->binWidth()});
     }
 }
 
-void LoadTraceDialog::storeDirect(const QVector<double>& frequencies,
-                                  const QVector<double>& correction)
+// A file without points, or one that is too long for the memory, brings nothing.
+void LoadTraceDialog::readTrace(const TraceRequest& request)
 {
-    traceFrequencies = frequencies;
-    directTrace = correction;
-    pointCount = static_cast<quint64>(frequencies.size());
-    emit directLoaded();
+    inBackground(
+        this, [request, given = abandoned] { return directlyFrom(request, given.get()); },
+        [this, request](const DirectTrace& result) {
+            if (result.trace.pointCount() == 0) {
+                return;
+            }
+            traceFrequencies = result.trace.frequencies;
+            directTrace = result.correction;
+            pointCount = static_cast<quint64>(result.trace.pointCount());
+            emit directLoaded();
+            fitTrace(request, result.trace);
+        });
 }
 
-void LoadTraceDialog::storePoly(const QVector<double>& lines, const QVector<double>& correction)
+// A trace that can't be fitted brings nothing.
+void LoadTraceDialog::fitTrace(const TraceRequest& request, const AnalyzerTrace& trace)
 {
-    lineFrequencies = lines;
-    polyTrace = correction;
-    emit polyLoaded();
+    inBackground(
+        this, [request, trace] { return fittedTo(request, trace); },
+        [this](const FittedTrace& result) {
+            if (!result.lines.isEmpty()) {
+                lineFrequencies = result.lines;
+                polyTrace = result.correction;
+                emit polyLoaded();
+            }
+        });
 }
 
 void LoadTraceDialog::newDirect()

@@ -8,10 +8,12 @@
 #include <QDialog>
 #include <QVector>
 
+#include <atomic>
 #include <memory>
 
-class TraceJob;
+struct AnalyzerTrace;
 struct MeasurementSetup;
+struct TraceRequest;
 
 namespace Ui {
 class LoadTraceDialog;
@@ -41,8 +43,8 @@ public slots:
 
 private:
     void load();
-    void storeDirect(const QVector<double>& frequencies, const QVector<double>& correction);
-    void storePoly(const QVector<double>& lines, const QVector<double>& correction);
+    void readTrace(const TraceRequest& request);
+    void fitTrace(const TraceRequest& request, const AnalyzerTrace& trace);
     void take(QVector<double>& correction);
 
     std::unique_ptr<Ui::LoadTraceDialog> ui;
@@ -53,5 +55,6 @@ private:
     QVector<double> traceFrequencies; // Hz from the trace's centre
     quint64 pointCount = 0;
     QString fileName;
-    std::shared_ptr<TraceJob> job;
+    // The dialog has gone and nobody waits for the file any more.
+    std::shared_ptr<std::atomic<bool>> abandoned = std::make_shared<std::atomic<bool>>(false);
 };

@@ -10,6 +10,8 @@
 #include <QDebug>
 #include <QTimer>
 
+#include <new>
+
 namespace {
 
 // The settled number of seeds calculated at a time, whatever the number of cores.
@@ -72,23 +74,38 @@ void CrestFactorDialog::on_start_button_clicked()
 
 void CrestFactorDialog::startWorkers()
 {
-    const auto semaphore = std::make_shared<QSemaphore>(workersAtATime);
-    const auto copy = std::make_shared<const MeasurementSetup>(setup->forOtherThread());
-    for (quint32 seed = 1; seed <= seedCount; ++seed) {
-        auto* worker = new Calculation(seed, copy, semaphore);
-        workers.append(worker);
-        connect(worker, &Calculation::calculated, this, &CrestFactorDialog::calcFinished);
-        connect(worker, &Calculation::finished, this, &CrestFactorDialog::finished);
-        toStart.enqueue(worker);
+    quint32 seed = 1;
+    try {
+        const auto semaphore = std::make_shared<QSemaphore>(workersAtATime);
+        const auto copy = std::make_shared<const MeasurementSetup>(setup->forOtherThread());
+        for (; seed <= seedCount; ++seed) {
+            addWorker(new Calculation(seed, copy, semaphore));
+        }
+    } catch (const std::bad_alloc&) {
+        for (; seed <= seedCount; ++seed) {
+            countSeed();
+        }
     }
     startNextWorkers();
 }
 
-// Also those that were cancelled meanwhile: they end at once, like all others.
+void CrestFactorDialog::addWorker(Calculation* worker)
+{
+    workers.append(worker);
+    connect(worker, &Calculation::calculated, this, &CrestFactorDialog::calcFinished);
+    connect(worker, &Calculation::finished, this, &CrestFactorDialog::finished);
+    toStart.enqueue(worker);
+}
+
+// Also those that were cancelled meanwhile: they end at once, like all others. A seed that the
+// system refuses a thread stays without a result.
 void CrestFactorDialog::startNextWorkers()
 {
     for (int i = 0; i < startsATurn && !toStart.isEmpty(); ++i) {
-        toStart.dequeue()->start(QThread::InheritPriority);
+        Calculation* worker = toStart.dequeue();
+        if (!worker->begin()) {
+            end(worker);
+        }
     }
     if (!toStart.isEmpty()) {
         QTimer::singleShot(0, this, &CrestFactorDialog::startNextWorkers);
@@ -110,6 +127,12 @@ void CrestFactorDialog::calcFinished(uint seed, double crestFactor)
     updateExtremes(seed, crestFactor);
     showStatistics(seed);
     showResult(seed, crestFactor);
+    countSeed();
+}
+
+// One seed less to wait for, with or without its result.
+void CrestFactorDialog::countSeed()
+{
     // Deliberate: late results of a stopped sweep count too, and may take this below zero, where
     // it wraps.
     --remaining;
@@ -160,9 +183,16 @@ void CrestFactorDialog::showResult(uint seed, double crestFactor)
 
 void CrestFactorDialog::finished()
 {
-    auto* worker = qobject_cast<Calculation*>(sender());
+    end(qobject_cast<Calculation*>(sender()));
+}
+
+void CrestFactorDialog::end(Calculation* worker)
+{
     workers.removeOne(worker);
     worker->wait();
+    if (worker->hasFailed()) {
+        countSeed();
+    }
     worker->deleteLater();
 }
 

@@ -45,6 +45,9 @@ public slots:
 private:
     void startWorkers();
     void startNextWorkers();
+    void addWorker(Calculation* worker);
+    void end(Calculation* worker);
+    void countSeed();
     void prepareTable();
     void cancelWorkers();
     void updateExtremes(uint seed, double crestFactor);
