@@ -1,6 +1,7 @@
 // Drives a whole measurement on the real window once, with mouse and keyboard, and prints what
 // comes out: settings, notches, calculation, preset, and the reading of one notch from whatever
 // instruments answer on the default address. Takes the path of the screenshot that it leaves.
+#include "base/worker_threads.h"
 #include "demo/window_hand.h"
 
 #include <QApplication>
@@ -8,7 +9,6 @@
 #include <QMessageBox>
 #include <QScreen>
 #include <QTextStream>
-#include <QThreadPool>
 #include <QTimer>
 
 namespace {
@@ -27,8 +27,8 @@ bool makeSignal(MainWindow& window)
 // The instruments fetch the samples from this very thread, so it goes on while the jobs run.
 bool jobsEnd()
 {
-    const bool ended = QTest::qWaitFor(
-        [] { return QThreadPool::globalInstance()->activeThreadCount() == 0; }, 30000);
+    const bool ended =
+        QTest::qWaitFor([] { return WorkerThreads::ofProcess().busyCount() == 0; }, 30000);
     QCoreApplication::processEvents(); // their results arrive
     return ended;
 }

@@ -1,7 +1,6 @@
 #include "app/main_window.h"
+#include "app/steady_application.h"
 #include "base/large_pages.h"
-
-#include <QApplication>
 
 #include <csignal>
 
@@ -14,7 +13,7 @@ int main(int argc, char* argv[])
 #endif
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
-    QApplication application(argc, argv);
+    SteadyApplication application(argc, argv);
     MainWindow window;
     window.show();
     return QApplication::exec();

@@ -1,7 +1,7 @@
 #include "app/main_window.h"
 
-#include "app/preset_job.h"
-#include "app/signal_job.h"
+#include "app/failure_door.h"
+#include "base/background.h"
 #include "fit/dialogs/load_trace_dialog.h"
 #include "look/house_style.h"
 #include "setup/config_file.h"
@@ -20,6 +20,13 @@
 #include <QStandardItemModel>
 #include <QTcpServer>
 #include <QTcpSocket>
+
+// What a calculation brings. Made by default it stands for one that failed.
+struct CalculationResult
+{
+    SignalData signal; // length 0 when the source failed or memory ran out
+    double crestFactor = 0.0;
+};
 
 namespace {
 
@@ -40,14 +47,34 @@ QString fixedPoint(double value)
     return QString::number(value, 'f', 6);
 }
 
+class RaisedFlag
+{
+public:
+    explicit RaisedFlag(std::atomic<bool>& raised) : flag(raised) { flag = true; }
+    ~RaisedFlag() { flag = false; }
+    RaisedFlag(const RaisedFlag&) = delete;
+    RaisedFlag& operator=(const RaisedFlag&) = delete;
+
+private:
+    std::atomic<bool>& flag;
+};
+
+CalculationResult calculate(MeasurementSetup& setup, std::atomic<bool>& running)
+{
+    const RaisedFlag raised(running);
+    setup.calculateSignal();
+    return {setup.signal, setup.crestFactor};
+}
+
 } // namespace
 
 MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
       crestFactorDialog(std::make_unique<CrestFactorDialog>()),
-      signalJob(std::make_shared<SignalJob>()),
-      presetJob(std::make_shared<PresetJob>([this](KORemoteException* e) { emit remoteError(e); }))
+      calculationRunning(std::make_shared<std::atomic<bool>>(false)),
+      failureDoor(
+          std::make_shared<FailureDoor>([this](KORemoteException* e) { emit remoteError(e); }))
 {
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
@@ -74,15 +101,15 @@ MainWindow::MainWindow(QWidget* parent)
 
     connectMeasurement();
     connect(ui->graph_widget, &GraphWidget::graphChanged, this, &MainWindow::graphChanged);
-    connect(signalJob.get(), &SignalJob::finished, this, &MainWindow::storeResult);
     connect(this, &MainWindow::fftFinished, this, &MainWindow::fftCalculationFinished);
 }
 
 MainWindow::~MainWindow()
 {
     measurementThread.stop();
-    presetJob->forgetWindow();
+    failureDoor->close();
     saveDefaultConfig(setup, QLatin1String(defaultConfigName));
+    breakOffLinks();
     closeServer();
     // Left to the base, these would report their end to slots of a window that is half gone.
     deleteUnheard<QTcpSocket>(*this); // those not yet fetched belong to their server
@@ -252,7 +279,12 @@ void MainWindow::on_calc_fft_button_clicked()
 {
     setup.setDataState(DataState::Calculating);
     notifyPropertyChanged();
-    SignalJob::start(signalJob, setup);
+    inBackground(
+        this,
+        [copy = setup.forOtherThread(), running = calculationRunning]() mutable {
+            return calculate(copy, *running);
+        },
+        [this](const CalculationResult& result) { storeResult(result); });
 }
 
 void MainWindow::storeResult(const CalculationResult& result)
@@ -284,7 +316,7 @@ void MainWindow::on_quit_button_clicked()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     measurementThread.stop();
-    if (signalJob->isRunning()) {
+    if (*calculationRunning) {
         QMessageBox box;
         box.setText(QStringLiteral("Calculation in Progress"));
         box.setInformativeText(QStringLiteral("Closing...\nPlease Wait"));
@@ -295,7 +327,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         // Deliberate: read once, and never again. Forcing the close of a running calculation
         // hangs the program until it is killed, so no half-finished state is ever saved. The
         // read is volatile because a loop without effect may be removed otherwise.
-        const volatile bool running = signalJob->isRunning();
+        const volatile bool running = *calculationRunning;
         while (running) {
         }
     }

@@ -17,18 +17,16 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <atomic>
 #include <memory>
 
 class CrestFactorDialog;
 class QStandardItem;
 class QTcpServer;
 class QTcpSocket;
-class InstrumentCommands;
+class FailureDoor;
 class KORemoteException;
-class PresetJob;
-class SignalJob;
 struct CalculationResult;
-struct InstrumentChain;
 
 namespace Ui {
 class MainWindow;
@@ -119,9 +117,8 @@ private:
     void invalidate(QWidget* from = nullptr);
     void storeResult(const CalculationResult& result);
     void connectMeasurement();
-    void adoptChain(const InstrumentChain& before, const InstrumentChain& after);
-    void offerAnalyzer();
-    void setAsideConnections();
+    void retireLinks();
+    void breakOffLinks();
     void bindTable();
     void connectTable();
     void disconnectTable();
@@ -141,8 +138,11 @@ private:
     QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
     QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list
     bool requestWaits = false;      // of the present client, until it has read more
-    std::shared_ptr<SignalJob> signalJob;
-    std::shared_ptr<PresetJob> presetJob;
-    QVector<std::shared_ptr<InstrumentCommands>> formerConnections; // of replaced records
+    // True while a calculation runs. One flag for all: the first that ends clears it. A calculation
+    // may outlive the window.
+    std::shared_ptr<std::atomic<bool>> calculationRunning;
+    std::shared_ptr<FailureDoor> failureDoor;
+    // Of replaced records: their devices keep the connection until the program ends.
+    QVector<std::shared_ptr<InstrumentLink>> retiredLinks;
     NPRMeasurementThread measurementThread;
 };

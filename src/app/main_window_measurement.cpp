@@ -1,9 +1,10 @@
 // The bottom row: preset, choice of the notch, readings and their labels; and the windows of the
 // instruments.
+#include "app/failure_door.h"
 #include "app/main_window.h"
-#include "app/preset_job.h"
 #include "app/remote_failure_box.h"
-#include "instruments/connect_device.h"
+#include "measurement/preset.h"
+#include "remote/ko_remote_exception.h"
 #include "ui_main_window.h"
 
 #include <QDebug>
@@ -18,40 +19,31 @@ void MainWindow::connectMeasurement()
             &MainWindow::newNPR);
     connectRemoteFailure(&measurementThread, &NPRMeasurementThread::measurementError, this);
     connectRemoteFailure(this, &MainWindow::remoteError, this);
-    connect(&measurementThread, &NPRMeasurementThread::analyzerConnected, this,
-            [this](const Analyzer& connected) {
-                adoptConnection(setup.analyzer, Analyzer(), connected);
-                offerAnalyzer();
-            });
-    connect(presetJob.get(), &PresetJob::finished, this, &MainWindow::adoptChain);
-    connect(&devicesDialog, &DevicesDialog::instrumentsChanged, this, &MainWindow::offerAnalyzer);
+    connect(&devicesDialog, &DevicesDialog::instrumentsChanged, this,
+            [this] { measurementThread.setAnalyzer(setup.analyzer); });
     connect(&devicesDialog, &DevicesDialog::generatorFrequencyChanged, this,
             [this] { notifyPropertyChanged(); });
 }
 
-void MainWindow::adoptChain(const InstrumentChain& before, const InstrumentChain& after)
+// The record is about to be replaced. Its connections are deliberately neither closed nor freed:
+// the instruments keep their link until the program ends, as after any other change of settings.
+void MainWindow::retireLinks()
 {
-    adoptConnection(setup.generator, before.generator, after.generator);
-    adoptConnection(setup.analyzer, before.analyzer, after.analyzer);
-    adoptConnection(setup.microwave, before.microwave, after.microwave);
-    offerAnalyzer();
-}
-
-void MainWindow::offerAnalyzer()
-{
-    measurementThread.offerAnalyzer(setup.analyzer);
-}
-
-// The connections of a record that is replaced are deliberately neither closed nor freed: the
-// instruments keep their link until the program ends, as after any other change of settings.
-void MainWindow::setAsideConnections()
-{
-    for (const Instrument* each :
-         {static_cast<Instrument*>(&setup.generator), static_cast<Instrument*>(&setup.analyzer),
-          static_cast<Instrument*>(&setup.microwave)}) {
-        if (each->remote) {
-            formerConnections.append(each->remote);
+    for (const std::shared_ptr<InstrumentLink>& link :
+         {setup.generator.link(), setup.analyzer.link(), setup.microwave.link()}) {
+        link->retire();
+        if (link->isInUse()) {
+            retiredLinks.append(link);
         }
+    }
+}
+
+// The program ends: nobody waits for an instrument any more.
+void MainWindow::breakOffLinks()
+{
+    retireLinks();
+    for (const std::shared_ptr<InstrumentLink>& link : qAsConst(retiredLinks)) {
+        link->breakOff();
     }
 }
 
@@ -65,7 +57,8 @@ void MainWindow::devices_clicked()
 
 void MainWindow::on_preset_button_clicked()
 {
-    PresetJob::start(presetJob, setup);
+    presetInBackground({setup.generator, setup.analyzer, setup.microwave},
+                       [door = failureDoor](KORemoteException* failure) { door->tell(failure); });
 }
 
 void MainWindow::on_measure_notch_valueChanged(int value)
@@ -89,7 +82,7 @@ void MainWindow::on_measure_mode_currentIndexChanged(int index)
     if (index == 1) {
         measurementThread.pause();
     } else {
-        offerAnalyzer();
+        measurementThread.setAnalyzer(setup.analyzer);
         measurementThread.resume();
     }
 }
@@ -97,7 +90,7 @@ void MainWindow::on_measure_mode_currentIndexChanged(int index)
 void MainWindow::on_measure_button_clicked()
 {
     if (setup.measureMode == 1) {
-        offerAnalyzer();
+        measurementThread.setAnalyzer(setup.analyzer);
         measurementThread.requestSingleMeasurement();
     }
 }

@@ -44,24 +44,30 @@ QString Analyzer::configSection() const
            configLine("AUTO Swt", QString::number(int{autoSweepTime})) + QLatin1Char('\n');
 }
 
-void Analyzer::init()
+// Only init() puts a command object into the link, and that of this type.
+std::shared_ptr<AnalyzerCommands> Analyzer::commands() const
+{
+    return std::static_pointer_cast<AnalyzerCommands>(remote());
+}
+
+void Analyzer::init() const
 {
     connectDevice(*this, [](std::unique_ptr<KORemoteInterface> transport) {
         return std::make_shared<AnalyzerCommands>(std::move(transport));
     });
 }
 
-void Analyzer::setup()
+void Analyzer::setup() const
 {
-    configureDevice(*this, [this] {
-        commands->setCenterFrequency(frequency);
-        commands->setSpan(span);
-        commands->setReferenceLevel(level);
+    configureDevice(*this, [this](AnalyzerCommands& commands) {
+        commands.setCenterFrequency(frequency);
+        commands.setSpan(span);
+        commands.setReferenceLevel(level);
         // Deliberate: the number goes first, as "AUTO ON" would be switched off by it.
-        commands->setAttenuation(attenuation);
-        commands->setAutoAttenuation(autoAttenuation);
-        commands->setResolutionBandwidth(resolutionBandwidth());
-        commands->setVideoBandwidth(videoBandwidth());
-        commands->setSweepTime(sweepTime);
+        commands.setAttenuation(attenuation);
+        commands.setAutoAttenuation(autoAttenuation);
+        commands.setResolutionBandwidth(resolutionBandwidth());
+        commands.setVideoBandwidth(videoBandwidth());
+        commands.setSweepTime(sweepTime);
     });
 }

@@ -8,8 +8,10 @@ class Analyzer : public Instrument
 {
 public:
     QString configSection() const override;
-    void init() override;
-    void setup() override;
+    void init() const override;
+    void setup() const override;
+
+    std::shared_ptr<AnalyzerCommands> commands() const; // the same object as remote(), or null
 
     // Store a bandwidth in whole hertz as its code; see codeFromBandwidth.
     void setResolutionBandwidth(quint32 hertz);
@@ -21,12 +23,11 @@ public:
     // "automatic" reaches the device.
     void setAutoSweepTime(bool automatic);
 
-    std::shared_ptr<AnalyzerCommands> commands; // the same object as remote
-    double span = 100000.0;                     // Hz
-    double sweepTime = 2.0;                     // s
-    quint32 rbwCode = 19;                       // resolution bandwidth as a code: 30 kHz
-    quint32 vbwCode = 23;                       // video bandwidth as a code: 300 kHz
-    quint32 attenuation = 10;                   // input attenuation, dB
-    bool autoAttenuation = true;                // attenuation is chosen by the device
-    bool autoSweepTime = true;                  // sweep time is chosen by the device
+    double span = 100000.0;      // Hz
+    double sweepTime = 2.0;      // s
+    quint32 rbwCode = 19;        // resolution bandwidth as a code: 30 kHz
+    quint32 vbwCode = 23;        // video bandwidth as a code: 300 kHz
+    quint32 attenuation = 10;    // input attenuation, dB
+    bool autoAttenuation = true; // attenuation is chosen by the device
+    bool autoSweepTime = true;   // sweep time is chosen by the device
 };

@@ -1,68 +1,47 @@
-// What the three instruments share of bringing a device up, setting it and handing the outcome
-// on. A failure ends in deviceMessage; nothing throws.
+// What the three instruments share of bringing a device up and setting it, as parts of a
+// conversation over its link. A failure ends in the device message; nothing throws.
 #pragma once
 
 #include "instruments/create_interface.h"
 #include "instruments/instrument.h"
 #include "remote/instrument_commands.h"
-#include "remote/ko_remote_exception.h"
 
 // Connects the device anew: drops the former connection, makes a transport and, by
 // makeCommands(transport), the command object around it, opens it, asks "*IDN?".
-template <class Device, class MakeCommands>
-void connectDevice(Device& device, MakeCommands makeCommands)
+template <class MakeCommands>
+void connectDevice(const Instrument& instrument, MakeCommands makeCommands)
 {
-    try {
-        if (device.commands) {
-            device.commands->closeInterface();
-            device.commands.reset();
-            device.remote.reset();
+    InstrumentLink& link = *instrument.link();
+    failQuietly(link, [&] {
+        if (const auto former = link.remote()) {
+            former->closeInterface();
+            link.setRemote(nullptr);
         }
-        device.commands = makeCommands(createInterface(device));
-        device.remote = device.commands;
-        device.remote->openInterface();
-        device.deviceMessage = device.remote->identity();
-        device.remote->goToLocal();
-        device.initialized = true;
-    } catch (KORemoteException* failure) {
-        device.fail(takeMessage(failure));
-    }
+        const auto commands = makeCommands(createInterface(instrument));
+        link.setRemote(commands);
+        commands->openInterface();
+        link.setDeviceMessage(commands->identity());
+        commands->goToLocal();
+        link.setInitialized();
+    });
 }
 
-// Sends the settings over the connection, or over a new one where there is none, and asks
-// "*IDN?". Deliberate: a device that failed before is tried again over the same connection.
+// Sends the settings by sendSettings(commands) over the connection, or over a new one where there
+// is none, and asks "*IDN?". Deliberate: a device that failed before is tried again over the same
+// connection.
 template <class Device, class SendSettings>
-void configureDevice(Device& device, SendSettings sendSettings)
+void configureDevice(const Device& device, SendSettings sendSettings)
 {
-    if (!device.commands) {
+    if (!device.commands()) {
         device.init();
     }
-    if (!device.commands) {
-        return; // deviceMessage tells why
+    const auto commands = device.commands();
+    if (!commands) {
+        return; // the device message tells why
     }
-    try {
-        sendSettings();
-        device.deviceMessage = device.commands->identity();
-        device.commands->goToLocal();
-    } catch (KORemoteException* failure) {
-        device.fail(takeMessage(failure));
-    }
-}
-
-// Takes over what init(), setup() or reset() did to a copy of this instrument: before is the
-// copy as it was taken, after as the job left it. What the job did not change stays, and so does
-// a connection that was made meanwhile unless the job made one itself.
-template <class Device>
-void adoptConnection(Device& record, const Device& before, const Device& after)
-{
-    const bool connectedAnew = after.commands != before.commands;
-    const bool saidNothingNew =
-        after.deviceMessage == before.deviceMessage && after.initialized == before.initialized;
-    if (!connectedAnew && (saidNothingNew || record.commands != after.commands)) {
-        return;
-    }
-    record.deviceMessage = after.deviceMessage;
-    record.initialized = after.initialized;
-    record.commands = after.commands;
-    record.remote = after.remote;
+    failQuietly(*device.link(), [&] {
+        sendSettings(*commands);
+        device.link()->setDeviceMessage(commands->identity());
+        commands->goToLocal();
+    });
 }

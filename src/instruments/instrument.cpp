@@ -2,25 +2,17 @@
 
 #include "instruments/config_line.h"
 #include "remote/instrument_commands.h"
-#include "remote/ko_remote_exception.h"
 
-void Instrument::reset()
+void Instrument::reset() const
 {
-    if (!remote) {
+    const std::shared_ptr<InstrumentCommands> commands = remote();
+    if (!commands) {
         return;
     }
-    try {
-        remote->reset();
-        remote->goToLocal();
-    } catch (KORemoteException* failure) {
-        fail(takeMessage(failure));
-    }
-}
-
-void Instrument::fail(const QString& message)
-{
-    deviceMessage = message;
-    initialized = false;
+    failQuietly(*sharedLink, [&commands] {
+        commands->reset();
+        commands->goToLocal();
+    });
 }
 
 QString Instrument::commonConfigLines(const QString& section) const

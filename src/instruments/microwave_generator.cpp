@@ -11,7 +11,13 @@ QString MicrowaveGenerator::configSection() const
            configLine("IF Input", QString::number(int{ifInput})) + QLatin1Char('\n');
 }
 
-void MicrowaveGenerator::init()
+// Only init() puts a command object into the link, and that of this type.
+std::shared_ptr<GeneratorCommands> MicrowaveGenerator::commands() const
+{
+    return std::static_pointer_cast<GeneratorCommands>(remote());
+}
+
+void MicrowaveGenerator::init() const
 {
     // Row 1 is "TAU"; every other row, "None" included, speaks the dialect of "ZUB".
     // Deliberate: the model is copied here and holds until the next init().
@@ -21,15 +27,15 @@ void MicrowaveGenerator::init()
     });
 }
 
-void MicrowaveGenerator::setup()
+void MicrowaveGenerator::setup() const
 {
-    configureDevice(*this, [this] {
-        commands->setFrequency(frequency);
-        commands->setOutput(true);
-        commands->setIfInput(ifInput);
-        commands->setOutputAttenuation(attenuation);
+    configureDevice(*this, [this](GeneratorCommands& commands) {
+        commands.setFrequency(frequency);
+        commands.setOutput(true);
+        commands.setIfInput(ifInput);
+        commands.setOutputAttenuation(attenuation);
         if (!ifInput) {
-            commands->setLevel(level);
+            commands.setLevel(level);
         }
     });
 }

@@ -9,10 +9,11 @@ class MicrowaveGenerator : public Instrument
 {
 public:
     QString configSection() const override;
-    void init() override;
-    void setup() override;
+    void init() const override;
+    void setup() const override;
 
-    std::shared_ptr<GeneratorCommands> commands; // the same object as remote
-    quint32 attenuation = 0;                     // output attenuation, dB
-    bool ifInput = true;                         // driven through its IF input
+    std::shared_ptr<GeneratorCommands> commands() const; // the same object as remote(), or null
+
+    quint32 attenuation = 0; // output attenuation, dB
+    bool ifInput = true;     // driven through its IF input
 };

@@ -9,7 +9,13 @@ QString SignalGenerator::configSection() const
            configLine("Level", QString::number(level)) + QLatin1Char('\n');
 }
 
-void SignalGenerator::init()
+// Only init() puts a command object into the link, and that of this type.
+std::shared_ptr<GeneratorCommands> SignalGenerator::commands() const
+{
+    return std::static_pointer_cast<GeneratorCommands>(remote());
+}
+
+void SignalGenerator::init() const
 {
     // Deliberate: the model is copied here. Another row of the device list speaks its own dialect
     // from the next init() on, so that a running connection keeps the words it was opened with.
@@ -19,12 +25,12 @@ void SignalGenerator::init()
     });
 }
 
-void SignalGenerator::setup()
+void SignalGenerator::setup() const
 {
-    configureDevice(*this, [this] {
-        commands->setOutput(true);
-        commands->setIqModulation(true);
-        commands->setFrequency(frequency);
-        commands->setLevel(level);
+    configureDevice(*this, [this](GeneratorCommands& commands) {
+        commands.setOutput(true);
+        commands.setIqModulation(true);
+        commands.setFrequency(frequency);
+        commands.setLevel(level);
     });
 }

@@ -8,8 +8,8 @@ class SignalGenerator : public Instrument
 {
 public:
     QString configSection() const override;
-    void init() override;
-    void setup() override;
+    void init() const override;
+    void setup() const override;
 
-    std::shared_ptr<GeneratorCommands> commands; // the same object as remote
+    std::shared_ptr<GeneratorCommands> commands() const; // the same object as remote(), or null
 };

@@ -1,15 +1,67 @@
 #include "measurement/npr_measurement_thread.h"
 
+#include "base/worker_threads.h"
 #include "remote/ko_remote_exception.h"
 
-#include <QtConcurrent>
+#include <condition_variable>
+#include <exception>
+#include <functional>
+#include <mutex>
+#include <utility>
 
-#include <algorithm>
+// The requests that have their turn, so that the object isn't destroyed under them. One that gets
+// its turn later finds this closed.
+class NPRMeasurementThread::Requests
+{
+public:
+    // As long as it exists the object waits with its end. False when it has begun to end.
+    class Served
+    {
+    public:
+        explicit Served(Requests& all) : requests(all), began(all.begin()) {}
+        ~Served() { requests.end(began); }
+        Served(const Served&) = delete;
+        Served& operator=(const Served&) = delete;
+        explicit operator bool() const { return began; }
+
+    private:
+        Requests& requests;
+        bool began;
+    };
+
+    void close()
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        open = false;
+        ended.wait(lock, [this] { return inProgress == 0; });
+    }
+
+private:
+    bool begin()
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        inProgress += open ? 1 : 0;
+        return open;
+    }
+
+    void end(bool began)
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        inProgress -= began ? 1 : 0;
+        ended.notify_all();
+    }
+
+    std::mutex mutex;
+    std::condition_variable ended;
+    bool open = true;
+    int inProgress = 0;
+};
 
 NPRMeasurementThread::NPRMeasurementThread()
-    : result(std::make_shared<const Result>(Result{0.0, 0.0, 0.0}))
+    : analyzer(std::make_shared<const Analyzer>()),
+      result(std::make_shared<const Result>(Result{0.0, 0.0, 0.0})),
+      requests(std::make_shared<Requests>())
 {
-    qRegisterMetaType<Analyzer>();
 }
 
 NPRMeasurementThread::~NPRMeasurementThread()
@@ -19,38 +71,12 @@ NPRMeasurementThread::~NPRMeasurementThread()
     while (!wait(betweenWakesMs)) {
         wake();
     }
-    for (QFuture<void>& request : requests) {
-        request.waitForFinished();
-    }
+    requests->close();
 }
 
 void NPRMeasurementThread::setAnalyzer(const Analyzer& newAnalyzer)
 {
-    const QMutexLocker lock(&mutex);
-    std::atomic_store(&offered, std::shared_ptr<const Analyzer>());
-    analyzer = newAnalyzer;
-    ownConnection.reset();
-}
-
-void NPRMeasurementThread::offerAnalyzer(const Analyzer& changed)
-{
-    std::atomic_store(&offered, std::make_shared<const Analyzer>(changed));
-}
-
-void NPRMeasurementThread::takeOfferedAnalyzer()
-{
-    const auto changed = std::atomic_exchange(&offered, std::shared_ptr<const Analyzer>());
-    if (!changed) {
-        return;
-    }
-    const Analyzer own = analyzer;
-    analyzer = *changed;
-    if (ownConnection && !analyzer.commands) { // it is still on its way to the record
-        analyzer.commands = own.commands;
-        analyzer.remote = own.remote;
-    } else {
-        ownConnection.reset();
-    }
+    std::atomic_store(&analyzer, std::make_shared<const Analyzer>(newAnalyzer));
 }
 
 void NPRMeasurementThread::pause()
@@ -62,9 +88,14 @@ void NPRMeasurementThread::pause()
 
 void NPRMeasurementThread::resume()
 {
-    const QMutexLocker lock(&sleepMutex);
-    paused = false;
-    wakeCondition.wakeAll();
+    {
+        const QMutexLocker lock(&sleepMutex);
+        paused = false;
+        wakeCondition.wakeAll();
+    }
+    if (!isRunning()) { // the system had no thread for it before
+        start(QThread::InheritPriority);
+    }
 }
 
 void NPRMeasurementThread::stop()
@@ -82,48 +113,84 @@ void NPRMeasurementThread::wake()
 
 void NPRMeasurementThread::measureOnce()
 {
-    QMutexLocker lock(&mutex);
-    measure(lock);
+    const std::shared_ptr<const Analyzer> device = std::atomic_load(&analyzer);
+    if (const LinkTurn turn = device->link()->takeTurn()) {
+        QMutexLocker lock(&mutex);
+        measure(*device, lock);
+    }
 }
 
-void NPRMeasurementThread::measure(QMutexLocker& lock)
+void NPRMeasurementThread::measureNextPass()
 {
-    takeOfferedAnalyzer();
+    const std::shared_ptr<const Analyzer> device = std::atomic_load(&analyzer);
+    if (const LinkTurn turn = device->link()->takeTurn()) {
+        QMutexLocker lock(&mutex);
+        if (running && !paused) { // it may have waited long for its turn
+            measure(*device, lock);
+        }
+    }
+}
+
+void NPRMeasurementThread::measure(const Analyzer& device, QMutexLocker& lock)
+{
     try {
-        if (!analyzer.commands) {
-            analyzer.init();
-            ownConnection = analyzer.commands;
-            emit analyzerConnected(analyzer);
-        }
-        if (!analyzer.commands) {
-            throwRemoteException(analyzer.deviceMessage);
-        }
-        const Result reading = analyzer.commands->measureChannelPower();
-        std::atomic_store(&result, std::make_shared<const Result>(reading));
-        analyzer.commands->goToLocal();
-        emit measurementFinished();
+        read(device);
     } catch (KORemoteException* failure) {
         lock.unlock();
-        const std::unique_ptr<KORemoteException> owned(failure);
-        emit measurementError(failure);
+        tell(device, *std::unique_ptr<KORemoteException>(failure));
+    } catch (const std::exception&) {
+        lock.unlock();
+        KORemoteException failure(QStringLiteral("Not enough memory"));
+        tell(device, failure);
+    }
+}
+
+void NPRMeasurementThread::tell(const Analyzer& device, KORemoteException& failure)
+{
+    if (!device.link()->isRetired()) {
+        emit measurementError(&failure);
+    }
+}
+
+void NPRMeasurementThread::read(const Analyzer& device)
+{
+    if (!device.commands()) {
+        device.init();
+    }
+    const std::shared_ptr<AnalyzerCommands> commands = device.commands();
+    if (!commands) {
+        throwRemoteException(device.deviceMessage());
+    }
+    const Result reading = commands->measureChannelPower();
+    const bool isShown = !device.link()->isRetired(); // a loaded configuration may have replaced it
+    if (isShown) {
+        std::atomic_store(&result, std::make_shared<const Result>(reading));
+    }
+    commands->goToLocal();
+    if (isShown) {
+        emit measurementFinished();
     }
 }
 
 void NPRMeasurementThread::requestSingleMeasurement()
 {
-    requests.erase(std::remove_if(requests.begin(), requests.end(),
-                                  [](const QFuture<void>& each) { return each.isFinished(); }),
-                   requests.end());
-    requests.append(QtConcurrent::run([this] { serveRequest(); }));
-}
-
-// A request that still waits for its turn when the program ends is dropped.
-void NPRMeasurementThread::serveRequest()
-{
-    QMutexLocker lock(&mutex);
-    if (running) {
-        measure(lock);
-    }
+    const std::shared_ptr<const Analyzer> device = std::atomic_load(&analyzer);
+    const auto turn = std::make_shared<LinkTurn>();
+    const std::function<void()> request = [this, device, turn, open = requests] {
+        const LinkTurn held = std::move(*turn);
+        const Requests::Served served(*open);
+        if (served) {
+            QMutexLocker lock(&mutex);
+            measure(*device, lock);
+        }
+    };
+    device->link()->ask([request, turn](LinkTurn given) {
+        *turn = std::move(given);
+        if (*turn && !WorkerThreads::ofProcess().start(request)) {
+            qWarning("No thread for the measurement"); // it fails as quietly as any other
+            turn->giveBack();
+        }
+    });
 }
 
 NPRMeasurementThread::Result NPRMeasurementThread::results() const
@@ -153,7 +220,7 @@ void NPRMeasurementThread::run()
         if (!running) {
             return;
         }
-        measureOnce();
+        measureNextPass();
         waitForMainThread();
     }
 }

@@ -2,8 +2,6 @@
 
 #include "remote/ko_remote_exception.h"
 
-#include <QMutexLocker>
-
 namespace {
 
 KORemoteInterface& required(const std::unique_ptr<KORemoteInterface>& transport)
@@ -21,9 +19,22 @@ InstrumentCommands::InstrumentCommands(std::unique_ptr<KORemoteInterface> transp
 {
 }
 
+void InstrumentCommands::breakOff()
+{
+    if (interface) {
+        interface->breakOff();
+    }
+}
+
+void InstrumentCommands::requireUnbroken() const
+{
+    if (interface && interface->isBrokenOff()) {
+        throwRemoteException(QStringLiteral("The program ends"));
+    }
+}
+
 void InstrumentCommands::closeInterface()
 {
-    const QMutexLocker lock(&exchange);
     if (interface) {
         interface->close();
     }
@@ -31,7 +42,7 @@ void InstrumentCommands::closeInterface()
 
 void InstrumentCommands::openInterface()
 {
-    const QMutexLocker lock(&exchange);
+    requireUnbroken();
     required(interface).open();
 }
 
@@ -42,13 +53,13 @@ QString InstrumentCommands::identity()
 
 void InstrumentCommands::goToLocal()
 {
-    const QMutexLocker lock(&exchange);
+    requireUnbroken();
     required(interface).goToLocal();
 }
 
 QString InstrumentCommands::query(const QString& text)
 {
-    const QMutexLocker lock(&exchange);
+    requireUnbroken();
     return interface ? interface->querySCPI(text) : QString();
 }
 
@@ -59,7 +70,7 @@ void InstrumentCommands::reset()
 
 void InstrumentCommands::send(const QString& text)
 {
-    const QMutexLocker lock(&exchange);
+    requireUnbroken();
     if (interface) {
         interface->sendSCPI(text);
     }

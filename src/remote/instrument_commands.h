@@ -1,12 +1,11 @@
 // The SCPI that every instrument understands, and the one door to an instrument's transport.
 //
-// Owns the transport. A command object may be used from any thread; one exchange with the
-// instrument runs at a time, so a second thread waits for the first one's exchange.
+// Owns the transport. Any thread, by the one who holds the instrument's link; only breakOff() may
+// come from another thread at any moment. Without a transport, openInterface() and goToLocal()
+// throw KORemoteException*, and the others do nothing.
 #pragma once
 
 #include "remote/ko_remote_interface.h"
-
-#include <QMutex>
 
 #include <memory>
 
@@ -16,15 +15,18 @@ public:
     explicit InstrumentCommands(std::unique_ptr<KORemoteInterface> transport);
 
     void closeInterface();
-    void openInterface(); // without a transport: KORemoteException*
-    QString identity();   // answer of "*IDN?"
-    void goToLocal();     // without a transport: KORemoteException*
+    void openInterface();
+    QString identity(); // answer of "*IDN?"
+    void goToLocal();
     QString query(const QString& text);
     void reset();
     void send(const QString& text);
 
+    // The present exchange ends soon, and every later one fails with KORemoteException*.
+    void breakOff();
+
 private:
+    void requireUnbroken() const;
+
     const std::unique_ptr<KORemoteInterface> interface; // null for an unknown interface
-    // A line can't be handed over by value: two threads on it would tear the device apart.
-    QMutex exchange;
 };

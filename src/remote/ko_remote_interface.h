@@ -2,8 +2,11 @@
 // instrument answers. Nothing above this layer knows which transport is in use.
 //
 // All operations block, within fixed time limits, and throw KORemoteException*. A transport
-// may be used from any thread, by one thread at a time (see InstrumentCommands).
+// may be used from any thread, by one thread at a time (see instruments/instrument_link.h); only
+// breakOff() may come from another one at any moment.
 #pragma once
+
+#include "remote/patience.h"
 
 #include <QString>
 
@@ -18,9 +21,15 @@ public:
     virtual void close() = 0;
     virtual void goToLocal() = 0; // hands the front panel back to the operator
 
+    // Ends every wait, the present one too, as if its time limit had passed. For good.
+    void breakOff() { patience.end(); }
+    bool isBrokenOff() const { return patience.hasEnded(); }
+
     KORemoteInterface(const KORemoteInterface&) = delete;
     KORemoteInterface& operator=(const KORemoteInterface&) = delete;
 
 protected:
     KORemoteInterface() = default;
+
+    Patience patience;
 };

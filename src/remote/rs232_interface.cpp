@@ -69,19 +69,35 @@ QString RS232Interface::querySCPI(const QString& command)
     const qint64 leftOver = port->bytesAvailable();
     DeviceText::writeLine(*port, command);
     port->flush();
-    port->waitForBytesWritten(writtenMs);
+    patience.await(
+        writtenMs, [this](int ms) { return port->waitForBytesWritten(ms); },
+        [this] { return works() && port->bytesToWrite() > 0; });
     // The wait above takes in data that arrives meanwhile: a wait for more would run out.
-    if (port->bytesAvailable() <= leftOver && !port->waitForReadyRead(firstDataMs)) {
+    if (port->bytesAvailable() <= leftOver && !awaitData(firstDataMs)) {
         return {};
     }
     QElapsedTimer sinceFirstData;
     sinceFirstData.start();
     QByteArray answer = port->readAll();
     while (answer.size() < longestAnswer && !sinceFirstData.hasExpired(longestAnswerMs) &&
-           port->waitForReadyRead(endSilenceMs)) {
+           awaitData(endSilenceMs)) {
         answer += port->readAll();
     }
     return DeviceText::answerFrom(answer);
+}
+
+// After a wait that ran out, which is no failure of the line.
+bool RS232Interface::works() const
+{
+    const QSerialPort::SerialPortError error = port->error();
+    return error == QSerialPort::NoError || error == QSerialPort::TimeoutError;
+}
+
+bool RS232Interface::awaitData(int limitMs)
+{
+    port->clearError();
+    return patience.await(
+        limitMs, [this](int ms) { return port->waitForReadyRead(ms); }, [this] { return works(); });
 }
 
 void RS232Interface::goToLocal()

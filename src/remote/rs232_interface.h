@@ -37,6 +37,9 @@ public:
 private:
     RS232Interface(std::unique_ptr<QSerialPort> port, const SerialParameters& parameters);
 
+    bool works() const;
+    bool awaitData(int limitMs);
+
     std::unique_ptr<QSerialPort> port;
     int longestAnswerMs;
 };

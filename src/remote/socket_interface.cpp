@@ -2,6 +2,7 @@
 
 #include "remote/device_text.h"
 #include "remote/ko_remote_exception.h"
+#include "remote/tcp_connection.h"
 
 #include <QTcpSocket>
 
@@ -11,6 +12,7 @@ constexpr quint16 scpiPort = 5025; // fixed, not a setting
 constexpr int connectMs = 3000;
 constexpr int writtenMs = 1000;
 constexpr int firstDataMs = 3000;
+constexpr int hangUpMs = 1000;
 
 } // namespace
 
@@ -26,8 +28,7 @@ void SocketInterface::open()
     // then queues its own signal of an error, to nobody, and wants the type known for that.
     qRegisterMetaType<QAbstractSocket::SocketError>();
     socket->moveToThread(nullptr);
-    socket->connectToHost(address, scpiPort, QIODevice::ReadWrite);
-    if (!socket->waitForConnected(connectMs)) {
+    if (!connectSocket(*socket, address, scpiPort, connectMs, patience)) {
         throwRemoteException(QLatin1String("Unable to connect to Host: ") + address.toString());
     }
 }
@@ -35,6 +36,7 @@ void SocketInterface::open()
 void SocketInterface::close()
 {
     if (socket) {
+        hangUp(*socket, hangUpMs, patience);
         socket->close();
     }
 }
@@ -66,13 +68,13 @@ QString SocketInterface::querySCPI(const QString& command)
     }
     const qint64 leftOver = socket ? socket->bytesAvailable() : 0;
     sendSCPI(command);
-    if (connected()) {
-        socket->waitForBytesWritten(writtenMs);
-    }
+    patience.await(
+        writtenMs, [this](int ms) { return socket->waitForBytesWritten(ms); },
+        [this] { return connected() && socket->bytesToWrite() > 0; });
     // A quick answer may have come in with the wait above; a wait for more would be lost.
-    if (connected() && socket->bytesAvailable() <= leftOver) {
-        socket->waitForReadyRead(firstDataMs);
-    }
+    patience.await(
+        firstDataMs, [this](int ms) { return socket->waitForReadyRead(ms); },
+        [this, leftOver] { return connected() && socket->bytesAvailable() <= leftOver; });
     return DeviceText::answerFrom(socket->isOpen() ? socket->readAll() : QByteArray());
 }
 

@@ -51,12 +51,13 @@ struct MeasurementSetup
     void finishSpectrum(SignalData& data) const;
 
     // Tells the analyzer to measure at notch number measureNotch, in measurement/. Main thread;
-    // blocks for the traffic. Nothing happens without such a notch. Throws KORemoteException*,
-    // with "Analyzer is not initialized!" before the analyzer was ever connected.
-    void tuneAnalyzerToNotch();
+    // waits for the analyzer's link and blocks for the traffic. Nothing happens without such a
+    // notch. Throws KORemoteException*, with "Analyzer is not initialized!" before the analyzer
+    // was ever connected.
+    void tuneAnalyzerToNotch() const;
     // Connects and sets all instruments of the chain and puts the analyzer into its channel
-    // power measurement, in measurement/. Runs on a copy; throws KORemoteException*.
-    void presetInstruments();
+    // power measurement, in measurement/preset.h. Blocks; throws KORemoteException*.
+    void presetInstruments() const;
 
     SignalGenerator generator;
     Analyzer analyzer;

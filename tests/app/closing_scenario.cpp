@@ -1,11 +1,9 @@
 // A program with the real window that closes at a chosen moment; test_closing runs it as a
 // process of its own and judges how it ends.
 #include "app/main_window.h"
+#include "kit/background_jobs.h"
 #include "kit/scripted_instrument.h"
 #include "kit/window_driver.h"
-
-#include <QSemaphore>
-#include <QThreadPool>
 
 namespace {
 
@@ -51,17 +49,6 @@ void forceTheCloseOfARunningCalculation(MainWindow& window, const WindowDriver& 
     window.close();
 }
 
-// The pool is busy with something else, so the calculation starts only after the window has gone.
-void closeBeforeTheCalculationStarts(MainWindow& window, const WindowDriver& operate)
-{
-    static QSemaphore gate;
-    QThreadPool::globalInstance()->setMaxThreadCount(1);
-    QThreadPool::globalInstance()->start([] { gate.acquire(); });
-    operate.click("calc_fft_button");
-    window.close();
-    QObject::connect(&window, &QObject::destroyed, [] { gate.release(); });
-}
-
 // A thousand workers, some of them calculating, when the last window closes.
 void closeInTheMiddleOfASweep(MainWindow& window, const WindowDriver& operate)
 {
@@ -85,8 +72,7 @@ void closeDuringAMeasurement(MainWindow& window, const WindowDriver& operate)
     operate.click("autocalc_notches_button");
     operate.click("preset_button");
     device.takeReceivedUpTo("SWE:TIME 1.000000\nDISP:WIND1:TRAC:Y:RLEV -20.000\n&GTL\n");
-    QThreadPool::globalInstance()->waitForDone();
-    QCoreApplication::processEvents();
+    waitForBackgroundJobs();
     operate.type("measure_notch", "1");
     operate.pick("measure_mode", 0);
     device.takeReceivedUpTo("ACP\n");
@@ -121,7 +107,6 @@ const Scenario scenarios[] = {
     {"idle", closeWithNothingRunning},
     {"wait", closeAndWaitForTheCalculation},
     {"force", forceTheCloseOfARunningCalculation},
-    {"queued", closeBeforeTheCalculationStarts},
     {"sweep", closeInTheMiddleOfASweep},
     {"measuring", closeDuringAMeasurement},
     {"presetting", closeDuringAPreset},

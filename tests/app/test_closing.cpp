@@ -14,7 +14,6 @@ private slots:
     void firstExitOnABareAccountSaves();
     void endedCalculationLetsTheProgramEnd();
     void forcedCloseOfARunningCalculationHangs();
-    void calculationThatStartsAfterTheWindowHasGoneHarmsNothing();
     void sweepThatIsStillRunningLetsTheProgramEnd();
     void measurementThatIsStillRunningLetsTheProgramEnd();
     void presetThatIsStillRunningLetsTheProgramEnd();
@@ -73,11 +72,6 @@ void TestClosing::forcedCloseOfARunningCalculationHangs()
     QVERIFY2(!program.waitForFinished(4000), "the program ended");
     program.kill();
     QVERIFY(program.waitForFinished());
-}
-
-void TestClosing::calculationThatStartsAfterTheWindowHasGoneHarmsNothing()
-{
-    endsWithStatus0("queued");
 }
 
 void TestClosing::sweepThatIsStillRunningLetsTheProgramEnd()

@@ -1,12 +1,12 @@
 // The bottom row of the window with an instrument at the other end of the line.
 #include "app/remote_failure_box.h"
+#include "kit/background_jobs.h"
 #include "kit/main_window_test.h"
 #include "kit/scripted_instrument.h"
 #include "remote/ko_remote_exception.h"
 
 #include <QTabWidget>
 #include <QTemporaryDir>
-#include <QThreadPool>
 
 class TestMainWindowMeasurement : public MainWindowTest
 {
@@ -77,7 +77,7 @@ void TestMainWindowMeasurement::init()
 void TestMainWindowMeasurement::cleanup()
 {
     closeWindow();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackgroundJobs();
     device.reset();
 }
 
@@ -184,8 +184,7 @@ void TestMainWindowMeasurement::continuousMeasurementGreysItsButtonsOut()
     device->takeReceived();
     for (int request = 0; request < 50; ++request) {
         operate->click("measure_button");
-        QThreadPool::globalInstance()->waitForDone();
-        QCoreApplication::processEvents();
+        waitForBackgroundJobs();
     }
     const auto passes = device->takeReceived().count("ACP");
     QVERIFY2(passes == 50 || passes == 51, QByteArray::number(passes));
@@ -251,8 +250,7 @@ void TestMainWindowMeasurement::aFailedPresetOpensNoBox()
     devices.find<QComboBox>("a_interface")->setCurrentIndex(0); // needs VISA, which is not there
     QTest::ignoreMessage(QtWarningMsg, droppedFailure);
     operate->click("preset_button");
-    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
-    QCoreApplication::processEvents();
+    QVERIFY(backgroundJobsEnd(10000));
     QVERIFY(QApplication::activeModalWidget() == nullptr);
     // What the job found out stands in the record, and the next refresh shows it.
     devices.type("a_level", "-10");
@@ -276,8 +274,7 @@ void TestMainWindowMeasurement::aPresetKeepsAConnectionMadeMeanwhile()
     QTest::keyClick(address, Qt::Key_Return);
     devices.click("m_init");
     QTRY_COMPARE(devices.text("m_message"), QString("MW"));
-    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
-    QCoreApplication::processEvents();
+    QVERIFY(backgroundJobsEnd(10000));
     devices.click("m_if_input"); // a preset is followed by no refresh of its own
     QCOMPARE(devices.text("g_message"), QString("slow"));
     QCOMPARE(devices.text("m_message"), QString("MW"));
@@ -357,8 +354,7 @@ void TestMainWindowMeasurement::aFailedReadingOpensNoBoxAndKeepsTheLabels()
     QTRY_COMPARE(devices.text("a_message"), QString("Could not load VISA"));
     QTest::ignoreMessage(QtWarningMsg, droppedFailure);
     operate->click("measure_button");
-    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
-    QCoreApplication::processEvents();
+    QVERIFY(backgroundJobsEnd(10000));
     QVERIFY(QApplication::activeModalWidget() == nullptr);
     QCOMPARE(operate->text("npr_upper"), QString("-43.75"));
     QVERIFY(operate->isEnabled("measure_button"));
@@ -369,8 +365,7 @@ void TestMainWindowMeasurement::thePresetsConnectionsAreTheRecords()
     makeNotches();
     operate->click("preset_button");
     QVERIFY(device->takeReceivedUpTo("RLEV -20.000\n&GTL\n").contains("SENS:DET1:FUNC RMS\n"));
-    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 10000);
-    QCoreApplication::processEvents();
+    QVERIFY(backgroundJobsEnd(10000));
     operate->type("measure_notch", "1");
     QVERIFY(device->takeReceivedUpTo("&GTL\n").startsWith("FREQ:CENT"));
     operate->click("measure_button");
@@ -418,7 +413,7 @@ void TestMainWindowMeasurement::closingDuringAPresetIsNotHeldUp()
     window->close();
     closeWindow();
     QVERIFY(timer.elapsed() < 2000);
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackgroundJobs();
 }
 
 QTEST_MAIN(TestMainWindowMeasurement)

@@ -1,11 +1,11 @@
 // The proof of the whole program: the real window and the simulated bench in a process of its own,
 // over real sockets, from "Auto-Calculate" to the labels, against closed forms.
+#include "kit/background_jobs.h"
 #include "kit/main_window_test.h"
 #include "kit/simulator_process.h"
 
 #include <QTabWidget>
 #include <QTcpServer>
-#include <QThreadPool>
 
 #include <cmath>
 
@@ -149,8 +149,7 @@ void TestMeasuredNpr::typeFrequency(const char* name, const QString& megahertz) 
 void TestMeasuredNpr::waitForJobs() const
 {
     // The bench fetches the samples from this very thread, so it must go on meanwhile.
-    QTRY_COMPARE_WITH_TIMEOUT(QThreadPool::globalInstance()->activeThreadCount(), 0, 20000);
-    QCoreApplication::processEvents();
+    QVERIFY(backgroundJobsEnd(20000));
 }
 
 void TestMeasuredNpr::preset()

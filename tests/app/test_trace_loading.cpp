@@ -2,6 +2,7 @@
 // written as a trace file and loaded, and the samples that the client fetches are sent through
 // that path again.
 #include "fit/dialogs/load_trace_dialog.h"
+#include "kit/background_jobs.h"
 #include "kit/main_window_test.h"
 #include "kit/sample_spectrum.h"
 #include "kit/status_client.h"
@@ -9,7 +10,6 @@
 #include <QPointer>
 #include <QTcpServer>
 #include <QTemporaryDir>
-#include <QThreadPool>
 
 namespace {
 
@@ -197,8 +197,7 @@ void TestTraceLoading::theWindowGoesWithTheDialogOpenAndTheJobRunning()
     openTrace(lineCount);
     window.reset();
     QVERIFY(dialog.isNull());
-    QThreadPool::globalInstance()->waitForDone();
-    QCoreApplication::processEvents();
+    waitForBackgroundJobs();
 }
 
 QTEST_MAIN(TestTraceLoading)

@@ -41,9 +41,9 @@ void TestInstrumentOverVisa::aSessionOverEachRow()
     Analyzer analyzer;
     analyzer.interfaceKind = static_cast<InterfaceKind>(row);
     analyzer.init();
-    QVERIFY(analyzer.initialized);
+    QVERIFY(analyzer.initialized());
     // Over VISA the line end of the answer stays.
-    QCOMPARE(analyzer.deviceMessage, QString("ACME,42\n"));
+    QCOMPARE(analyzer.deviceMessage(), QString("ACME,42\n"));
     QCOMPARE(visa.log(), "viOpenDefaultRM()\nviOpen(7, " + resource +
                              ", 0, 5000)\nviSetAttribute(42, 1073676314, 10000)\n"
                              "viSetBuf(42, 3, 4000)\nviSetAttribute(42, 1073676333, 1)\n"
@@ -63,8 +63,8 @@ void TestInstrumentOverVisa::aRefusedCommandFailsTheSetup()
     analyzer.init();
     visa.fail("viRead", -1073807339);
     analyzer.setup();
-    QCOMPARE(analyzer.deviceMessage, QString("Error at querySCPI: FREQ:CENT 0.00000000000"));
-    QVERIFY(!analyzer.initialized);
+    QCOMPARE(analyzer.deviceMessage(), QString("Error at querySCPI: FREQ:CENT 0.00000000000"));
+    QVERIFY(!analyzer.initialized());
 }
 
 void TestInstrumentOverVisa::aConnectionThatCannotBeClosedIsKept()
@@ -73,13 +73,13 @@ void TestInstrumentOverVisa::aConnectionThatCannotBeClosedIsKept()
     Analyzer analyzer;
     analyzer.interfaceKind = InterfaceKind::LanVxi11;
     analyzer.init();
-    const auto former = analyzer.commands;
+    const auto former = analyzer.commands();
     visa.fail("viClose", -9); // the session
     visa.fail("viClose", -9); // and the manager
     analyzer.init();
-    QCOMPARE(analyzer.deviceMessage, QString("Error at koClose"));
-    QVERIFY(!analyzer.initialized);
-    QCOMPARE(analyzer.commands, former);
+    QCOMPARE(analyzer.deviceMessage(), QString("Error at koClose"));
+    QVERIFY(!analyzer.initialized());
+    QCOMPARE(analyzer.commands(), former);
 }
 
 QTEST_GUILESS_MAIN(TestInstrumentOverVisa)

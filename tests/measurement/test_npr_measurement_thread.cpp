@@ -1,6 +1,7 @@
 // The measurement thread against an instrument at the other end of a socket.
 #include "measurement/npr_measurement_thread.h"
 
+#include "kit/background_jobs.h"
 #include "kit/scripted_instrument.h"
 #include "remote/ko_remote_exception.h"
 
@@ -66,7 +67,7 @@ private slots:
     void destructionInTheMiddleOfAMeasurementWaitsForIt();
     void destructionDropsRequestsThatWait();
     void anAnalyzerThatWasNeverConnectedIsConnectedFirst();
-    void aConnectionOfItsOwnIsKeptUntilTheRecordHasIt();
+    void theRecordHasTheConnectionAtOnce();
     void aMissingVisaLibraryIsReported();
     void aFailedMeasurementKeepsTheFormerResult();
     void aFailingDeviceDoesNotFillTheQueue();
@@ -141,8 +142,7 @@ void TestNprMeasurementThread::resumedItMeasuresWithoutAPause()
     device.takeReceived();
     for (int request = 0; request < 50; ++request) {
         thread.requestSingleMeasurement();
-        QThreadPool::globalInstance()->waitForDone();
-        QCoreApplication::processEvents();
+        waitForBackgroundJobs();
     }
     const auto passes = device.takeReceived().count("ACP");
     QVERIFY2(passes == 50 || passes == 51, QByteArray::number(passes));
@@ -221,40 +221,36 @@ void TestNprMeasurementThread::anAnalyzerThatWasNeverConnectedIsConnectedFirst()
     UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
-    QSignalSpy connected(&thread, &NPRMeasurementThread::analyzerConnected);
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
-    thread.setAnalyzer(Analyzer());
+    const Analyzer analyzer;
+    thread.setAnalyzer(analyzer);
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 1);
-    QCOMPARE(connected.count(), 1);
-    const auto analyzer = connected.at(0).at(0).value<Analyzer>();
-    QVERIFY(analyzer.initialized);
-    QCOMPARE(analyzer.deviceMessage, QString("an analyzer"));
+    QVERIFY(analyzer.initialized());
+    QCOMPARE(analyzer.deviceMessage(), QString("an analyzer"));
     QVERIFY(device.takeReceived().startsWith("*IDN?\n&GTL\nINIT:CONT OFF\n"));
 }
 
-void TestNprMeasurementThread::aConnectionOfItsOwnIsKeptUntilTheRecordHasIt()
+void TestNprMeasurementThread::theRecordHasTheConnectionAtOnce()
 {
     UsualDevice device;
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
+    const Analyzer record;
+    thread.setAnalyzer(record);
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 1);
-    thread.offerAnalyzer(Analyzer()); // the record has not heard of the connection yet
+    Analyzer changed = record;
+    changed.level = 7.0;
+    thread.setAnalyzer(changed); // other settings, the same device
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 2);
     QCOMPARE(device.connectionCount(), 1);
-    // Once the record had it, a record without a connection means that it was given up.
-    Analyzer heard;
-    heard.init();
-    thread.offerAnalyzer(heard);
+    thread.setAnalyzer(Analyzer()); // another device
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 3);
-    thread.offerAnalyzer(Analyzer());
-    thread.requestSingleMeasurement();
-    QTRY_COMPARE(finished.count(), 4);
-    QCOMPARE(device.connectionCount(), 3);
+    QCOMPARE(device.connectionCount(), 2);
 }
 
 void TestNprMeasurementThread::aMissingVisaLibraryIsReported()
@@ -317,7 +313,7 @@ void TestNprMeasurementThread::aReplacedAnalyzerIsUsed()
     Analyzer elsewhere;
     elsewhere.interfaceKind = InterfaceKind::Gpib0;
     thread.setAnalyzer(elsewhere);
-    thread.offerAnalyzer(connectedAnalyzer());
+    thread.setAnalyzer(connectedAnalyzer());
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 1);
     // A record that was replaced as a whole takes its connection along, even if it has none.

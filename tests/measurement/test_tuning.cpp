@@ -100,7 +100,7 @@ void TestTuning::withoutANotchNothingIsSent()
     device.takeReceivedUpTo("&GTL\n");
     setup.measureNotch = number;
     setup.tuneAnalyzerToNotch();
-    setup.analyzer.commands->send("end");
+    setup.analyzer.commands()->send("end");
     QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
 }
 
@@ -125,9 +125,9 @@ void TestTuning::presetConnectsThenSetsThenPreparesTheMeasurement()
     setup.presetInstruments();
     const QByteArray end = "DISP:WIND1:TRAC:Y:RLEV -7.500\n&GTL\n";
     const QByteArray sent = device.takeReceivedUpTo("SWE:TIME 1.000000\n" + end);
-    QVERIFY(setup.analyzer.initialized);
-    QVERIFY(setup.generator.initialized);
-    QVERIFY(!setup.microwave.initialized);
+    QVERIFY(setup.analyzer.initialized());
+    QVERIFY(setup.generator.initialized());
+    QVERIFY(!setup.microwave.initialized());
     QCOMPARE(device.connectionCount(), 2);
     const int analyzerSet = sent.indexOf("FREQ:CENT");
     const int generatorSet = sent.indexOf("IQ:STAT ON\nFREQ 1000000000.000000");
@@ -147,7 +147,7 @@ void TestTuning::presetIncludesTheMicrowaveGenerator()
     setup.microwave.frequency = 2e10;
     setup.presetInstruments();
     const QByteArray sent = device.takeReceivedUpTo("RLEV -20.000\n&GTL\n");
-    QVERIFY(setup.microwave.initialized);
+    QVERIFY(setup.microwave.initialized());
     QVERIFY(sent.contains("FREQ 20000000000.000000\nOUTP ON\n*IDN?\n"));
     QVERIFY(sent.indexOf("FREQ 20000000000") < sent.indexOf("SENS:DET1"));
 }
@@ -159,8 +159,8 @@ void TestTuning::presetWithoutAnyDeviceIsQuiet()
     setup.analyzer.ipAddress = "127.0.0.9";
     // Nobody answers at the end of a socket; the message tells, and no failure comes out.
     QCOMPARE(failureOf([&] { setup.presetInstruments(); }), QString("(none)"));
-    QVERIFY(!setup.analyzer.initialized);
-    QVERIFY(!setup.generator.initialized);
+    QVERIFY(!setup.analyzer.initialized());
+    QVERIFY(!setup.generator.initialized());
 }
 
 void TestTuning::presetWithoutVisaIsReported()
@@ -170,7 +170,7 @@ void TestTuning::presetWithoutVisaIsReported()
     setup.analyzer.interfaceKind = InterfaceKind::Gpib0;
     QCOMPARE(failureOf([&] { setup.presetInstruments(); }),
              QString("Analyzer is not initialized!"));
-    QCOMPARE(setup.analyzer.deviceMessage, QString("Could not load VISA"));
+    QCOMPARE(setup.analyzer.deviceMessage(), QString("Could not load VISA"));
 }
 
 QTEST_GUILESS_MAIN(TestTuning)

@@ -8,7 +8,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QThreadPool>
 
 #include <atomic>
 #include <cstdio>
@@ -95,7 +94,6 @@ int main(int argc, char* argv[])
     returnFreedMemory();
     qInstallMessageHandler(note);
     QApplication application(argc, argv);
-    QThreadPool::globalInstance()->setExpiryTimeout(1000);
     const int seconds = application.arguments().value(1, QStringLiteral("600")).toInt();
     bool isGood = false;
     int status = 1;

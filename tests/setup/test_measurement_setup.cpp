@@ -66,7 +66,7 @@ void TestMeasurementSetup::instrumentDefaults()
         QCOMPARE(instrument->device, 0U);
         QCOMPARE(instrument->gpibAddress, 20U);
         QCOMPARE(instrument->rs232Port, 0U);
-        QVERIFY(instrument->deviceMessage.isEmpty());
+        QVERIFY(instrument->deviceMessage().isEmpty());
         QCOMPARE(instrument->ipAddress, QString("127.0.0.1"));
         QCOMPARE(instrument->frequency, 0.0);
         QCOMPARE(instrument->level, -20.0);
@@ -75,7 +75,7 @@ void TestMeasurementSetup::instrumentDefaults()
         QCOMPARE(instrument->rs232Parity, 0);
         QCOMPARE(instrument->rs232StopBits, 1);
         QCOMPARE(instrument->rs232FlowControl, 0);
-        QVERIFY(!instrument->initialized);
+        QVERIFY(!instrument->initialized());
     }
     QCOMPARE(setup.analyzer.span, 1e5);
     QCOMPARE(setup.analyzer.sweepTime, 2.0);
@@ -147,14 +147,14 @@ void TestMeasurementSetup::assignmentTakesEverythingOver()
     setup.traceLoaded = true;
     setup.signal = SignalData(4);
     setup.compensationTrace = {1.0};
-    setup.analyzer.initialized = true;
+    setup.analyzer.link()->setInitialized();
     MeasurementSetup loaded;
     loaded.seed = 5;
     const auto table = loaded.notches;
     setup = std::move(loaded);
     QCOMPARE(setup.seed, 5U);
     QCOMPARE(setup.crestFactor, 0.0);
-    QVERIFY(!setup.traceLoaded && !setup.analyzer.initialized);
+    QVERIFY(!setup.traceLoaded && !setup.analyzer.initialized());
     QCOMPARE(setup.signal.length, 0);
     QVERIFY(setup.compensationTrace.isEmpty());
     QCOMPARE(setup.notches, table);

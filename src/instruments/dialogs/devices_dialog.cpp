@@ -168,7 +168,7 @@ void DevicesDialog::showCommon(const CommonWidgets& widgets, const Instrument& i
     if (from != widgets.interface) {
         widgets.interface->setCurrentIndex(static_cast<int>(instrument.interfaceKind));
     }
-    widgets.message->setText(instrument.deviceMessage);
+    widgets.message->setText(instrument.deviceMessage());
     if (from != widgets.gpibAddress) {
         widgets.gpibAddress->setValue(static_cast<int>(instrument.gpibAddress));
     }
@@ -180,8 +180,8 @@ void DevicesDialog::showCommon(const CommonWidgets& widgets, const Instrument& i
     if (from != widgets.level) {
         widgets.level->setValue(instrument.level);
     }
-    widgets.set->setEnabled(instrument.initialized);
-    widgets.reset->setEnabled(instrument.initialized);
+    widgets.set->setEnabled(instrument.initialized());
+    widgets.reset->setEnabled(instrument.initialized());
 }
 
 void DevicesDialog::showAnalyzer(QWidget* from)

@@ -1,17 +1,16 @@
 // The window in which the operator chooses the three instruments, their connections and their
 // settings, and brings them up. Every change is in the record at once.
 //
-// Main thread. A job ("Init", "Set", "Reset") runs on the global pool on a copy of its instrument;
-// its outcome is adopted on the main thread, so the window never waits. Jobs of one instrument
-// run one after the other. Slots named on_<object>_<signal> are connected by name; the prefixes
-// are g_ (signal generator), a_ (analyzer) and m_ (microwave generator).
+// Main thread. A job ("Init", "Set", "Reset") is a conversation over its instrument's link, on a
+// worker thread and in order of asking, so the window never waits. Slots named on_<object>_<signal>
+// are connected by name; the prefixes are g_ (signal generator), a_ (analyzer) and m_ (microwave
+// generator).
 #pragma once
 
 #include "instruments/dialogs/rs232_dialog.h"
 #include "setup/measurement_setup.h"
 
 #include <QDialog>
-#include <QQueue>
 
 #include <memory>
 
@@ -91,16 +90,10 @@ public slots:
     void on_m_rs232configure_linkActivated(const QString& link);
 
 private:
-    using Job = void (Instrument::*)();
+    using Job = void (Instrument::*)() const;
 
     // The widgets that all three tabs have.
     struct CommonWidgets;
-    // The jobs of one instrument that wait for the one that runs.
-    struct JobQueue
-    {
-        QQueue<Job> waiting;
-        bool busy = false;
-    };
 
     CommonWidgets generatorWidgets() const;
     CommonWidgets analyzerWidgets() const;
@@ -117,16 +110,12 @@ private:
     void storeNumber(double& field, const QLineEdit* text, double factor);
 
     template <class Device>
-    void request(Device MeasurementSetup::*member, JobQueue& queue, QLineEdit* message, Job job);
-    template <class Device>
-    void startNext(Device MeasurementSetup::*member, JobQueue& queue, QLineEdit* message);
+    void request(Device MeasurementSetup::*member, QLineEdit* message, Job job);
+    void showOutcome(const InstrumentLink& link, QLineEdit* message);
 
     std::unique_ptr<Ui::DevicesDialog> ui;
     MeasurementSetup* setup = nullptr;
     RS232Dialog generatorSerial;
     RS232Dialog analyzerSerial;
     RS232Dialog microwaveSerial;
-    JobQueue generatorJobs;
-    JobQueue analyzerJobs;
-    JobQueue microwaveJobs;
 };

@@ -1,11 +1,7 @@
-// The slots of the devices dialog: each stores into the record and refreshes, or starts a job.
+// The slots of the devices dialog: each stores into the record and refreshes.
 #include "instruments/dialogs/devices_dialog.h"
 
-#include "instruments/connect_device.h"
 #include "ui_devices_dialog.h"
-
-#include <QFutureWatcher>
-#include <QtConcurrent>
 
 template <class Value> void DevicesDialog::store(Value& field, Value value, QWidget* from)
 {
@@ -37,39 +33,6 @@ void DevicesDialog::storeNumber(double& field, const QLineEdit* text, double fac
         field = value * factor;
     }
     notifyPropertyChanged();
-}
-
-template <class Device>
-void DevicesDialog::request(Device MeasurementSetup::*member, JobQueue& queue, QLineEdit* message,
-                            Job job)
-{
-    message->setText(QStringLiteral("pending..."));
-    queue.waiting.enqueue(job);
-    if (!queue.busy) {
-        startNext(member, queue, message);
-    }
-}
-
-template <class Device>
-void DevicesDialog::startNext(Device MeasurementSetup::*member, JobQueue& queue, QLineEdit* message)
-{
-    queue.busy = true;
-    auto* watcher = new QFutureWatcher<Device>(this);
-    connect(watcher, &QFutureWatcherBase::finished, this, [=, &queue, before = setup->*member] {
-        adoptConnection(setup->*member, before, watcher->result());
-        watcher->deleteLater();
-        queue.busy = false;
-        notifyPropertyChanged();
-        if (!queue.waiting.isEmpty()) {
-            message->setText(QStringLiteral("pending..."));
-            startNext(member, queue, message);
-        }
-    });
-    watcher->setFuture(
-        QtConcurrent::run([device = setup->*member, job = queue.waiting.dequeue()]() mutable {
-            (device.*job)();
-            return device;
-        }));
 }
 
 void DevicesDialog::on_g_type_currentIndexChanged(int index)
@@ -224,51 +187,6 @@ void DevicesDialog::on_m_attenuation_valueChanged(int arg1)
 void DevicesDialog::on_m_if_input_toggled(bool checked)
 {
     store(setup->microwave.ifInput, checked, ui->m_if_input);
-}
-
-void DevicesDialog::on_g_init_clicked()
-{
-    request(&MeasurementSetup::generator, generatorJobs, ui->g_message, &Instrument::init);
-}
-
-void DevicesDialog::on_a_init_clicked()
-{
-    request(&MeasurementSetup::analyzer, analyzerJobs, ui->a_message, &Instrument::init);
-}
-
-void DevicesDialog::on_m_init_clicked()
-{
-    request(&MeasurementSetup::microwave, microwaveJobs, ui->m_message, &Instrument::init);
-}
-
-void DevicesDialog::on_g_set_clicked()
-{
-    request(&MeasurementSetup::generator, generatorJobs, ui->g_message, &Instrument::setup);
-}
-
-void DevicesDialog::on_a_set_clicked()
-{
-    request(&MeasurementSetup::analyzer, analyzerJobs, ui->a_message, &Instrument::setup);
-}
-
-void DevicesDialog::on_m_set_clicked()
-{
-    request(&MeasurementSetup::microwave, microwaveJobs, ui->m_message, &Instrument::setup);
-}
-
-void DevicesDialog::on_g_reset_clicked()
-{
-    request(&MeasurementSetup::generator, generatorJobs, ui->g_message, &Instrument::reset);
-}
-
-void DevicesDialog::on_a_reset_clicked()
-{
-    request(&MeasurementSetup::analyzer, analyzerJobs, ui->a_message, &Instrument::reset);
-}
-
-void DevicesDialog::on_m_reset_clicked()
-{
-    request(&MeasurementSetup::microwave, microwaveJobs, ui->m_message, &Instrument::reset);
 }
 
 void DevicesDialog::on_g_rs232configure_linkActivated(const QString& link)

@@ -1,6 +1,7 @@
 // The instruments' window as an operator uses it, with a device at the other end of the line.
 #include "instruments/dialogs/devices_dialog.h"
 
+#include "kit/background_jobs.h"
 #include "kit/scripted_instrument.h"
 #include "kit/window_driver.h"
 
@@ -71,7 +72,7 @@ void TestDevicesDialog::init()
 void TestDevicesDialog::cleanup()
 {
     dialog.reset();
-    QThreadPool::globalInstance()->waitForDone();
+    waitForBackgroundJobs();
 }
 
 void TestDevicesDialog::defaultsAreShown()
@@ -323,12 +324,12 @@ void TestDevicesDialog::initConnectsAndShowsTheAnswer()
     device.answer("*IDN?", {{200, "ACME,42\n"}});
     operate->click("g_init");
     QCOMPARE(operate->text("g_message"), QString("pending..."));
-    QCOMPARE(setup->generator.deviceMessage, QString());
+    QCOMPARE(setup->generator.deviceMessage(), QString());
     QTRY_COMPARE(operate->text("g_message"), QString("ACME,42"));
     QVERIFY(operate->isEnabled("g_set"));
     QVERIFY(operate->isEnabled("g_reset"));
     QVERIFY(!operate->isEnabled("a_set"));
-    QVERIFY(setup->generator.initialized);
+    QVERIFY(setup->generator.initialized());
 }
 
 void TestDevicesDialog::aFailedInitShowsWhy()
@@ -391,8 +392,7 @@ void TestDevicesDialog::closingDuringAJobIsSafe()
     QTRY_COMPARE(device.connectionCount(), 1);
     dialog.reset();
     setup.reset();
-    QThreadPool::globalInstance()->waitForDone();
-    QCoreApplication::processEvents();
+    waitForBackgroundJobs();
     QTRY_COMPARE(device.openConnections(), 0);
 }
 
