@@ -6,6 +6,7 @@
 #include "look/house_style.h"
 #include "setup/config_file.h"
 #include "signal/dialogs/crest_factor_dialog.h"
+#include "status/status_server.h"
 #include "ui_main_window.h"
 
 #include <QAbstractButton>
@@ -18,8 +19,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QStandardItemModel>
-#include <QTcpServer>
-#include <QTcpSocket>
 
 // What a calculation brings. Made by default it stands for one that failed.
 struct CalculationResult
@@ -31,16 +30,6 @@ struct CalculationResult
 namespace {
 
 const char defaultConfigName[] = "Notchbench.cfg";
-
-template <typename Child> void deleteUnheard(MainWindow& window)
-{
-    const QList<Child*> children =
-        window.findChildren<Child*>(QString(), Qt::FindDirectChildrenOnly);
-    for (Child* child : children) {
-        child->disconnect(&window);
-        delete child;
-    }
-}
 
 QString fixedPoint(double value)
 {
@@ -72,6 +61,7 @@ MainWindow::MainWindow(QWidget* parent)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
       crestFactorDialog(std::make_unique<CrestFactorDialog>()),
+      statusServer(std::make_unique<StatusServer>(setup, this)),
       calculationRunning(std::make_shared<std::atomic<bool>>(false)),
       failureDoor(
           std::make_shared<FailureDoor>([this](KORemoteException* e) { emit remoteError(e); }))
@@ -97,9 +87,10 @@ MainWindow::MainWindow(QWidget* parent)
     notifyPropertyChanged();
     // Deliberate: the constant and not the loaded port, so that a client finds the program on
     // port 1000 after every start. A server that the refresh opened stays open beside it.
-    openServer(1000);
+    statusServer->listen(1000);
 
     connectMeasurement();
+    connect(statusServer.get(), &StatusServer::clientChanged, this, &MainWindow::showClient);
     connect(ui->graph_widget, &GraphWidget::graphChanged, this, &MainWindow::graphChanged);
     connect(this, &MainWindow::fftFinished, this, &MainWindow::fftCalculationFinished);
 }
@@ -110,10 +101,14 @@ MainWindow::~MainWindow()
     failureDoor->close();
     saveDefaultConfig(setup, QLatin1String(defaultConfigName));
     breakOffLinks();
-    closeServer();
+    statusServer.reset();
     // Left to the base, these would report their end to slots of a window that is half gone.
-    deleteUnheard<QTcpSocket>(*this); // those not yet fetched belong to their server
-    deleteUnheard<LoadTraceDialog>(*this);
+    const QList<LoadTraceDialog*> dialogs =
+        findChildren<LoadTraceDialog*>(QString(), Qt::FindDirectChildrenOnly);
+    for (LoadTraceDialog* dialog : dialogs) {
+        dialog->disconnect(this);
+        delete dialog;
+    }
 }
 
 void MainWindow::notifyPropertyChanged(QWidget* from)

@@ -15,17 +15,15 @@
 #include "setup/measurement_setup.h"
 
 #include <QMainWindow>
-#include <QPointer>
 
 #include <atomic>
 #include <memory>
 
 class CrestFactorDialog;
 class QStandardItem;
-class QTcpServer;
-class QTcpSocket;
 class FailureDoor;
 class KORemoteException;
+class StatusServer;
 struct CalculationResult;
 
 namespace Ui {
@@ -124,20 +122,13 @@ private:
     void disconnectTable();
     void selectSource(int source, bool checked);
     void pickFile(QString& field, const QString& title, const QString& filter);
-    void openServer(quint16 port);
-    void closeServer();
-    void readWhatWaits();
-    void dropSurplusClients();
-    void drop(QTcpSocket* socket);
-    void send(const QByteArray& bytes);
+    void showClient(bool connected);
 
     std::unique_ptr<Ui::MainWindow> ui;
     DevicesDialog devicesDialog;                          // no parent: a window of its own
     std::unique_ptr<CrestFactorDialog> crestFactorDialog; // points to setup, which never moves
     MeasurementSetup setup;
-    QPointer<QTcpServer> tcpServer; // the present server; the window is its parent
-    QPointer<QTcpSocket> tcpSocket; // the present client: one slot, not a list
-    bool requestWaits = false;      // of the present client, until it has read more
+    std::unique_ptr<StatusServer> statusServer; // tells of setup; the window owns its sockets
     // True while a calculation runs. One flag for all: the first that ends clears it. A calculation
     // may outlive the window.
     std::shared_ptr<std::atomic<bool>> calculationRunning;

@@ -60,6 +60,7 @@ private slots:
     void unknownTextKeepsTheConnection();
     void hugeRequestKeepsTheWindowAlive();
     void disconnectionShowsOnTheScreen();
+    void slotsOfTheWindowReachTheServer();
     void secondClientTakesThePlaceOfTheFirst();
     void firstClientThatGoesTakesTheSecondAlong();
     void clientsThatComeAndGoLeaveNothingBehind();
@@ -244,6 +245,19 @@ void TestMainWindowServer::disconnectionShowsOnTheScreen()
     QVERIFY(next.connectTo(port));
     QCOMPARE(next.take(24).size(), 24);
     QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
+}
+
+void TestMainWindowServer::slotsOfTheWindowReachTheServer()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(port));
+    client.take(24);
+    window->new_connection(); // nobody waits
+    window->read_connection();
+    QVERIFY(client.isSilentBeforeIdentity());
+    window->disconnected();
+    QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
+    QTRY_COMPARE(client.socket.state(), QTcpSocket::UnconnectedState);
 }
 
 void TestMainWindowServer::secondClientTakesThePlaceOfTheFirst()

@@ -1,0 +1,156 @@
+#include "status/status_server.h"
+
+#include "status/status_replies.h"
+
+#include <QDebug>
+#include <QTcpServer>
+#include <QTcpSocket>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int requestSize = 1024;                    // bytes of one read
+constexpr int writeSize = 64000;                     // bytes of one write
+constexpr qint64 mostUnread = 1048576;               // bytes; the rest waits in the client
+constexpr qint64 mostUnsent = qint64{256} * 1048576; // bytes; a client that has not read them waits
+constexpr int mostFormerClients = 32; // each holds a descriptor, of which a process has few
+
+} // namespace
+
+StatusServer::StatusServer(MeasurementSetup& setupToTell, QObject* parent)
+    : QObject(parent), setup(setupToTell)
+{
+}
+
+StatusServer::~StatusServer()
+{
+    close();
+    for (QTcpSocket* socket : qAsConst(clients)) {
+        socket->disconnect(this); // its end is reported while it dies
+        delete socket;
+    }
+}
+
+void StatusServer::listen(quint16 port)
+{
+    server = new QTcpServer(parent());
+    server->listen(QHostAddress::Any, port);
+    connect(server, &QTcpServer::newConnection, this, &StatusServer::takeClient);
+}
+
+void StatusServer::close()
+{
+    if (server) {
+        server->close();
+        server->deleteLater();
+    }
+}
+
+quint16 StatusServer::port() const
+{
+    return server ? server->serverPort() : quint16{0};
+}
+
+void StatusServer::takeClient()
+{
+    // A server that was replaced still reports connections, which the present one doesn't have.
+    QTcpSocket* socket = server ? server->nextPendingConnection() : nullptr;
+    if (socket == nullptr) {
+        return;
+    }
+    dropSurplusClients();
+    watch(socket);
+    client = socket;
+    requestWaits = false;
+    send(greeting(setup));
+    // A client that went while it was greeted has already been reported as gone.
+    if (socket->state() == QAbstractSocket::ConnectedState) {
+        emit clientChanged(true);
+    }
+}
+
+void StatusServer::watch(QTcpSocket* socket)
+{
+    clients.append(socket);
+    socket->setParent(parent()); // outlives a change of the port
+    socket->setReadBufferSize(mostUnread);
+    connect(socket, &QTcpSocket::readyRead, this, &StatusServer::answerRequest);
+    connect(socket, &QTcpSocket::bytesWritten, this, &StatusServer::answerWhatWaits);
+    connect(socket, &QTcpSocket::disconnected, this, [this, socket] { clientLeft(socket); });
+}
+
+void StatusServer::answerRequest()
+{
+    if (!client) {
+        return;
+    }
+    // A client that asks and never reads would make the program hold ever more for it.
+    requestWaits = client->bytesToWrite() > mostUnsent;
+    if (requestWaits) {
+        return;
+    }
+    char buffer[requestSize];
+    const qint64 count = client->read(buffer, sizeof(buffer));
+    const QString request =
+        QString::fromLocal8Bit(buffer, static_cast<int>(std::max<qint64>(count, 0)));
+    qDebug() << "<< " << request;
+    send(replyTo(request, setup));
+}
+
+// Only the read that was put off: what lies beyond the bytes of an earlier read waits for more.
+void StatusServer::answerWhatWaits()
+{
+    if (requestWaits) {
+        answerRequest();
+    }
+}
+
+// Former clients are left alone while they cost little. Those that came first go when many stay
+// or when they leave much unread, or they would take the program's memory and descriptors.
+void StatusServer::dropSurplusClients()
+{
+    const QList<QTcpSocket*> former = clients;
+    qint64 unsent = 0;
+    for (int newer = 0; newer < former.size(); ++newer) {
+        QTcpSocket* socket = former.at(former.size() - 1 - newer);
+        unsent += socket->bytesToWrite();
+        if (newer >= mostFormerClients || unsent > mostUnsent) {
+            drop(socket);
+        }
+    }
+}
+
+// Deliberate: whichever client goes, the newest goes with it. The protocol is for one client at
+// a time.
+void StatusServer::clientLeft(QTcpSocket* socket)
+{
+    dropClient();
+    if (socket != client) {
+        drop(socket); // its place was taken; nobody else keeps it
+    }
+}
+
+void StatusServer::dropClient()
+{
+    emit clientChanged(false);
+    if (client) {
+        drop(client);
+    }
+}
+
+// A socket that is dropped is not heard any more: it would report its end again while it dies.
+void StatusServer::drop(QTcpSocket* socket)
+{
+    clients.removeOne(socket);
+    socket->disconnect(this);
+    socket->deleteLater();
+}
+
+void StatusServer::send(const QByteArray& bytes)
+{
+    for (int from = 0; from < bytes.size(); from += writeSize) {
+        client->write(bytes.constData() + from, std::min(writeSize, bytes.size() - from));
+    }
+    client->flush();
+}

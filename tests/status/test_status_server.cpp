@@ -1,0 +1,300 @@
+// The status server without a window, met by real clients on ports that the system chooses.
+#include "kit/status_client.h"
+#include "setup/measurement_setup.h"
+#include "status/status_server.h"
+
+#include <QLoggingCategory>
+#include <QSignalSpy>
+#include <QTcpServer>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace {
+
+QByteArray hex(const char* text)
+{
+    return QByteArray::fromHex(text);
+}
+
+const char greetingBytes[] = "03000000 00000000 01000000 00000048 00000000 20bcbe4c";
+const char length131072[] = "01000000 00000048";
+
+} // namespace
+
+class TestStatusServer : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void clientIsGreetedAndReported();
+    void clientThatGoesIsReportedOnce();
+    void askedForNewDataTheRecordForgetsThem();
+    void readTakesAtMost1024Bytes();
+    void unreadBytesOfAClientAreBounded();
+    void secondClientTakesThePlaceOfTheFirst();
+    void firstClientThatGoesTakesTheSecondAlong();
+    void clientThatTakesNothingIsReadAgainOnceItHasTakenSome();
+    void formerClientsAreDroppedTheOldestFirst();
+    void formerClientsThatLeaveMuchUnreadAreDropped();
+    void closedServerKeepsItsClients();
+    void onlyTheNewestServerIsAskedForClients();
+    void portInUseGoesUnnoticed();
+    void nothingHappensWhenNothingWaits();
+    void endOfTheServerIsNotReportedAsTheEndOfAClient();
+
+private:
+    std::unique_ptr<StatusClient> greetedClient();
+    QList<QTcpSocket*> peers() const;
+    void makeBlocksOf64MiB();
+
+    std::unique_ptr<QObject> owner;
+    std::unique_ptr<MeasurementSetup> setup;
+    std::unique_ptr<StatusServer> server;
+    std::unique_ptr<QSignalSpy> reports;
+};
+
+void TestStatusServer::initTestCase()
+{
+    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); // of each request
+}
+
+void TestStatusServer::init()
+{
+    owner = std::make_unique<QObject>();
+    setup = std::make_unique<MeasurementSetup>();
+    server = std::make_unique<StatusServer>(*setup, owner.get());
+    reports = std::make_unique<QSignalSpy>(server.get(), &StatusServer::clientChanged);
+    server->listen(0);
+    QVERIFY(server->port() != 0);
+}
+
+void TestStatusServer::cleanup()
+{
+    reports.reset();
+    server.reset();
+    owner.reset();
+}
+
+std::unique_ptr<StatusClient> TestStatusServer::greetedClient()
+{
+    auto client = std::make_unique<StatusClient>();
+    if (!client->connectTo(server->port()) || client->take(24) != hex(greetingBytes)) {
+        qWarning("the client was not greeted");
+    }
+    return client;
+}
+
+// The server's ends of the connections that it serves.
+QList<QTcpSocket*> TestStatusServer::peers() const
+{
+    return owner->findChildren<QTcpSocket*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+void TestStatusServer::makeBlocksOf64MiB()
+{
+    constexpr int samples = 8388608; // of two floats each
+    const QVector<double> zeros(samples);
+    setup->signal.iSamples = zeros;
+    setup->signal.qSamples = zeros;
+    setup->signal.length = samples;
+}
+
+void TestStatusServer::clientIsGreetedAndReported()
+{
+    StatusClient client;
+    QVERIFY(client.connectTo(server->port()));
+    QCOMPARE(client.take(24), hex(greetingBytes));
+    QCOMPARE(*reports, QList<QVariantList>{{true}});
+    QVERIFY(client.isSilentBeforeIdentity());
+}
+
+void TestStatusServer::clientThatGoesIsReportedOnce()
+{
+    const auto client = greetedClient();
+    client->socket.close();
+    QTRY_VERIFY(peers().isEmpty());
+    const QList<QVariantList> expected = {{true}, {false}};
+    QCOMPARE(*reports, expected);
+}
+
+void TestStatusServer::askedForNewDataTheRecordForgetsThem()
+{
+    const auto client = greetedClient();
+    setup->newDataFlag = true;
+    // The state, the rate, the length and a block without samples.
+    QCOMPARE(client->ask("GetNewState", 28).left(8), hex("03000000 0000803f"));
+    QVERIFY(!setup->newDataFlag);
+}
+
+void TestStatusServer::readTakesAtMost1024Bytes()
+{
+    const auto client = greetedClient();
+    const QByteArray first = QByteArray("GetServerID").leftJustified(1024, 'x');
+    QCOMPARE(client->ask(first + "GetSequenceLength", 100).left(4), hex("04000000"));
+    QCOMPARE(client->socket.bytesAvailable(), 0);
+    // What lay beyond waits for more to come and is then where a request begins.
+    QCOMPARE(client->ask("x", 8), hex(length131072));
+}
+
+void TestStatusServer::unreadBytesOfAClientAreBounded()
+{
+    const auto client = greetedClient();
+    const QTcpSocket* peer = peers().constFirst();
+    qint64 mostUnread = 0;
+    connect(peer, &QTcpSocket::readyRead, this,
+            [&] { mostUnread = std::max(mostUnread, peer->bytesAvailable()); });
+    client->send(QByteArray(8 * 1048576, 'x'));
+    QTRY_COMPARE(client->socket.bytesToWrite(), 0);
+    QVERIFY(mostUnread > 1000000); // it read less than it was sent
+    QVERIFY(mostUnread <= 1048576);
+}
+
+void TestStatusServer::secondClientTakesThePlaceOfTheFirst()
+{
+    const auto first = greetedClient();
+    const auto second = greetedClient();
+    // What the first sends makes the server read the second, which has said nothing.
+    first->send("GetServerID");
+    const QTcpSocket* peerOfFirst = peers().constFirst();
+    QTRY_COMPARE(peerOfFirst->bytesAvailable(), 11);
+    QVERIFY(second->isSilentBeforeIdentity());
+    QCOMPARE(first->socket.bytesAvailable(), 0);
+    QCOMPARE(first->socket.state(), QAbstractSocket::ConnectedState);
+    const QList<QVariantList> expected = {{true}, {true}};
+    QCOMPARE(*reports, expected);
+}
+
+void TestStatusServer::firstClientThatGoesTakesTheSecondAlong()
+{
+    const auto first = greetedClient();
+    const auto second = greetedClient();
+    first->socket.close();
+    QTRY_COMPARE(second->socket.state(), QAbstractSocket::UnconnectedState);
+    QTRY_VERIFY(peers().isEmpty());
+    QVERIFY(greetedClient()->isSilentBeforeIdentity());
+}
+
+void TestStatusServer::clientThatTakesNothingIsReadAgainOnceItHasTakenSome()
+{
+    makeBlocksOf64MiB();
+    const auto client = greetedClient();
+    client->socket.setReadBufferSize(1000);
+    const QTcpSocket* peer = peers().constFirst();
+    // Four blocks less what the system's buffers hold, and one more, are above the bound.
+    for (int request = 0; request < 5; ++request) {
+        const qint64 before = peer->bytesToWrite();
+        client->send("GetSymbol");
+        QTRY_VERIFY(peer->bytesToWrite() > before);
+    }
+    const qint64 held = peer->bytesToWrite();
+    QVERIFY(held > qint64{256} * 1048576);
+    client->send("GetSequenceLength");
+    QTRY_COMPARE(peer->bytesAvailable(), 17); // it stays unread
+    QVERIFY(peer->bytesToWrite() <= held); // and unanswered
+    client->socket.setReadBufferSize(0);
+    QByteArray tail;
+    const auto endOfReplies = [&] { return tail = (tail + client->socket.readAll()).right(8); };
+    QTRY_COMPARE_WITH_TIMEOUT(endOfReplies(), hex(length131072), 60000);
+    QCOMPARE(peer->bytesAvailable(), 0);
+}
+
+void TestStatusServer::formerClientsAreDroppedTheOldestFirst()
+{
+    std::vector<std::unique_ptr<StatusClient>> clients;
+    for (int i = 0; i < 35; ++i) {
+        clients.push_back(greetedClient());
+    }
+    // The newest and 32 before it.
+    QTRY_COMPARE(clients.at(0)->socket.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE(clients.at(1)->socket.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(clients.at(2)->socket.state(), QAbstractSocket::ConnectedState);
+    QCOMPARE(peers().size(), 33);
+    QVERIFY(clients.back()->isSilentBeforeIdentity());
+    QCOMPARE(reports->count(), 35); // of none that it had gone
+}
+
+void TestStatusServer::formerClientsThatLeaveMuchUnreadAreDropped()
+{
+    makeBlocksOf64MiB();
+    const auto first = greetedClient();
+    const auto second = greetedClient();
+    second->socket.setReadBufferSize(1000);
+    for (int request = 0; request < 5; ++request) {
+        const qint64 before = peers().constLast()->bytesToWrite();
+        second->send("GetSymbol");
+        QTRY_VERIFY(peers().constLast()->bytesToWrite() > before);
+    }
+    const auto third = greetedClient();
+    QTRY_COMPARE(peers().size(), 1);
+    QVERIFY(third->isSilentBeforeIdentity());
+    QTRY_COMPARE(first->socket.state(), QAbstractSocket::UnconnectedState);
+}
+
+void TestStatusServer::closedServerKeepsItsClients()
+{
+    const auto client = greetedClient();
+    const quint16 formerPort = server->port();
+    server->close();
+    server->listen(0);
+    QTRY_COMPARE(owner->findChildren<QTcpServer*>().size(), 1); // the closed one is gone
+    QVERIFY(client->isSilentBeforeIdentity());
+    StatusClient late;
+    late.socket.connectToHost(QStringLiteral("127.0.0.1"), formerPort);
+    QTRY_COMPARE(late.socket.error(), QAbstractSocket::ConnectionRefusedError);
+    QVERIFY(greetedClient()->isSilentBeforeIdentity());
+}
+
+void TestStatusServer::onlyTheNewestServerIsAskedForClients()
+{
+    const quint16 formerPort = server->port();
+    server->listen(0);
+    QVERIFY(server->port() != formerPort);
+    StatusClient unserved;
+    QVERIFY(unserved.connectTo(formerPort));
+    QVERIFY(greetedClient()->isSilentBeforeIdentity());
+    QCOMPARE(unserved.socket.bytesAvailable(), 0);
+    QCOMPARE(unserved.socket.state(), QAbstractSocket::ConnectedState);
+}
+
+void TestStatusServer::portInUseGoesUnnoticed()
+{
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress::Any));
+    server->close();
+    server->listen(other.serverPort());
+    QCOMPARE(server->port(), quint16{0});
+    QCOMPARE(reports->count(), 0);
+}
+
+void TestStatusServer::nothingHappensWhenNothingWaits()
+{
+    StatusServer silent(*setup, owner.get());
+    QCOMPARE(silent.port(), quint16{0});
+    silent.takeClient();
+    silent.answerRequest();
+    silent.dropClient();
+    silent.close();
+    QVERIFY(peers().isEmpty());
+    QVERIFY(greetedClient()->isSilentBeforeIdentity()); // the other one serves
+}
+
+void TestStatusServer::endOfTheServerIsNotReportedAsTheEndOfAClient()
+{
+    const auto first = greetedClient();
+    const auto second = greetedClient();
+    int ends = 0;
+    connect(server.get(), &StatusServer::clientChanged, this, [&ends] { ++ends; });
+    server.reset();
+    QVERIFY(peers().isEmpty());
+    QTRY_COMPARE(first->socket.state(), QAbstractSocket::UnconnectedState);
+    QTRY_COMPARE(second->socket.state(), QAbstractSocket::UnconnectedState);
+    QCOMPARE(ends, 0);
+}
+
+QTEST_GUILESS_MAIN(TestStatusServer)
+#include "test_status_server.moc"
