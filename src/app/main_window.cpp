@@ -57,7 +57,7 @@ CalculationResult calculate(MeasurementSetup& setup, std::atomic<bool>& running)
 
 } // namespace
 
-MainWindow::MainWindow(QWidget* parent)
+MainWindow::MainWindow(QWidget* parent, quint16 startPort)
     : QMainWindow(parent),
       ui(std::make_unique<Ui::MainWindow>()),
       crestFactorDialog(std::make_unique<CrestFactorDialog>()),
@@ -85,9 +85,9 @@ MainWindow::MainWindow(QWidget* parent)
     bindTable();
     // A loaded port other than 1000 opens a server here, through port_input.
     notifyPropertyChanged();
-    // Deliberate: the constant and not the loaded port, so that a client finds the program on
-    // port 1000 after every start. A server that the refresh opened stays open beside it.
-    statusServer->listen(1000);
+    // Deliberate: the same port after every start and not the loaded one, so that a client always
+    // finds the program there. A server that the refresh opened stays open beside it.
+    statusServer->listen(startPort);
 
     connectMeasurement();
     connect(statusServer.get(), &StatusServer::clientChanged, this, &MainWindow::showClient);

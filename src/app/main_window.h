@@ -35,9 +35,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    // Reads the default configuration and opens the status server on port 1000. Moves the
-    // process to the home directory, where the file dialogs start.
-    explicit MainWindow(QWidget* parent = nullptr);
+    // Reads the default configuration and opens the status server on the start port, which only
+    // tests choose. Moves the process to the home directory, where the file dialogs start.
+    explicit MainWindow(QWidget* parent = nullptr, quint16 startPort = 1000);
 
     // Writes the default configuration.
     ~MainWindow() override;

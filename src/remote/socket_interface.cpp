@@ -8,7 +8,6 @@
 
 namespace {
 
-constexpr quint16 scpiPort = 5025; // fixed, not a setting
 constexpr int connectMs = 3000;
 constexpr int writtenMs = 1000;
 constexpr int firstDataMs = 3000;
@@ -16,7 +15,10 @@ constexpr int hangUpMs = 1000;
 
 } // namespace
 
-SocketInterface::SocketInterface(const QString& ipAddress) : LANInterface(ipAddress) {}
+SocketInterface::SocketInterface(const QString& ipAddress, quint16 portToReach)
+    : LANInterface(ipAddress), port(portToReach)
+{
+}
 
 SocketInterface::~SocketInterface() = default;
 
@@ -28,7 +30,7 @@ void SocketInterface::open()
     // then queues its own signal of an error, to nobody, and wants the type known for that.
     qRegisterMetaType<QAbstractSocket::SocketError>();
     socket->moveToThread(nullptr);
-    if (!connectSocket(*socket, address, scpiPort, connectMs, patience)) {
+    if (!connectSocket(*socket, address, port, connectMs, patience)) {
         throwRemoteException(QLatin1String("Unable to connect to Host: ") + address.toString());
     }
 }

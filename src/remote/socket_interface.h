@@ -12,7 +12,8 @@ class QTcpSocket;
 class SocketInterface : public LANInterface, public KORemoteInterface
 {
 public:
-    explicit SocketInterface(const QString& ipAddress);
+    // Only tests name a port: the program's instruments always listen on 5025.
+    explicit SocketInterface(const QString& ipAddress, quint16 port = 5025);
     ~SocketInterface() override;
 
     void sendSCPI(const QString& command) override;
@@ -24,5 +25,6 @@ public:
 private:
     bool connected() const;
 
+    quint16 port;
     std::unique_ptr<QTcpSocket> socket; // made by open()
 };

@@ -51,6 +51,7 @@ private slots:
     void cleanup();
     void listensOnPort1000AtStart();
     void loadedPortOpensASecondServer();
+    void startPortIsNeitherShownNorSaved();
     void greetingComesUnasked();
     void newStateCarriesTheSamplesOnce();
     void changeBeforeThePollForgetsTheResult();
@@ -111,19 +112,35 @@ void TestMainWindowServer::listensOnPort1000AtStart()
 void TestMainWindowServer::loadedPortOpensASecondServer()
 {
     cleanup(); // saves the port of init
-    const bool hears1000 = mayUsePort1000();
-    window = std::make_unique<MainWindow>();
+    const quint16 startPort = freePort();
+    window = std::make_unique<MainWindow>(nullptr, startPort);
     operate = std::make_unique<WindowDriver>(*window);
     QCOMPARE(operate->text("port_input"), QString::number(port));
     // The server on the loaded port is open, but its clients are never fetched from it.
     StatusClient client;
     QVERIFY(client.connectTo(port));
-    if (hears1000) {
-        StatusClient heard;
-        QVERIFY(heard.connectTo(1000));
-        QCOMPARE(heard.take(24).size(), 24);
-        QCOMPARE(client.socket.bytesAvailable(), 0);
-    }
+    StatusClient heard;
+    QVERIFY(heard.connectTo(startPort));
+    QCOMPARE(heard.take(24).size(), 24);
+    QVERIFY(heard.isSilentBeforeIdentity());
+    QCOMPARE(client.socket.bytesAvailable(), 0);
+}
+
+void TestMainWindowServer::startPortIsNeitherShownNorSaved()
+{
+    cleanup();
+    forgetSavedSettings();
+    const quint16 startPort = freePort();
+    window = std::make_unique<MainWindow>(nullptr, startPort);
+    operate = std::make_unique<WindowDriver>(*window);
+    QCOMPARE(operate->text("port_input"), QStringLiteral("1000"));
+    StatusClient client;
+    QVERIFY(client.connectTo(startPort));
+    QCOMPARE(client.take(24).size(), 24);
+    cleanup();
+    window = std::make_unique<MainWindow>(nullptr, startPort);
+    operate = std::make_unique<WindowDriver>(*window);
+    QCOMPARE(operate->text("port_input"), QStringLiteral("1000"));
 }
 
 void TestMainWindowServer::greetingComesUnasked()

@@ -26,6 +26,7 @@ private slots:
     void aLineThatHasGoneAwayIsSilent();
     void aFloodOfTenMegabytesIsTakenInParts();
     void goToLocalIsACommandLine();
+    void anotherPortIsReachedWhereItIsGiven();
     void closingDropsTheConnection();
     void itIsUsedFromOneThreadAfterTheOther();
     void aHostNameIsNoAddress();
@@ -188,6 +189,19 @@ void TestSocketInterface::goToLocalIsACommandLine()
     transport.open();
     transport.goToLocal();
     QCOMPARE(instrument.takeReceivedUpTo("\n"), QByteArray("&GTL\n"));
+}
+
+void TestSocketInterface::anotherPortIsReachedWhereItIsGiven()
+{
+    QTcpServer probe;
+    QVERIFY(probe.listen(QHostAddress::LocalHost));
+    const quint16 port = probe.serverPort();
+    probe.close();
+    ScriptedInstrument instrument(port);
+    instrument.answer("*IDN?", "ACME\n");
+    SocketInterface transport(localhost, port);
+    transport.open();
+    QCOMPARE(transport.querySCPI("*IDN?"), QString("ACME"));
 }
 
 void TestSocketInterface::closingDropsTheConnection()
