@@ -36,7 +36,8 @@ void StatusServer::listen(quint16 port)
 {
     server = new QTcpServer(parent());
     server->listen(QHostAddress::Any, port);
-    connect(server, &QTcpServer::newConnection, this, &StatusServer::takeClient);
+    connect(server, &QTcpServer::newConnection, this,
+            [this, signalling = server.data()] { takeClientOf(signalling); });
 }
 
 void StatusServer::close()
@@ -54,8 +55,12 @@ quint16 StatusServer::port() const
 
 void StatusServer::takeClient()
 {
-    // A server that was replaced still reports connections, which the present one doesn't have.
-    QTcpSocket* socket = server ? server->nextPendingConnection() : nullptr;
+    takeClientOf(server);
+}
+
+void StatusServer::takeClientOf(QTcpServer* from)
+{
+    QTcpSocket* socket = from != nullptr ? from->nextPendingConnection() : nullptr;
     if (socket == nullptr) {
         return;
     }

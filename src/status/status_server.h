@@ -33,8 +33,8 @@ public:
     ~StatusServer() override;
 
     // Waits for clients on a port of every address; 0 lets the system choose. A port that can't
-    // be had goes unnoticed. A former server that close() didn't end stays open, its new clients
-    // unserved: only the newest server is asked for them.
+    // be had goes unnoticed. A former server that close() didn't end stays open, and its clients
+    // are served like any other.
     void listen(quint16 port);
     // Ends the present server; its clients stay connected.
     void close();
@@ -42,7 +42,7 @@ public:
     quint16 port() const;
 
     // What happens when a server or a client reports. Each is harmless when nothing waits.
-    void takeClient();
+    void takeClient(); // of the present server
     void answerRequest();
     void dropClient();
 
@@ -51,6 +51,7 @@ signals:
     void clientChanged(bool connected);
 
 private:
+    void takeClientOf(QTcpServer* from);
     void watch(QTcpSocket* socket);
     void clientLeft(QTcpSocket* socket);
     void answerWhatWaits();
