@@ -1,16 +1,78 @@
 #include "base/whole_file.h"
 
 #include <QFileInfo>
+#include <QRandomGenerator>
 
-WholeFile::WholeFile(const QString& path) : QSaveFile(path)
+#include <cstdio>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace {
+
+QString behindLink(const QString& path)
 {
-    setDirectWriteFallback(true);
+    const QFileInfo info(path);
+    return info.isSymLink() ? info.symLinkTarget() : path;
+}
+
+QString shortNameBeside(const QString& path)
+{
+    const QString folder = QFileInfo(path).path();
+    const quint32 number = QRandomGenerator::global()->generate();
+    return folder + QStringLiteral("/.%1").arg(number, 7, 36, QLatin1Char('0'));
+}
+
+bool replace(const QString& former, const QString& by)
+{
+#ifdef Q_OS_WIN // where no file takes the place of another in one step
+    QFile::remove(former);
+    return QFile::rename(by, former);
+#else
+    return std::rename(QFile::encodeName(by).constData(), QFile::encodeName(former).constData()) ==
+           0;
+#endif
+}
+
+} // namespace
+
+WholeFile::WholeFile(const QString& path) : QFile(path), target(behindLink(path)) {}
+
+WholeFile::~WholeFile()
+{
+    if (isBeside) {
+        remove();
+    }
 }
 
 bool WholeFile::open(OpenMode mode)
 {
-    const QFileInfo former(fileName());
-    return (former.isFile() || !former.exists()) && QSaveFile::open(mode);
+    const QFileInfo former(target);
+    if (former.exists() && !(former.isFile() && former.isWritable())) {
+        return false;
+    }
+    if (openBeside(mode)) {
+        if (former.exists()) {
+            setPermissions(former.permissions());
+        }
+        return true;
+    }
+    setFileName(target);
+    return former.exists() && QFile::open(mode | Truncate);
+}
+
+bool WholeFile::openBeside(OpenMode mode)
+{
+    constexpr int tries = 10; // names that somebody else has taken
+    for (int i = 0; i < tries && !isBeside; ++i) {
+        setFileName(shortNameBeside(target));
+        isBeside = QFile::open(mode | NewOnly);
+        if (!isBeside && !exists()) {
+            return false;
+        }
+    }
+    return isBeside;
 }
 
 bool WholeFile::isWhole()
@@ -19,12 +81,23 @@ bool WholeFile::isWhole()
     return flushed && allTaken;
 }
 
+bool WholeFile::isOnDisk()
+{
+    const bool whole = isWhole();
+#ifdef Q_OS_UNIX
+    return whole && fsync(handle()) == 0;
+#else
+    return whole;
+#endif
+}
+
 void WholeFile::putInPlace()
 {
-    if (!isWhole()) {
-        cancelWriting();
+    const bool complete = isOnDisk();
+    close();
+    if (isBeside && complete && replace(target, fileName())) {
+        isBeside = false;
     }
-    commit();
 }
 
 void putBothInPlace(WholeFile& one, WholeFile& other)
@@ -38,7 +111,7 @@ void putBothInPlace(WholeFile& one, WholeFile& other)
 // A disk that fills up takes a part of a write, which alone the base class does not call a failure.
 qint64 WholeFile::writeData(const char* data, qint64 size)
 {
-    const qint64 taken = QSaveFile::writeData(data, size);
+    const qint64 taken = QFile::writeData(data, size);
     allTaken = allTaken && taken == size;
     return taken;
 }

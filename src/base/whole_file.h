@@ -1,30 +1,38 @@
 // A file that takes the place of a former one of its name only when all of it is on the disk: a
 // full disk, a killed program or a pulled plug leaves the former file as it was.
 //
-// Where the folder may not be written but the file may, it is written in place. What exists and is
-// no regular file (a device, a pipe) can't be opened: replacing it would harm the system, and
-// writing to it may never end. Any thread, one at a time.
+// It is written under a short name of its own beside the former one, so any name that a folder
+// takes can be replaced. Where the folder may not be written but the file may, it is written in
+// place. What exists and is no regular file (a device, a pipe) can't be opened: replacing it would
+// harm the system, and writing to it may never end. Any thread, one at a time.
 #pragma once
 
-#include <QSaveFile>
+#include <QFile>
 
-class WholeFile : public QSaveFile
+class WholeFile : public QFile
 {
 public:
     explicit WholeFile(const QString& path);
+    // Without putInPlace() nothing of the file stays.
+    ~WholeFile() override;
 
     bool open(OpenMode mode) override;
 
     // Whether everything written so far has been taken. Empties the buffers.
     bool isWhole();
 
-    // Replaces the former file if this one is whole, or drops this one.
+    // Closes the file. It replaces the former one if it is whole, or is dropped.
     void putInPlace();
 
 protected:
     qint64 writeData(const char* data, qint64 size) override;
 
 private:
+    bool openBeside(OpenMode mode);
+    bool isOnDisk();
+
+    const QString target; // behind a symbolic link
+    bool isBeside = false;
     bool allTaken = true;
 };
 
