@@ -63,21 +63,29 @@ bool SocketInterface::connected() const
 
 QString SocketInterface::querySCPI(const QString& command)
 {
-    // What is left of a late answer is taken in first, so that below only what came
-    // since tells that this answer is there.
+    // Deliberate: an answer that came too late and lies ready is the answer of this query, and
+    // alone. Nothing tells it from the right one.
     if (connected()) {
         socket->waitForReadyRead(0);
     }
-    const qint64 leftOver = socket ? socket->bytesAvailable() : 0;
+    const QByteArray late = arrived();
     sendSCPI(command);
     patience.await(
         writtenMs, [this](int ms) { return socket->waitForBytesWritten(ms); },
         [this] { return connected() && socket->bytesToWrite() > 0; });
+    if (!late.isEmpty()) {
+        return DeviceText::answerFrom(late);
+    }
     // A quick answer may have come in with the wait above; a wait for more would be lost.
     patience.await(
         firstDataMs, [this](int ms) { return socket->waitForReadyRead(ms); },
-        [this, leftOver] { return connected() && socket->bytesAvailable() <= leftOver; });
-    return DeviceText::answerFrom(socket->isOpen() ? socket->readAll() : QByteArray());
+        [this] { return connected() && socket->bytesAvailable() == 0; });
+    return DeviceText::answerFrom(arrived());
+}
+
+QByteArray SocketInterface::arrived() const
+{
+    return socket && socket->isOpen() ? socket->readAll() : QByteArray();
 }
 
 void SocketInterface::goToLocal()

@@ -24,6 +24,7 @@ public:
 
 private:
     bool connected() const;
+    QByteArray arrived() const;
 
     quint16 port;
     std::unique_ptr<QTcpSocket> socket; // made by open()

@@ -20,7 +20,7 @@ private slots:
     void aLateAnswerIsWaitedFor_data();
     void aLateAnswerIsWaitedFor();
     void silenceIsAnEmptyAnswerAfterThreeSeconds();
-    void anAnswerThatComesTooLateStandsBeforeTheNext();
+    void anAnswerThatComesTooLateIsTheNextOneAlone();
     void ofAnAnswerInPiecesTheFirstIsTaken();
     void aConnectionThatClosesInTheMiddleLeavesWhatArrived();
     void aLineThatHasGoneAwayIsSilent();
@@ -122,17 +122,20 @@ void TestSocketInterface::silenceIsAnEmptyAnswerAfterThreeSeconds()
     QVERIFY(timer.elapsed() < 4500);
 }
 
-void TestSocketInterface::anAnswerThatComesTooLateStandsBeforeTheNext()
+void TestSocketInterface::anAnswerThatComesTooLateIsTheNextOneAlone()
 {
     ScriptedInstrument instrument;
     instrument.answer("SLOW?", {{3200, "old\n"}});
     instrument.answer("QUICK?", {{300, "new\n"}});
+    instrument.answer("NEWEST?", {{400, "newest\n"}});
     SocketInterface transport(localhost);
     transport.open();
     QCOMPARE(transport.querySCPI("SLOW?"), QString());
     QTest::qWait(500); // until the old answer waits at our end
-    QCOMPARE(transport.querySCPI("QUICK?"), QString("old\nnew"));
-    QCOMPARE(transport.querySCPI("QUICK?"), QString("new"));
+    QCOMPARE(transport.querySCPI("QUICK?"), QString("old"));
+    QCOMPARE(transport.querySCPI("NEWEST?"), QString("new"));
+    QCOMPARE(transport.querySCPI("QUICK?"), QString("newest"));
+    QCOMPARE(transport.querySCPI("*OPC?"), QString("new"));
 }
 
 void TestSocketInterface::ofAnAnswerInPiecesTheFirstIsTaken()
