@@ -47,6 +47,8 @@ qint32 rowOfLength(int length)
     return std::isfinite(row) ? truncatedToInt32(row) : 0;
 }
 
+constexpr qint64 mostConfigBytes = 16 * 1048576; // a table of 999 rows takes a fifth of one MiB
+
 const Key<MeasurementSetup> nprKeys[] = {
     {"SRate", [](const MeasurementSetup& s) { return QString::number(s.sampleRate); },
      [](MeasurementSetup& s, const QString& v) { s.sampleRate = v.toDouble(); }},
@@ -262,6 +264,9 @@ MeasurementSetup loadConfig(const QString& path)
         return setup;
     }
     qDebug() << "File Exists";
+    if (file.size() > mostConfigBytes) {
+        return setup;
+    }
     apply(parseConfigText(QTextStream(&file).readAll()), setup);
     return setup;
 }

@@ -14,7 +14,7 @@
 #include <QString>
 
 // A new record; whatever the file does not carry has its default. Never fails: without a readable
-// file the record is the default one.
+// file the record is the default one. A file of more than 16 MiB counts as one without a section.
 MeasurementSetup loadConfig(const QString& path);
 
 // Writes the file whole or leaves the former one as it is, also when it is cut off in the middle

@@ -1,6 +1,9 @@
 // The configuration file, byte for byte and with everything that comes back changed.
 #include "setup/config_file.h"
 
+#include "kit/instrumented.h"
+#include "kit/process_memory.h"
+
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -108,6 +111,8 @@ class TestConfigFile : public QObject
     Q_OBJECT
 
 private slots:
+    void aHugeFileCountsAsOneWithoutASection_data();
+    void aHugeFileCountsAsOneWithoutASection();
     void init();
     void defaultsWithOneNotchAreWrittenLetterForLetter();
     void everySettingComesBack();
@@ -386,6 +391,30 @@ void TestConfigFile::defaultFileGetsItsFolders()
     const quint32 seed = loadDefaultConfig("Notchbench.cfg").seed;
     qputenv("XDG_DATA_HOME", place);
     QCOMPARE(seed, 77U);
+}
+
+void TestConfigFile::aHugeFileCountsAsOneWithoutASection_data()
+{
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<quint32>("seed");
+    QTest::newRow("16 MiB") << qint64{16} * 1048576 << 7U;
+    QTest::newRow("a byte more") << qint64{16} * 1048576 + 1 << 1U;
+    QTest::newRow("300 MB") << qint64{300000000} << 1U;
+}
+
+void TestConfigFile::aHugeFileCountsAsOneWithoutASection()
+{
+    QFETCH(qint64, size);
+    QFETCH(quint32, seed);
+    QFile file(folder->filePath("huge.cfg"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[NPR]\nSeed = 7\n");
+    QVERIFY(file.resize(size)); // zeros behind
+    file.close();
+    const bool isMeasured = forgetMostMemory();
+    const qint64 before = mostMemory();
+    QCOMPARE(loadConfig(file.fileName()).seed, seed);
+    QVERIFY(!isMeasured || isInstrumented || mostMemory() - before < 300 * 1024);
 }
 
 QTEST_GUILESS_MAIN(TestConfigFile)
