@@ -4,7 +4,10 @@
 #include <QColor>
 #include <QStandardItem>
 #include <QStandardItemModel>
+#include <QVector>
 
+#include <array>
+#include <cstddef>
 #include <utility>
 
 namespace {
@@ -16,9 +19,11 @@ QString megahertz(double hertz)
     return QString::number(hertz / 1e6, 'f', 6);
 }
 
-QList<QStandardItem*> tableRow(const Notch& notch, double centerFrequency, bool shaded)
+using RowTexts = std::array<QString, columnCount>;
+
+RowTexts textsOf(const Notch& notch, double centerFrequency)
 {
-    const QString texts[columnCount] = {
+    return {
         megahertz(centerFrequency + notch.center),
         megahertz(notch.width),
         megahertz(centerFrequency + notch.startFreq),
@@ -27,6 +32,10 @@ QList<QStandardItem*> tableRow(const Notch& notch, double centerFrequency, bool 
         QString::number(notch.stopIndex),
         QString::number(notch.depth, 'f', 2),
     };
+}
+
+QList<QStandardItem*> tableRow(const RowTexts& texts, bool shaded)
+{
     QList<QStandardItem*> row;
     for (const QString& text : texts) {
         auto* item = new QStandardItem(text);
@@ -37,6 +46,30 @@ QList<QStandardItem*> tableRow(const Notch& notch, double centerFrequency, bool 
         row.append(item);
     }
     return row;
+}
+
+bool shows(const QStandardItemModel& model, const QVector<RowTexts>& rows)
+{
+    if (model.rowCount() != rows.size() || model.columnCount() != columnCount) {
+        return false;
+    }
+    for (int row = 0; row < rows.size(); ++row) {
+        for (int column = 0; column < columnCount; ++column) {
+            const QStandardItem* item = model.item(row, column);
+            if (item == nullptr || item->text() != rows.at(row)[std::size_t(column)]) {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+void setHeader(QStandardItemModel& model)
+{
+    model.setHorizontalHeaderLabels({QStringLiteral("Center/MHz"), QStringLiteral("Width/MHz"),
+                                     QStringLiteral("Start Freq/MHz"),
+                                     QStringLiteral("Stop Freq/MHz"), QStringLiteral("Start Index"),
+                                     QStringLiteral("Stop Index"), QStringLiteral("Depth/dB")});
 }
 
 } // namespace
@@ -60,14 +93,22 @@ void NotchList::clear()
     items.clear();
 }
 
-void NotchList::fillTable(double centerFrequency)
+bool NotchList::fillTable(double centerFrequency)
 {
-    tableModel->clear();
-    tableModel->setHorizontalHeaderLabels(
-        {QStringLiteral("Center/MHz"), QStringLiteral("Width/MHz"),
-         QStringLiteral("Start Freq/MHz"), QStringLiteral("Stop Freq/MHz"),
-         QStringLiteral("Start Index"), QStringLiteral("Stop Index"), QStringLiteral("Depth/dB")});
-    for (int row = 0; row < items.size(); ++row) {
-        tableModel->insertRow(row, tableRow(items.at(row), centerFrequency, row % 2 == 1));
+    QVector<RowTexts> rows;
+    rows.reserve(items.size());
+    for (const Notch& notch : qAsConst(items)) {
+        rows.append(textsOf(notch, centerFrequency));
     }
+    // A cell that is being edited would lose its editor with a rebuild that changes nothing.
+    if (shows(*tableModel, rows)) {
+        setHeader(*tableModel);
+        return false;
+    }
+    tableModel->clear();
+    setHeader(*tableModel);
+    for (int row = 0; row < rows.size(); ++row) {
+        tableModel->insertRow(row, tableRow(rows.at(row), row % 2 == 1));
+    }
+    return true;
 }

@@ -30,9 +30,10 @@ public:
     // Drops all rows. The model keeps what it shows until the next fillTable.
     void clear();
 
-    // Rebuilds the model from the rows. centerFrequency is the carrier in Hz: the table
-    // shows absolute frequencies in MHz. Main thread only.
-    void fillTable(double centerFrequency);
+    // Makes the model show the rows, whatever it showed before; false when it did already and no
+    // cell was touched. centerFrequency is the carrier in Hz: the table shows absolute
+    // frequencies in MHz. Main thread only.
+    bool fillTable(double centerFrequency);
 
     // Sorts the rows by center, ascending; rows of equal center stay unordered.
     void sort();

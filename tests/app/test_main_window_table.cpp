@@ -15,6 +15,8 @@ private slots:
     void carrierCellsMoveTheLine();
     void cellsHaveNoEffectAfterANotchFoundNoRoom();
     void longTableStaysWhereItWasScrolledTo();
+    void anOpenEditorSurvivesARefresh();
+    void aCarrierTableKeepsItsHeader();
 
 private:
     void fillThreeNotches();
@@ -109,6 +111,44 @@ void TestMainWindowTable::longTableStaysWhereItWasScrolledTo()
     QVERIFY(place > 0);
     operate->type("seed_input", "9");
     QTRY_COMPARE(table->verticalScrollBar()->value(), place);
+}
+
+// Nothing of the table changes when a client comes.
+void TestMainWindowTable::anOpenEditorSurvivesARefresh()
+{
+    fillThreeNotches();
+    auto* table = operate->find<QTableView>("main_table");
+    const QModelIndex cell = table->model()->index(1, 6);
+    table->setFocus();
+    table->setCurrentIndex(cell);
+    table->edit(cell);
+    auto* editor = table->viewport()->findChild<QLineEdit*>();
+    editor->selectAll();
+    QTest::keyClicks(editor, "-4");
+    editor->setCursorPosition(1);
+    window->notifyPropertyChanged(); // as a client that comes brings it
+    QCOMPARE(table->viewport()->findChild<QLineEdit*>(), editor);
+    QCOMPARE(editor->text(), QStringLiteral("-4"));
+    QCOMPARE(editor->cursorPosition(), 1);
+    QVERIFY(editor->hasFocus());
+    QTest::keyClicks(editor, "1");
+    QTest::keyClick(editor, Qt::Key_Return);
+    QTRY_COMPARE(operate->cell(1, 6), QStringLiteral("-14.00"));
+}
+
+void TestMainWindowTable::aCarrierTableKeepsItsHeader()
+{
+    const auto* model = operate->find<QTableView>("main_table");
+    const auto header = [model] {
+        return model->model()->headerData(4, Qt::Horizontal).toString();
+    };
+    QCOMPARE(header(), QStringLiteral("Start Index"));
+    operate->pick("nc_combobox", 1);
+    QCOMPARE(header(), QStringLiteral("Index"));
+    operate->type("sample_rate_input", "50"); // a refresh that changes no cell
+    QCOMPARE(header(), QStringLiteral("Index"));
+    operate->pick("nc_combobox", 0);
+    QCOMPARE(header(), QStringLiteral("Start Index"));
 }
 
 QTEST_MAIN(TestMainWindowTable)

@@ -42,6 +42,7 @@ private slots:
     void tableHasItsHeaderAlsoWhenEmpty();
     void oddRowsAreShadedAndAllAreRightAligned();
     void clearKeepsTheModel();
+    void nothingIsRebuiltWhereNoCellWouldChange();
     void copiesDetachTheirRowsAndShareTheModel();
 };
 
@@ -119,6 +120,28 @@ void TestNotchList::clearKeepsTheModel()
     list.clear();
     QVERIFY(list.items.isEmpty());
     QCOMPARE(list.model(), model);
+}
+
+void TestNotchList::nothingIsRebuiltWhereNoCellWouldChange()
+{
+    NotchList list;
+    Notch notch;
+    notch.center = 1e6;
+    list.insert(1, notch);
+    QVERIFY(list.fillTable(0.0));
+    const QStandardItem* item = list.model()->item(0, 0);
+    QVERIFY(!list.fillTable(0.0));
+    QCOMPARE(list.model()->item(0, 0), item);
+    list.model()->item(0, 0)->setText("typed");
+    QVERIFY(list.fillTable(0.0));
+    QCOMPARE(list.model()->item(0, 0)->text(), QString("1.000000"));
+    QVERIFY(list.fillTable(1e6)); // another carrier
+    list.items[0].depth = -3.0;
+    QVERIFY(list.fillTable(1e6));
+    QCOMPARE(list.model()->item(0, 6)->text(), QString("-3.00"));
+    list.clear();
+    QVERIFY(list.fillTable(1e6));
+    QCOMPARE(list.model()->rowCount(), 0);
 }
 
 void TestNotchList::copiesDetachTheirRowsAndShareTheModel()
