@@ -46,6 +46,7 @@ private slots:
     void aTiltIsUndoneInTheFetchedSamples_data();
     void aTiltIsUndoneInTheFetchedSamples();
     void aLoadedTraceSwitchesCompensationOnAndInvalidates();
+    void aSecondTraceInvalidatesToo();
     void cancelLeavesTheWindowAsItWas();
     void aCorrectionLiesIdleAtAnotherLength();
     void loadingAConfigurationClearsTheCorrection();
@@ -151,6 +152,17 @@ void TestTraceLoading::aLoadedTraceSwitchesCompensationOnAndInvalidates()
     take("load_direct_button");
     QVERIFY(operate->isEnabled("compensate_checkbox"));
     QVERIFY(operate->find<QAbstractButton>("compensate_checkbox")->isChecked());
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+}
+
+void TestTraceLoading::aSecondTraceInvalidatesToo()
+{
+    openTrace(lineCount);
+    take("load_direct_button");
+    calculate();
+    openTrace(lineCount / 2);
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    take("load_direct_button");
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
 }
 

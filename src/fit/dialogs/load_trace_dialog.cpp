@@ -129,6 +129,7 @@ void LoadTraceDialog::take(QVector<double>& correction)
     setup->compensationTrace = std::move(correction);
     setup->traceLoaded = true;
     setup->compensate = true;
+    setup->setDataState(DataState::Invalid); // the signal was made without this correction
     close();
 }
 
