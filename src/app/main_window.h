@@ -87,16 +87,16 @@ public slots:
     void on_sinx_checkbox_toggled(bool checked);
     void on_measure_notch_valueChanged(int value);
     void on_measure_mode_currentIndexChanged(int index);
-    void on_actionHelp_triggered();
     void on_actionAbout_triggered();
+    void on_actionHelp_triggered();
     void on_preset_button_clicked();
     void on_actionLoad_Cfg_File_triggered();
     void on_actionSave_Cfg_File_triggered();
     void on_compensate_checkbox_toggled(bool checked);
     void on_actionSave_Waveform_triggered();
     void on_actionQuit_triggered();
-    void on_measure_button_clicked();
     void on_actionLoad_SAN_Mag_triggered();
+    void on_measure_button_clicked();
 
 protected:
     void closeEvent(QCloseEvent* event) override;

@@ -11,7 +11,17 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+// Q_INIT_RESOURCE may not stand inside a namespace.
+static bool registerAboutResources()
+{
+    Q_INIT_RESOURCE(about);
+    return true;
+}
+
 namespace {
+
+// Before main, as those of the panel; the linker would leave an unmentioned tree out.
+[[maybe_unused]] const bool aboutResourcesRegistered = registerAboutResources();
 
 QLabel* heading(const QString& name)
 {
@@ -56,7 +66,6 @@ AboutWindow::AboutWindow(const QString& shortName, const QString& longName,
       date(buildDate),
       document(documentNumber)
 {
-    Q_INIT_RESOURCE(about);
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
     setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
