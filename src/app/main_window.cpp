@@ -36,6 +36,26 @@ QString fixedPoint(double value)
     return QString::number(value, 'f', 6);
 }
 
+double asShownBy(const QDoubleSpinBox& box, double value)
+{
+    const double rounded = QString::number(value, 'f', box.decimals()).toDouble();
+    return qBound(box.minimum(), rounded, box.maximum());
+}
+
+int asShownBy(const QSpinBox& box, int value)
+{
+    return qBound(box.minimum(), value, box.maximum());
+}
+
+// A box that has this value is left alone: its text may be one that the operator is typing and that
+// is no value yet.
+template <class SpinBox, class Number> void showNumber(SpinBox& box, Number value)
+{
+    if (box.value() != asShownBy(box, value)) {
+        box.setValue(value);
+    }
+}
+
 class RaisedFlag
 {
 public:
@@ -69,8 +89,6 @@ MainWindow::MainWindow(QWidget* parent, quint16 startPort)
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
     ui->main_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    // Its slot rewrites this field with its own value, which would swallow digits while one types.
-    ui->nbw_srate_input->setKeyboardTracking(false);
     ui->graph_widget->setSetup(&setup);
     setWindowFlags(Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
                    Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint);
@@ -156,29 +174,29 @@ void MainWindow::showNotchInputs(QWidget* from)
 {
     const bool notchMode = setup.notchOrCarrier == 0;
     if (from != ui->notch_count_input) {
-        ui->notch_count_input->setValue(static_cast<int>(setup.notchCount));
+        showNumber(*ui->notch_count_input, static_cast<int>(setup.notchCount));
     }
     if (from != ui->notch_width_input) {
-        ui->notch_width_input->setValue(setup.notchWidth / 1e6);
+        showNumber(*ui->notch_width_input, setup.notchWidth / 1e6);
     }
     // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a child of the form is never null
     ui->notch_width_input->setEnabled(notchMode);
     if (from != ui->notch_offset_input) {
-        ui->notch_offset_input->setValue(setup.notchOffset / 1e6);
+        showNumber(*ui->notch_offset_input, setup.notchOffset / 1e6);
     }
     ui->notch_depth_input->setEnabled(notchMode);
     if (from != ui->notch_depth_input) {
-        ui->notch_depth_input->setValue(setup.notchDepth);
+        showNumber(*ui->notch_depth_input, setup.notchDepth);
     }
 }
 
 void MainWindow::showSignalInputs(QWidget* from)
 {
     if (from != ui->sample_rate_input) {
-        ui->sample_rate_input->setValue(setup.sampleRate / 1e6);
+        showNumber(*ui->sample_rate_input, setup.sampleRate / 1e6);
     }
     if (from != ui->nbw_srate_input) {
-        ui->nbw_srate_input->setValue(setup.nbwSrate);
+        showNumber(*ui->nbw_srate_input, setup.nbwSrate);
     }
     if (from != ui->fft_length_input) {
         ui->fft_length_input->setCurrentIndex(setup.fftLengthIndex);
@@ -187,7 +205,7 @@ void MainWindow::showSignalInputs(QWidget* from)
         ui->phase_mode_combobox->setCurrentIndex(setup.phaseMode);
     }
     if (from != ui->seed_input) {
-        ui->seed_input->setValue(static_cast<int>(setup.seed));
+        showNumber(*ui->seed_input, static_cast<int>(setup.seed));
     }
     ui->compensate_checkbox->setEnabled(setup.traceLoaded);
     if (from != ui->compensate_checkbox) {
@@ -222,31 +240,30 @@ void MainWindow::showServer(QWidget* from)
         ui->tcp_status_label->setText(QStringLiteral("not connected"));
     }
     if (from != ui->port_input) {
-        ui->port_input->setValue(setup.tcpPort);
+        showNumber(*ui->port_input, setup.tcpPort);
     }
 }
 
 void MainWindow::showMeasurement(QWidget* from)
 {
-    const bool notchPicked = setup.measureNotch != 0;
-    const bool single = setup.measureMode == 1;
-    ui->preset_button->setEnabled(single);
+    ui->preset_button->setEnabled(setup.measureMode == 1);
+    // Fewer rows may change the picked notch, and its tuning may end the choice.
     ui->measure_notch->setMaximum(setup.notches->items.size());
     if (from != ui->measure_notch) {
-        ui->measure_notch->setValue(setup.measureNotch);
+        showNumber(*ui->measure_notch, setup.measureNotch);
     }
-    ui->measure_mode->setEnabled(notchPicked);
+    ui->measure_mode->setEnabled(setup.measureNotch != 0);
     if (from != ui->measure_mode) {
         ui->measure_mode->setCurrentIndex(setup.measureMode);
     }
-    ui->measure_button->setEnabled(notchPicked && single);
+    ui->measure_button->setEnabled(setup.measureNotch != 0 && setup.measureMode == 1);
 }
 
 void MainWindow::showTable()
 {
     // The rebuild starts from an empty model; the operator's place in a long table is kept.
     const int scrolledTo = ui->main_table->verticalScrollBar()->value();
-    setup.notches->fillTable(setup.effectiveFrequency());
+    const bool rebuilt = setup.notches->fillTable(setup.effectiveFrequency());
     QStandardItemModel* model = setup.notches->model();
     ui->main_table->selectionModel()->select(
         model->index(setup.measureNotch - 1, 0),
@@ -258,7 +275,7 @@ void MainWindow::showTable()
     if (carrierMode) {
         model->setHorizontalHeaderItem(4, new QStandardItem(QStringLiteral("Index")));
     }
-    if (scrolledTo > 0) {
+    if (rebuilt && scrolledTo > 0) {
         ui->main_table->doItemsLayout(); // the new rows give the scroll bar its range
         ui->main_table->verticalScrollBar()->setValue(scrolledTo);
     }

@@ -7,6 +7,22 @@
 #include <QDir>
 #include <QFileDialog>
 
+namespace {
+
+// What the rewriting adds behind the cursor is selected, so that the next digit replaces it.
+void rewriteTyped(QDoubleSpinBox& box)
+{
+    auto* edit = box.findChild<QLineEdit*>();
+    const int cursor = edit->cursorPosition();
+    box.setValue(box.value());
+    const int added = edit->text().size() - cursor;
+    if (box.hasFocus() && added > 0 && !edit->hasSelectedText()) {
+        edit->setSelection(edit->text().size(), -added);
+    }
+}
+
+} // namespace
+
 void MainWindow::on_nc_combobox_currentIndexChanged(int index)
 {
     if (index == setup.notchOrCarrier) {
@@ -26,8 +42,10 @@ void MainWindow::on_sample_rate_input_valueChanged(double value)
 void MainWindow::on_nbw_srate_input_valueChanged(double value)
 {
     setup.nbwSrate = value;
-    // Deliberate: names the other widget, so that this one is rewritten with its own value.
+    // Deliberate: names the other widget and rewrites this one with its own value, so that the box
+    // always shows the ratio with all its decimals.
     invalidate(ui->sample_rate_input);
+    rewriteTyped(*ui->nbw_srate_input);
 }
 
 void MainWindow::on_fft_length_input_currentIndexChanged(int index)

@@ -19,6 +19,9 @@ private slots:
     void withoutANotchNothingCanBeMeasured();
     void pickingANotchBeforeAnyConnectionOpensABox();
     void aPickedNotchTunesTheAnalyzer();
+    void whenTheRowsGoNothingCanBeMeasured_data();
+    void whenTheRowsGoNothingCanBeMeasured();
+    void whenTheRetuningFailsNothingCanBeMeasured();
     void aMeasurementShowsItsThreeNumbers();
     void continuousMeasurementGreysItsButtonsOut();
     void changingTheModeKeepsTheSignalValid();
@@ -152,6 +155,56 @@ void TestMainWindowMeasurement::aPickedNotchTunesTheAnalyzer()
     const auto rows = operate->find<QTableView>("main_table")->selectionModel()->selectedRows();
     QCOMPARE(rows.size(), 1);
     QCOMPARE(rows.at(0).row(), 2);
+}
+
+void TestMainWindowMeasurement::whenTheRowsGoNothingCanBeMeasured_data()
+{
+    QTest::addColumn<bool>("byCount");
+    QTest::newRow("a count of 0") << true;
+    QTest::newRow("carriers") << false;
+}
+
+void TestMainWindowMeasurement::whenTheRowsGoNothingCanBeMeasured()
+{
+    QFETCH(bool, byCount);
+    makeNotches();
+    initAnalyzer();
+    operate->type("measure_notch", "3");
+    QVERIFY(operate->isEnabled("measure_button"));
+    if (byCount) {
+        operate->type("notch_count_input", "0");
+        operate->click("autocalc_notches_button");
+    } else {
+        operate->pick("nc_combobox", 1);
+    }
+    QCOMPARE(operate->rowCount(), 0);
+    QCOMPARE(operate->text("measure_notch"), QString("0"));
+    QVERIFY(!operate->isEnabled("measure_button"));
+    QVERIFY(!operate->isEnabled("measure_mode"));
+}
+
+// Fewer rows pick another notch, and its tuning finds no analyzer.
+void TestMainWindowMeasurement::whenTheRetuningFailsNothingCanBeMeasured()
+{
+    makeNotches();
+    initAnalyzer();
+    operate->type("measure_notch", "3");
+    const WindowDriver devices = devicesDriver();
+    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    devices.find<QComboBox>("a_interface")->setCurrentIndex(0); // needs VISA, which is not there
+    devices.click("a_init");
+    QTRY_COMPARE(devices.text("a_message"), QString("Could not load VISA"));
+    QString text;
+    operate->onNext<QMessageBox>([&](QMessageBox* box) {
+        text = box->text();
+        box->button(QMessageBox::Ok)->click();
+    });
+    operate->type("notch_count_input", "2");
+    operate->click("autocalc_notches_button");
+    QTRY_COMPARE(text, QString("Analyzer is not initialized!"));
+    QTRY_COMPARE(operate->text("measure_notch"), QString("0"));
+    QVERIFY(!operate->isEnabled("measure_button"));
+    QVERIFY(!operate->isEnabled("measure_mode"));
 }
 
 void TestMainWindowMeasurement::aMeasurementShowsItsThreeNumbers()
