@@ -132,9 +132,9 @@ MainWindow::~MainWindow()
 void MainWindow::notifyPropertyChanged(QWidget* from)
 {
     if (from != ui->nc_combobox) {
-        ui->nc_combobox->setCurrentIndex(setup.notchOrCarrier);
+        ui->nc_combobox->setCurrentIndex(static_cast<int>(setup.notchOrCarrier));
     }
-    ui->seed_input->setEnabled(setup.phaseMode == 0);
+    ui->seed_input->setEnabled(setup.phaseMode == PhaseLaw::Seeded);
     showSource();
     showDerivedValues();
     showNotchInputs(from);
@@ -148,7 +148,7 @@ void MainWindow::notifyPropertyChanged(QWidget* from)
         ui->sinx_checkbox->setChecked(setup.sinxCompensation);
     }
     // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a child of the form is never null
-    ui->sinx_checkbox->setEnabled(setup.customSource == 0);
+    ui->sinx_checkbox->setEnabled(setup.customSource == SignalSource::Internal);
     ui->graph_widget->update();
     showTable();
 }
@@ -158,10 +158,11 @@ void MainWindow::showSource()
     ui->le_custom_file->setText(setup.phaseMagFile);
     ui->i_file->setText(setup.iFile);
     ui->q_file->setText(setup.qFile);
-    ui->signal_stacked_widget->setCurrentIndex(setup.customSource);
-    ui->internal_ratio_button->setChecked(setup.customSource == 0);
-    ui->mp_load_ratio_button->setChecked(setup.customSource == 1);
-    ui->iq_load_ratio_button->setChecked(setup.customSource == 2);
+    const SignalSource source = setup.customSource;
+    ui->signal_stacked_widget->setCurrentIndex(static_cast<int>(source));
+    ui->internal_ratio_button->setChecked(source == SignalSource::Internal);
+    ui->mp_load_ratio_button->setChecked(source == SignalSource::MagnitudePhaseFile);
+    ui->iq_load_ratio_button->setChecked(source == SignalSource::IQFiles);
 }
 
 void MainWindow::showDerivedValues()
@@ -172,7 +173,7 @@ void MainWindow::showDerivedValues()
 
 void MainWindow::showNotchInputs(QWidget* from)
 {
-    const bool notchMode = setup.notchOrCarrier == 0;
+    const bool notchMode = setup.notchOrCarrier == NotchOrCarrier::Notch;
     if (from != ui->notch_count_input) {
         showNumber(*ui->notch_count_input, static_cast<int>(setup.notchCount));
     }
@@ -202,7 +203,7 @@ void MainWindow::showSignalInputs(QWidget* from)
         ui->fft_length_input->setCurrentIndex(setup.fftLengthIndex);
     }
     if (from != ui->phase_mode_combobox) {
-        ui->phase_mode_combobox->setCurrentIndex(setup.phaseMode);
+        ui->phase_mode_combobox->setCurrentIndex(static_cast<int>(setup.phaseMode));
     }
     if (from != ui->seed_input) {
         showNumber(*ui->seed_input, static_cast<int>(setup.seed));
@@ -246,7 +247,7 @@ void MainWindow::showServer(QWidget* from)
 
 void MainWindow::showMeasurement(QWidget* from)
 {
-    ui->preset_button->setEnabled(setup.measureMode == 1);
+    ui->preset_button->setEnabled(setup.measureMode == MeasureMode::Single);
     // Fewer rows may change the picked notch, and its tuning may end the choice.
     ui->measure_notch->setMaximum(setup.notches->items.size());
     if (from != ui->measure_notch) {
@@ -254,9 +255,9 @@ void MainWindow::showMeasurement(QWidget* from)
     }
     ui->measure_mode->setEnabled(setup.measureNotch != 0);
     if (from != ui->measure_mode) {
-        ui->measure_mode->setCurrentIndex(setup.measureMode);
+        ui->measure_mode->setCurrentIndex(static_cast<int>(setup.measureMode));
     }
-    ui->measure_button->setEnabled(setup.measureNotch != 0 && setup.measureMode == 1);
+    ui->measure_button->setEnabled(setup.measureNotch != 0 && setup.measureMode == MeasureMode::Single);
 }
 
 void MainWindow::showTable()
@@ -268,7 +269,7 @@ void MainWindow::showTable()
     ui->main_table->selectionModel()->select(
         model->index(setup.measureNotch - 1, 0),
         QItemSelectionModel::Clear | QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    const bool carrierMode = setup.notchOrCarrier == 1;
+    const bool carrierMode = setup.notchOrCarrier == NotchOrCarrier::Carrier;
     for (const int column : {1, 2, 3, 5, 6}) {
         ui->main_table->setColumnHidden(column, carrierMode);
     }

@@ -120,7 +120,7 @@ private:
     void bindTable();
     void connectTable();
     void disconnectTable();
-    void selectSource(int source, bool checked);
+    void selectSource(SignalSource source, bool checked);
     void pickFile(QString& field, const QString& title, const QString& filter);
     void showClient(bool connected);
 

@@ -77,9 +77,9 @@ void MainWindow::on_measure_notch_valueChanged(int value)
 
 void MainWindow::on_measure_mode_currentIndexChanged(int index)
 {
-    setup.measureMode = index;
+    setup.measureMode = static_cast<MeasureMode>(index);
     notifyPropertyChanged(ui->measure_mode);
-    if (index == 1) {
+    if (setup.measureMode == MeasureMode::Single) {
         measurementThread.pause();
     } else {
         measurementThread.setAnalyzer(setup.analyzer);
@@ -89,7 +89,7 @@ void MainWindow::on_measure_mode_currentIndexChanged(int index)
 
 void MainWindow::on_measure_button_clicked()
 {
-    if (setup.measureMode == 1) {
+    if (setup.measureMode == MeasureMode::Single) {
         measurementThread.setAnalyzer(setup.analyzer);
         measurementThread.requestSingleMeasurement();
     }

@@ -23,12 +23,14 @@ void rewriteTyped(QDoubleSpinBox& box)
 
 } // namespace
 
+// A row below 0 stands for a stored number that has no row; the number stays.
 void MainWindow::on_nc_combobox_currentIndexChanged(int index)
 {
-    if (index == setup.notchOrCarrier) {
+    const auto row = static_cast<NotchOrCarrier>(index);
+    if (index < 0 || row == setup.notchOrCarrier) {
         return;
     }
-    setup.notchOrCarrier = index;
+    setup.notchOrCarrier = row;
     setup.notches->clear();
     invalidate(ui->nc_combobox);
 }
@@ -82,7 +84,7 @@ void MainWindow::on_notch_depth_input_valueChanged(double value)
 
 // A change of source fires two slots; the one of the button that was left does nothing, so the
 // signal is invalidated once.
-void MainWindow::selectSource(int source, bool checked)
+void MainWindow::selectSource(SignalSource source, bool checked)
 {
     if (checked) {
         setup.customSource = source;
@@ -92,23 +94,26 @@ void MainWindow::selectSource(int source, bool checked)
 
 void MainWindow::on_internal_ratio_button_toggled(bool checked)
 {
-    selectSource(0, checked);
+    selectSource(SignalSource::Internal, checked);
 }
 
 void MainWindow::on_mp_load_ratio_button_toggled(bool checked)
 {
-    selectSource(1, checked);
+    selectSource(SignalSource::MagnitudePhaseFile, checked);
 }
 
 void MainWindow::on_iq_load_ratio_button_toggled(bool checked)
 {
-    selectSource(2, checked);
+    selectSource(SignalSource::IQFiles, checked);
 }
 
+// A row below 0 stands for a stored number that has no row; the number stays.
 void MainWindow::on_phase_mode_combobox_currentIndexChanged(int index)
 {
-    setup.phaseMode = index;
-    invalidate();
+    if (index >= 0) {
+        setup.phaseMode = static_cast<PhaseLaw>(index);
+        invalidate();
+    }
 }
 
 void MainWindow::on_seed_input_valueChanged(int value)

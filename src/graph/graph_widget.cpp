@@ -99,7 +99,7 @@ void GraphWidget::setSetup(MeasurementSetup* shownSetup)
 
 bool GraphWidget::isNotchMode() const
 {
-    return setup != nullptr && setup->notchOrCarrier == 0;
+    return setup != nullptr && setup->notchOrCarrier == NotchOrCarrier::Notch;
 }
 
 GraphGeometry GraphWidget::mouseGeometry() const
@@ -274,7 +274,7 @@ void GraphWidget::paintEvent(QPaintEvent* event)
     painter.setPen(carrier);
     const int middle = truncatedToInt32(width * 0.5);
     painter.drawLine(middle, 0, middle, height);
-    if (setup->notchOrCarrier == 1) {
+    if (setup->notchOrCarrier == NotchOrCarrier::Carrier) {
         paintCarriers(painter, geometry);
     }
     if (rubberBandActive) {

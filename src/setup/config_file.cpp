@@ -39,6 +39,12 @@ QString unquoted(const QString& value)
     return value.mid(1, value.size() - 2);
 }
 
+// A row that has a name; one without is kept and written as it came.
+template <typename Row> QString rowText(Row row)
+{
+    return QString::number(static_cast<qint32>(row));
+}
+
 // Deliberate: a length that is no power of two gives the row of the next length above it, and a
 // length without a logarithm gives row 0.
 qint32 rowOfLength(int length)
@@ -64,12 +70,12 @@ const Key<MeasurementSetup> nprKeys[] = {
      [](MeasurementSetup& s, const QString& v) { s.notchOffset = v.toDouble(); }},
     {"Notch Depth", [](const MeasurementSetup& s) { return QString::number(s.notchDepth); },
      [](MeasurementSetup& s, const QString& v) { s.notchDepth = v.toDouble(); }},
-    {"Notch/Carrier", [](const MeasurementSetup& s) { return QString::number(s.notchOrCarrier); },
-     [](MeasurementSetup& s, const QString& v) { s.notchOrCarrier = v.toInt(); }},
-    {"Phase Mode", [](const MeasurementSetup& s) { return QString::number(s.phaseMode); },
-     [](MeasurementSetup& s, const QString& v) { s.phaseMode = v.toInt(); }},
-    {"Custom", [](const MeasurementSetup& s) { return QString::number(s.customSource); },
-     [](MeasurementSetup& s, const QString& v) { s.customSource = v.toInt(); }},
+    {"Notch/Carrier", [](const MeasurementSetup& s) { return rowText(s.notchOrCarrier); },
+     [](MeasurementSetup& s, const QString& v) { s.notchOrCarrier = NotchOrCarrier(v.toInt()); }},
+    {"Phase Mode", [](const MeasurementSetup& s) { return rowText(s.phaseMode); },
+     [](MeasurementSetup& s, const QString& v) { s.phaseMode = PhaseLaw(v.toInt()); }},
+    {"Custom", [](const MeasurementSetup& s) { return rowText(s.customSource); },
+     [](MeasurementSetup& s, const QString& v) { s.customSource = SignalSource(v.toInt()); }},
     {"Seed", [](const MeasurementSetup& s) { return QString::number(s.seed); },
      [](MeasurementSetup& s, const QString& v) { s.seed = quint32(v.toInt()); }},
 };

@@ -21,6 +21,13 @@
 // Whether the signal matches the settings. StatusIndicatorWidget uses the same numbers.
 enum class DataState : qint32 { Valid = 0, Invalid = 1, Calculating = 2 };
 
+// Rows of combo boxes and radio buttons that the program decides on. A configuration may hold any
+// other number: no branch is then taken for it, and it is saved as it came.
+enum class NotchOrCarrier : qint32 { Notch = 0, Carrier = 1 };
+enum class PhaseLaw : qint32 { Seeded = 0, Clock = 1, Parabolic = 2, Constant = 3 };
+enum class SignalSource : qint32 { Internal = 0, MagnitudePhaseFile = 1, IQFiles = 2 };
+enum class MeasureMode : qint32 { Continuous = 0, Single = 1 };
+
 struct MeasurementSetup
 {
     // All defaults, with two new, empty notch tables.
@@ -64,16 +71,16 @@ struct MeasurementSetup
     MicrowaveGenerator microwave;
     std::shared_ptr<NotchList> notches;      // shared by copies of the record
     std::shared_ptr<NotchList> spareNotches; // kept on purpose, carried along, never filled
-    qint32 notchOrCarrier = 0;               // 0 notch, 1 carrier
-    double sampleRate = 100000000.0;         // Hz
-    double nbwSrate = 1.0;                   // noise bandwidth divided by sample rate
-    qint32 fftLengthIndex = 5;               // row of the length combo box, longest first
-    quint32 notchCount = 0;                  // of "Auto-Calculate"; not the number of rows
-    double notchWidth = 10000000.0;          // Hz, of "Auto-Calculate"
-    double notchOffset = 10000000.0;         // Hz, of "Auto-Calculate"
-    double notchDepth = -100.0;              // dB, of "Auto-Calculate"
-    qint32 phaseMode = 0;                    // 0 seeded, 1 clock, 2 parabolic, 3 constant
-    qint32 customSource = 0;                 // 0 internal, 1 magnitude/phase file, 2 I/Q files
+    NotchOrCarrier notchOrCarrier = NotchOrCarrier::Notch; // what a row of the table is
+    double sampleRate = 100000000.0;                       // Hz
+    double nbwSrate = 1.0;                                 // noise bandwidth divided by sample rate
+    qint32 fftLengthIndex = 5;       // row of the length combo box, longest first
+    quint32 notchCount = 0;          // of "Auto-Calculate"; not the number of rows
+    double notchWidth = 10000000.0;  // Hz, of "Auto-Calculate"
+    double notchOffset = 10000000.0; // Hz, of "Auto-Calculate"
+    double notchDepth = -100.0;      // dB, of "Auto-Calculate"
+    PhaseLaw phaseMode = PhaseLaw::Seeded;
+    SignalSource customSource = SignalSource::Internal;
     quint32 seed = 1;
     QString phaseMagFile;
     QString iFile;
@@ -83,7 +90,7 @@ struct MeasurementSetup
     qint32 tcpState = 1;      // 0 a client is connected, 1 none
     quint16 tcpPort = 1000;
     qint32 measureNotch = 0; // number of the notch under measurement from 1; 0 is none
-    qint32 measureMode = 1;  // 0 continuous, 1 single
+    MeasureMode measureMode = MeasureMode::Single;
     bool sinxCompensation = false;
     bool compensate = false;  // apply compensationTrace
     bool newDataFlag = false; // a valid signal that no client has been told of

@@ -217,7 +217,7 @@ void makeConsistent(Notch& notch, int column, const Band& band)
 bool autoCalculateNotches(MeasurementSetup& setup)
 {
     setup.notches->clear();
-    if (setup.notchOrCarrier == 1) {
+    if (setup.notchOrCarrier == NotchOrCarrier::Carrier) {
         makeCarriers(setup);
         return true;
     }
@@ -233,7 +233,7 @@ bool editNotchCell(MeasurementSetup& setup, int row, int column, const QString& 
     }
     const Band band(setup);
     Notch& notch = setup.notches->items[row];
-    if (setup.notchOrCarrier == 1) {
+    if (setup.notchOrCarrier == NotchOrCarrier::Carrier) {
         storeCarrier(notch, column, text, setup.effectiveFrequency(), band.binWidth);
     } else {
         store(notch, column, text, setup.effectiveFrequency());

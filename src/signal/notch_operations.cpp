@@ -151,7 +151,7 @@ void SignalData::applyNotches(NotchList list, bool carrierMode)
 
 void suppressOutOfBand(SignalData& signal, const MeasurementSetup& setup)
 {
-    if (!(setup.nbwSrate < 1.0) || setup.notchOrCarrier != 0) {
+    if (!(setup.nbwSrate < 1.0) || setup.notchOrCarrier != NotchOrCarrier::Notch) {
         return;
     }
     // Deliberate: N is that of the setup, also for a signal from a file of another length.

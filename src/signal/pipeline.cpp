@@ -22,16 +22,16 @@ void synthesise(const MeasurementSetup& setup, SignalData& signal)
         return;
     }
     switch (setup.phaseMode) {
-    case 0:
+    case PhaseLaw::Seeded:
         signal = makeSeededPhases(n, setup.sinxCompensation, setup.seed);
         break;
-    case 1:
+    case PhaseLaw::Clock:
         signal = makeClockPhases(n, setup.sinxCompensation);
         break;
-    case 2:
+    case PhaseLaw::Parabolic:
         signal = makeParabolicPhases(n, setup.sinxCompensation);
         break;
-    case 3:
+    case PhaseLaw::Constant:
         signal = makeConstantPhases(n, setup.sinxCompensation);
         break;
     default:
@@ -42,13 +42,13 @@ void synthesise(const MeasurementSetup& setup, SignalData& signal)
 void runSource(const MeasurementSetup& setup, SignalData& signal)
 {
     switch (setup.customSource) {
-    case 0:
+    case SignalSource::Internal:
         synthesise(setup, signal);
         break;
-    case 1:
+    case SignalSource::MagnitudePhaseFile:
         signal = loadMagnitudePhaseFile(setup.phaseMagFile);
         break;
-    case 2:
+    case SignalSource::IQFiles:
         signal = loadIQFiles(setup.iFile, setup.qFile);
         break;
     default:
@@ -112,7 +112,7 @@ void MeasurementSetup::finishSpectrum(SignalData& data) const
         data.applyCompensation(compensationTrace);
     }
     suppressOutOfBand(data, *this);
-    data.applyNotches(notches->rowsOnly(), notchOrCarrier == 1);
+    data.applyNotches(notches->rowsOnly(), notchOrCarrier == NotchOrCarrier::Carrier);
     data.buildTransformInput();
     // Quadrature first: that turns the sign of the exponent, so a bin above the carrier is a
     // positive frequency.

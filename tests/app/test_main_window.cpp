@@ -27,6 +27,7 @@ private slots:
     void choosingTheSameModeKeepsTheTable();
     void noNotchNoMeasurement();
     void settingsAreFoundAgainAtTheNextStart();
+    void rowsWithoutANameSurviveTheWindow();
 
 private:
 };
@@ -307,6 +308,28 @@ void TestMainWindow::settingsAreFoundAgainAtTheNextStart()
     QCOMPARE(operate->rowCount(), 5);
     QCOMPARE(operate->cell(2, 1), width);
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+}
+
+void TestMainWindow::rowsWithoutANameSurviveTheWindow()
+{
+    cleanup();
+    const QByteArrayList lines = {"Notch/Carrier = 7\n", "Phase Mode = 9\n", "Custom = 5\n"};
+    const QByteArray notch = "[Notch 1]\nfcenter = 1e+06\n\n";
+    QFile file(defaultConfigPath());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[NPR]\n" + lines.join() + '\n' + notch);
+    file.close();
+    window = std::make_unique<MainWindow>();
+    operate = std::make_unique<WindowDriver>(*window);
+    QCOMPARE(operate->rowCount(), 1);
+    operate->type("seed_input", "3"); // refreshes
+    cleanup();
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray saved = file.readAll();
+    for (const QByteArray& line : lines) {
+        QVERIFY2(saved.contains('\n' + line), saved.constData());
+    }
+    QVERIFY(saved.contains("\nfcenter = 1e+06\n"));
 }
 
 QTEST_MAIN(TestMainWindow)

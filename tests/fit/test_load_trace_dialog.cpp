@@ -269,7 +269,7 @@ void TestLoadTraceDialog::signalsFromFilesAreOfferedNothing_data()
 void TestLoadTraceDialog::signalsFromFilesAreOfferedNothing()
 {
     QFETCH(int, customSource);
-    setup->customSource = customSource;
+    setup->customSource = static_cast<SignalSource>(customSource);
     openDialog(writeTrace(tiltedTrace(501, 2e9, 100e6)));
     waitForBackgroundJobs();
     QCOMPARE(operate->text("length"), QStringLiteral("---"));

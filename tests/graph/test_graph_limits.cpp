@@ -292,9 +292,9 @@ void TestGraphLimits::otherButtonsDragNothing()
 void TestGraphLimits::carrierModeRemembersTheCursor()
 {
     operate->addNotch(-100, -60, -52.0);
-    operate->setup.notchOrCarrier = 1;
+    operate->setup.notchOrCarrier = NotchOrCarrier::Carrier;
     operate->moveTo({216, 60});
-    operate->setup.notchOrCarrier = 0;
+    operate->setup.notchOrCarrier = NotchOrCarrier::Notch;
     QCOMPARE(operate->pixel(216, 60), QColor(50, 50, 50));
 }
 

@@ -66,7 +66,7 @@ void TestGraphWidget::hoveredNotchIsHighlighted()
 
 void TestGraphWidget::carrierModeDrawsACombAndIgnoresTheMouse()
 {
-    operate->setup.notchOrCarrier = 1;
+    operate->setup.notchOrCarrier = NotchOrCarrier::Carrier;
     operate->addNotch(100, 100, 0.0);
     QCOMPARE(operate->pixel(306, 100), QColor(Qt::yellow));
     QCOMPARE(operate->pixel(300, 180), QColor(Qt::yellow)); // the floor runs through

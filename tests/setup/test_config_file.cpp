@@ -125,6 +125,8 @@ private slots:
     void numbersAreCutToTheirWidth();
     void anyNonZeroIsTrue();
     void barAsExponentSignGivesZero();
+    void rowWithoutANameIsSavedAsItCame_data();
+    void rowWithoutANameIsSavedAsItCame();
     void lineEndsOfEveryKindAreRead_data();
     void lineEndsOfEveryKindAreRead();
     void sectionNamedAfterANotchCounts();
@@ -182,9 +184,9 @@ void TestConfigFile::everySettingComesBack()
     setup.notchWidth = 1e6;
     setup.notchOffset = -2e6;
     setup.notchDepth = -40.5;
-    setup.notchOrCarrier = 1;
-    setup.phaseMode = 2;
-    setup.customSource = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
+    setup.phaseMode = PhaseLaw::Parabolic;
+    setup.customSource = SignalSource::MagnitudePhaseFile;
     setup.seed = 4711;
     setup.tcpPort = 5000;
     setup.sinxCompensation = true;
@@ -217,9 +219,9 @@ void TestConfigFile::everySettingComesBack()
     QCOMPARE(back.notchWidth, 1e6);
     QCOMPARE(back.notchOffset, -2e6);
     QCOMPARE(back.notchDepth, -40.5);
-    QCOMPARE(back.notchOrCarrier, 1);
-    QCOMPARE(back.phaseMode, 2);
-    QCOMPARE(back.customSource, 1);
+    QCOMPARE(back.notchOrCarrier, NotchOrCarrier::Carrier);
+    QCOMPARE(back.phaseMode, PhaseLaw::Parabolic);
+    QCOMPARE(back.customSource, SignalSource::MagnitudePhaseFile);
     QCOMPARE(back.seed, 4711U);
     QCOMPARE(back.tcpPort, quint16{5000});
     QVERIFY(back.sinxCompensation);
@@ -315,6 +317,26 @@ void TestConfigFile::barAsExponentSignGivesZero()
     QCOMPARE(load("[NPR]\nSRate = 1e|08\n").sampleRate, 0.0);
 }
 
+void TestConfigFile::rowWithoutANameIsSavedAsItCame_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    QTest::newRow("notch or carrier") << QByteArray("Notch/Carrier = 2\n");
+    QTest::newRow("phase law") << QByteArray("Phase Mode = 4\n");
+    QTest::newRow("source") << QByteArray("Custom = 3\n");
+    QTest::newRow("below 0") << QByteArray("Custom = -1\n");
+    QTest::newRow("greatest") << QByteArray("Phase Mode = 2147483647\n");
+    QTest::newRow("least") << QByteArray("Notch/Carrier = -2147483648\n");
+}
+
+void TestConfigFile::rowWithoutANameIsSavedAsItCame()
+{
+    QFETCH(QByteArray, line);
+    saveConfig(load("[NPR]\n" + line), path());
+    QFile file(path());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().contains('\n' + line));
+}
+
 void TestConfigFile::lineEndsOfEveryKindAreRead_data()
 {
     QTest::addColumn<QByteArray>("end");
@@ -330,8 +352,9 @@ void TestConfigFile::lineEndsOfEveryKindAreRead()
     const MeasurementSetup setup =
         load("[NPR]" + end + "Seed = 5" + end + "Phase Mode = 2" + end + "Custom = 1");
     QCOMPARE(setup.seed, 5U);
-    QCOMPARE(setup.phaseMode, 2);
-    QCOMPARE(setup.customSource, 0); // a last line without a line end isn't part of its section
+    QCOMPARE(setup.phaseMode, PhaseLaw::Parabolic);
+    QCOMPARE(setup.customSource,
+             SignalSource::Internal); // a last line without a line end isn't part of its section
 }
 
 void TestConfigFile::sectionNamedAfterANotchCounts()

@@ -149,7 +149,7 @@ void TestNotchEditing::absurdCountFromAFileIsBounded()
     setup.notchWidth = 0.0;
     autoCalculateNotches(setup);
     QCOMPARE(setup.notches->items.size(), 999);
-    setup.notchOrCarrier = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     setup.notchCount = 0xFFFFFFFFU;
     autoCalculateNotches(setup);
     QCOMPARE(setup.notches->items.size(), 999);
@@ -158,7 +158,7 @@ void TestNotchEditing::absurdCountFromAFileIsBounded()
 void TestNotchEditing::carriersStandEvenlyFromEdgeToEdge()
 {
     MeasurementSetup setup = setupOf1024();
-    setup.notchOrCarrier = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     setup.notchCount = 5;
     setup.notchOffset = 1e6;
     QVERIFY(autoCalculateNotches(setup));
@@ -179,7 +179,7 @@ void TestNotchEditing::carriersStandEvenlyFromEdgeToEdge()
 void TestNotchEditing::fewerThanTwoCarriersMakeNoRow()
 {
     MeasurementSetup setup = setupOf1024();
-    setup.notchOrCarrier = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     for (const quint32 count : {0U, 1U}) {
         setup.notchCount = count;
         QVERIFY(autoCalculateNotches(setup));
@@ -306,7 +306,7 @@ void TestNotchEditing::rowThatDoesNotExistChangesNothing()
 void TestNotchEditing::carrierCellsMoveTheLine()
 {
     MeasurementSetup setup = setupWithRow(0.0, 0.0);
-    setup.notchOrCarrier = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     QVERIFY(editNotchCell(setup, 0, 4, QStringLiteral("100")));
     QCOMPARE(row(setup).startIndex, 100);
     QCOMPARE(row(setup).stopIndex, 100);
@@ -321,7 +321,7 @@ void TestNotchEditing::carrierCellsMoveTheLine()
 void TestNotchEditing::hiddenCarrierColumnsStoreNothing()
 {
     MeasurementSetup setup = setupWithRow(51 * oneBin, 0.0);
-    setup.notchOrCarrier = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     QVERIFY(editNotchCell(setup, 0, 6, QStringLiteral("-3")));
     QCOMPARE(row(setup).depth, -40.0);
     QVERIFY(editNotchCell(setup, 0, 1, QStringLiteral("3")));

@@ -77,8 +77,8 @@ void TestCalculation::phasesAreRandomWhateverIsSet()
     // Deliberate, see the worker.
     const auto setup = shortSetup();
     const double random = resultOf(setup, 7);
-    setup->phaseMode = 3;
-    setup->customSource = 1;
+    setup->phaseMode = PhaseLaw::Constant;
+    setup->customSource = SignalSource::MagnitudePhaseFile;
     setup->seed = 99;
     QVERIFY(resultOf(setup, 7) == random);
     QVERIFY(random < 15.0); // constant phases would give 10 log10(1024) = 30.1 dB

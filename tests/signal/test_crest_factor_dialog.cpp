@@ -197,7 +197,7 @@ void TestCrestFactorDialog::constantPhasesAreSweptAtRandom()
 {
     sweep(5);
     const QStringList random = rows();
-    setup->phaseMode = 3;
+    setup->phaseMode = PhaseLaw::Constant;
     sweep(5);
     QCOMPARE(rows(), random);
 }

@@ -249,7 +249,7 @@ void TestNotchOperations::noSkirtsAtFullBandOrInCarrierMode()
     SignalData data = flatSpectrum(1024);
     suppressOutOfBand(data, setup);
     setup.nbwSrate = 0.5;
-    setup.notchOrCarrier = 1;
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     suppressOutOfBand(data, setup);
     QCOMPARE(touchedBins(data), QString());
 }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr double pi = 3.141592653589793;
 
-MeasurementSetup smallSetup(qint32 phaseMode)
+MeasurementSetup smallSetup(PhaseLaw phaseMode)
 {
     MeasurementSetup setup;
     setup.fftLengthIndex = 14; // 256
@@ -85,7 +85,7 @@ private slots:
 
 void TestPipeline::samplesAreTheDirectSumOfTheBins()
 {
-    MeasurementSetup setup = smallSetup(0);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
     setup.nbwSrate = 0.8;
     addNotch(setup, -20, -10, -40.0);
     setup.calculateSignal();
@@ -129,7 +129,7 @@ void TestPipeline::samplesHaveTheBitsOfTheLiteralOrder()
 
 void TestPipeline::meanPowerIsTheMeanOfTheSquaredMagnitudes()
 {
-    MeasurementSetup setup = smallSetup(0);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
     setup.sinxCompensation = true;
     setup.calculateSignal();
     double samplePower = 0.0;
@@ -145,7 +145,7 @@ void TestPipeline::meanPowerIsTheMeanOfTheSquaredMagnitudes()
 void TestPipeline::constantPhasesGiveOnePeakOfRootN()
 {
     MeasurementSetup setup;
-    setup.phaseMode = 3;
+    setup.phaseMode = PhaseLaw::Constant;
     setup.calculateSignal();
     QVERIFY(qAbs(setup.crestFactor - 51.1751) < 1e-4); // 10 log10(131072)
     QVERIFY(qAbs(std::hypot(setup.signal.iSamples[0], setup.signal.qSamples[0]) - 362.0386719675) <
@@ -166,7 +166,7 @@ void TestPipeline::parabolicPhasesGiveAConstantEnvelope()
     QFETCH(int, index);
     MeasurementSetup setup;
     setup.fftLengthIndex = index;
-    setup.phaseMode = 2;
+    setup.phaseMode = PhaseLaw::Parabolic;
     setup.calculateSignal();
     // 0 dB up to the rounding of the unwrapped phases, which grows with their size.
     QVERIFY2(qAbs(setup.crestFactor) < 1e-6, qPrintable(QString::number(setup.crestFactor)));
@@ -174,8 +174,8 @@ void TestPipeline::parabolicPhasesGiveAConstantEnvelope()
 
 void TestPipeline::seededPhasesGiveTheSameCrestFactorEveryTime()
 {
-    MeasurementSetup first = smallSetup(0);
-    MeasurementSetup second = smallSetup(0);
+    MeasurementSetup first = smallSetup(PhaseLaw::Seeded);
+    MeasurementSetup second = smallSetup(PhaseLaw::Seeded);
     first.calculateSignal();
     second.calculateSignal();
     QCOMPARE(first.crestFactor, second.crestFactor);
@@ -186,8 +186,8 @@ void TestPipeline::seededPhasesGiveTheSameCrestFactorEveryTime()
 
 void TestPipeline::oneLineAboveTheCarrierTurnsForward()
 {
-    MeasurementSetup setup = smallSetup(3);
-    setup.notchOrCarrier = 1;
+    MeasurementSetup setup = smallSetup(PhaseLaw::Constant);
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
     addNotch(setup, 4, 4, 0.0); // the line stands at bin 5
     setup.calculateSignal();
     // 1/16 amplitude, phase pi/4, 5 turns over 256 samples; the rest is 105 dB down, all in
@@ -210,9 +210,9 @@ void TestPipeline::crestFactorIsPeakOverRootMeanSquare()
 
 void TestPipeline::missingMagnitudePhaseFileGivesAnEmptySignal()
 {
-    MeasurementSetup setup = smallSetup(0);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
     setup.calculateSignal();
-    setup.customSource = 1;
+    setup.customSource = SignalSource::MagnitudePhaseFile;
     setup.phaseMagFile = QStringLiteral("/nonexistent/file.pmc");
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 0);
@@ -222,8 +222,8 @@ void TestPipeline::missingMagnitudePhaseFileGivesAnEmptySignal()
 
 void TestPipeline::missingSampleFilesGiveAnEmptySignal()
 {
-    MeasurementSetup setup = smallSetup(0);
-    setup.customSource = 2;
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
+    setup.customSource = SignalSource::IQFiles;
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 0);
     QVERIFY(setup.crestFactor == 0.0);
@@ -242,10 +242,10 @@ void TestPipeline::absurdLengthGivesAnEmptySignal()
 
 void TestPipeline::unknownPhaseModeShapesTheOldSpectrumAgain()
 {
-    MeasurementSetup setup = smallSetup(0);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
     addNotch(setup, 10, 20, -20.0);
     setup.calculateSignal();
-    setup.phaseMode = 4;
+    setup.phaseMode = PhaseLaw(4);
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 256);
     QVERIFY(qAbs(setup.signal.magnitude[128 + 15] - 0.01) < 1e-15); // twice 20 dB
@@ -254,15 +254,15 @@ void TestPipeline::unknownPhaseModeShapesTheOldSpectrumAgain()
 
 void TestPipeline::unknownSourceOnAFreshSetupStaysEmpty()
 {
-    MeasurementSetup setup = smallSetup(0);
-    setup.customSource = 3;
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
+    setup.customSource = SignalSource(3);
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 0);
 }
 
 void TestPipeline::compensationRaisesBinsByDecibels()
 {
-    MeasurementSetup setup = smallSetup(3);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Constant);
     setup.compensate = true;
     setup.compensationTrace = QVector<double>(256, 0.0);
     setup.compensationTrace[0] = 20.0;
@@ -275,7 +275,7 @@ void TestPipeline::compensationRaisesBinsByDecibels()
 
 void TestPipeline::compensationOfAnotherLengthIsSkipped()
 {
-    MeasurementSetup setup = smallSetup(3);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Constant);
     setup.compensate = true;
     setup.calculateSignal();
     QCOMPARE(setup.signal.magnitude, QVector<double>(256, 1.0));
@@ -286,7 +286,7 @@ void TestPipeline::compensationOfAnotherLengthIsSkipped()
 
 void TestPipeline::compensationNeedsItsCheckBox()
 {
-    MeasurementSetup setup = smallSetup(3);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Constant);
     setup.compensationTrace = QVector<double>(256, 6.0);
     setup.calculateSignal();
     QCOMPARE(setup.signal.magnitude, QVector<double>(256, 1.0));
@@ -299,8 +299,8 @@ void TestPipeline::sinxCompensationDoesNotTouchFiles()
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.write("4\n0 0.5 1\n1 0.5 1\n2 0.5 1\n3 0.5 1\n");
     file.close();
-    MeasurementSetup setup = smallSetup(0);
-    setup.customSource = 1;
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
+    setup.customSource = SignalSource::MagnitudePhaseFile;
     setup.phaseMagFile = file.fileName();
     setup.sinxCompensation = true;
     setup.calculateSignal();
@@ -315,7 +315,7 @@ void TestPipeline::magnitudeFileDrivesThePipeline()
     file.write("4\n3 0.0 2.0\n"); // one line, one bin above the carrier, phase 0
     file.close();
     MeasurementSetup setup;
-    setup.customSource = 1;
+    setup.customSource = SignalSource::MagnitudePhaseFile;
     setup.phaseMagFile = file.fileName();
     setup.calculateSignal();
     // 2/sqrt(4) = 1 turning once over the four samples; a constant envelope.
@@ -338,7 +338,7 @@ void TestPipeline::oddLengthFromAFileStaysInside()
         file.close();
         MeasurementSetup setup;
         addNotch(setup, -3, 3, -20.0);
-        setup.customSource = 1;
+        setup.customSource = SignalSource::MagnitudePhaseFile;
         setup.phaseMagFile = file.fileName();
         setup.calculateSignal();
         QCOMPARE(setup.signal.length, length);
@@ -354,7 +354,7 @@ void TestPipeline::zeroSpectrumHasNoCrestFactor()
     file.write("8\n");
     file.close();
     MeasurementSetup setup;
-    setup.customSource = 1;
+    setup.customSource = SignalSource::MagnitudePhaseFile;
     setup.phaseMagFile = file.fileName();
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 8);
@@ -363,7 +363,7 @@ void TestPipeline::zeroSpectrumHasNoCrestFactor()
 
 void TestPipeline::copyForAnotherThreadSharesNoRows()
 {
-    MeasurementSetup setup = smallSetup(0);
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
     addNotch(setup, 1, 2, -3.0);
     const MeasurementSetup copy = setup.forOtherThread();
     setup.notches->items[0].startIndex = 99;

@@ -72,7 +72,7 @@ LoadTraceDialog::~LoadTraceDialog()
 void LoadTraceDialog::load()
 {
     // No correction is offered for a signal from files.
-    if (setup->customSource == 0 && setup->signal.length > 0) {
+    if (setup->customSource == SignalSource::Internal && setup->signal.length > 0) {
         readTrace({fileName, setup->signal.length, setup->sampleRate, setup->binWidth()});
     }
 }
