@@ -4,6 +4,7 @@
 #include "base/background.h"
 #include "fit/dialogs/load_trace_dialog.h"
 #include "look/house_style.h"
+#include "look/typed_input.h"
 #include "setup/config_file.h"
 #include "signal/dialogs/crest_factor_dialog.h"
 #include "status/status_server.h"
@@ -34,26 +35,6 @@ const char defaultConfigName[] = "Notchbench.cfg";
 QString fixedPoint(double value)
 {
     return QString::number(value, 'f', 6);
-}
-
-double asShownBy(const QDoubleSpinBox& box, double value)
-{
-    const double rounded = QString::number(value, 'f', box.decimals()).toDouble();
-    return qBound(box.minimum(), rounded, box.maximum());
-}
-
-int asShownBy(const QSpinBox& box, int value)
-{
-    return qBound(box.minimum(), value, box.maximum());
-}
-
-// A box that has this value is left alone: its text may be one that the operator is typing and that
-// is no value yet.
-template <class SpinBox, class Number> void showNumber(SpinBox& box, Number value)
-{
-    if (box.value() != asShownBy(box, value)) {
-        box.setValue(value);
-    }
 }
 
 class RaisedFlag
@@ -257,7 +238,8 @@ void MainWindow::showMeasurement(QWidget* from)
     if (from != ui->measure_mode) {
         ui->measure_mode->setCurrentIndex(static_cast<int>(setup.measureMode));
     }
-    ui->measure_button->setEnabled(setup.measureNotch != 0 && setup.measureMode == MeasureMode::Single);
+    ui->measure_button->setEnabled(setup.measureNotch != 0 &&
+                                   setup.measureMode == MeasureMode::Single);
 }
 
 void MainWindow::showTable()

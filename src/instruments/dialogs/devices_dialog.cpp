@@ -1,6 +1,7 @@
 #include "instruments/dialogs/devices_dialog.h"
 
 #include "look/house_style.h"
+#include "look/typed_input.h"
 #include "remote/rs232_interface.h"
 #include "remote/visa_function_table.h"
 #include "ui_devices_dialog.h"
@@ -12,6 +13,7 @@
 
 namespace {
 
+constexpr double megahertz = 1e6; // Hz
 constexpr int tlnkRow = 2;
 constexpr int rs232Row = 6;
 
@@ -33,11 +35,6 @@ QStringList systemPorts()
         names.append(port.portName());
     }
     return names;
-}
-
-QString inMegahertz(double hertz)
-{
-    return QString::number(hertz / 1e6, 'f', 6);
 }
 
 void appendPorts(QComboBox* box, const QStringList& names, quint32 row)
@@ -63,21 +60,40 @@ int pageOf(InterfaceKind kind)
     }
 }
 
-} // namespace
-
-struct DevicesDialog::CommonWidgets
+// Shows the value of a setting in its widget, of whichever kind that is.
+struct Show
 {
-    QComboBox* type;
-    QComboBox* interface;
-    QLineEdit* message;
-    QStackedWidget* pages;
-    QSpinBox* gpibAddress;
-    QLineEdit* address;
-    QLineEdit* frequency;
-    QDoubleSpinBox* level;
-    QPushButton* set;
-    QPushButton* reset;
+    QWidget* widget;
+    double unit;
+
+    void operator()(const quint32* number) const
+    {
+        if (auto* box = qobject_cast<QComboBox*>(widget)) {
+            box->setCurrentIndex(static_cast<int>(*number));
+        } else {
+            showNumber(*static_cast<QSpinBox*>(widget), static_cast<int>(*number));
+        }
+    }
+    void operator()(const InterfaceKind* kind) const
+    {
+        static_cast<QComboBox*>(widget)->setCurrentIndex(static_cast<int>(*kind));
+    }
+    void operator()(const double* number) const
+    {
+        if (auto* box = qobject_cast<QDoubleSpinBox*>(widget)) {
+            showNumber(*box, *number / unit);
+        } else {
+            showText(*static_cast<QLineEdit*>(widget), QString::number(*number / unit, 'f', 6));
+        }
+    }
+    void operator()(const bool* isOn) const { static_cast<QCheckBox*>(widget)->setChecked(*isOn); }
+    void operator()(const QString* text) const
+    {
+        showText(*static_cast<QLineEdit*>(widget), *text);
+    }
 };
+
+} // namespace
 
 DevicesDialog::DevicesDialog(QWidget* parent)
     : QDialog(parent, Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
@@ -93,25 +109,53 @@ DevicesDialog::DevicesDialog(QWidget* parent)
 
 DevicesDialog::~DevicesDialog() = default;
 
-DevicesDialog::CommonWidgets DevicesDialog::generatorWidgets() const
+// In the order of the refresh.
+std::vector<DevicesDialog::Setting> DevicesDialog::listSettings()
 {
-    return {ui->g_type,      ui->g_interface, ui->g_message,   ui->g_stacked_widget,
-            ui->g_gpib_addr, ui->g_address,   ui->g_frequency, ui->g_level,
-            ui->g_set,       ui->g_reset};
+    SignalGenerator& generator = setup->generator;
+    Analyzer& analyzer = setup->analyzer;
+    MicrowaveGenerator& microwave = setup->microwave;
+    return {
+        {ui->g_type, &generator.device},
+        {ui->a_type, &analyzer.device},
+        {ui->m_type, &microwave.device},
+        {ui->g_interface, &generator.interfaceKind},
+        {ui->a_interface, &analyzer.interfaceKind},
+        {ui->m_interface, &microwave.interfaceKind},
+        {ui->g_gpib_addr, &generator.gpibAddress},
+        {ui->a_gpib_addr, &analyzer.gpibAddress},
+        {ui->m_gpib_addr, &microwave.gpibAddress},
+        {ui->g_address, &generator.ipAddress},
+        {ui->a_address, &analyzer.ipAddress},
+        {ui->m_address, &microwave.ipAddress},
+        {ui->g_port, &generator.rs232Port},
+        {ui->a_port, &analyzer.rs232Port},
+        {ui->m_port, &microwave.rs232Port},
+        {ui->g_frequency, &generator.frequency, megahertz},
+        {ui->g_level, &generator.level},
+        {ui->a_frequency, &analyzer.frequency, megahertz},
+        {ui->a_level, &analyzer.level},
+        {ui->a_rbw, &analyzer.rbwCode},
+        {ui->a_vbw, &analyzer.vbwCode},
+        {ui->a_span, &analyzer.span, megahertz},
+        {ui->a_attenuation, &analyzer.attenuation},
+        {ui->a_sweeptime, &analyzer.sweepTime},
+        {ui->a_atten_auto, &analyzer.autoAttenuation},
+        {ui->a_swt_auto, &analyzer.autoSweepTime},
+        {ui->m_frequency, &microwave.frequency, megahertz},
+        {ui->m_level, &microwave.level},
+        {ui->m_attenuation, &microwave.attenuation},
+        {ui->m_if_input, &microwave.ifInput},
+    };
 }
 
-DevicesDialog::CommonWidgets DevicesDialog::analyzerWidgets() const
+std::vector<DevicesDialog::LinkDisplay> DevicesDialog::listLinks()
 {
-    return {ui->a_type,      ui->a_interface, ui->a_message,   ui->a_stacked_widget,
-            ui->a_gpib_addr, ui->a_address,   ui->a_frequency, ui->a_level,
-            ui->a_set,       ui->a_reset};
-}
-
-DevicesDialog::CommonWidgets DevicesDialog::microwaveWidgets() const
-{
-    return {ui->m_type,      ui->m_interface, ui->m_message,   ui->m_stacked_widget,
-            ui->m_gpib_addr, ui->m_address,   ui->m_frequency, ui->m_level,
-            ui->m_set,       ui->m_reset};
+    return {
+        {&setup->generator, ui->g_message, ui->g_stacked_widget, ui->g_set, ui->g_reset},
+        {&setup->analyzer, ui->a_message, ui->a_stacked_widget, ui->a_set, ui->a_reset},
+        {&setup->microwave, ui->m_message, ui->m_stacked_widget, ui->m_set, ui->m_reset},
+    };
 }
 
 void DevicesDialog::disableMissingInterfaces()
@@ -140,6 +184,13 @@ void DevicesDialog::setSetup(MeasurementSetup* newSetup)
 void DevicesDialog::setSetup(MeasurementSetup* newSetup, const QStringList& portNames)
 {
     setup = newSetup;
+    settings = listSettings();
+    for (const Setting& setting : settings) {
+        if (auto* line = qobject_cast<QLineEdit*>(setting.widget)) {
+            line->setModified(false); // what is being typed belongs to the former record
+        }
+    }
+    links = listLinks();
     generatorSerial.setInstrument(&setup->generator);
     analyzerSerial.setInstrument(&setup->analyzer);
     microwaveSerial.setInstrument(&setup->microwave);
@@ -151,76 +202,30 @@ void DevicesDialog::setSetup(MeasurementSetup* newSetup, const QStringList& port
 
 void DevicesDialog::notifyPropertyChanged(QWidget* from)
 {
-    showCommon(generatorWidgets(), setup->generator, from);
-    showCommon(analyzerWidgets(), setup->analyzer, from);
-    showCommon(microwaveWidgets(), setup->microwave, from);
-    showAnalyzer(from);
-    showMicrowave(from);
+    for (const Setting& setting : settings) {
+        if (setting.widget != from) {
+            std::visit(Show{setting.widget, setting.unit}, setting.field);
+        }
+    }
+    for (const LinkDisplay& link : links) {
+        link.message->setText(link.instrument->deviceMessage());
+        link.pages->setCurrentIndex(pageOf(link.instrument->interfaceKind));
+        const bool connected = link.instrument->initialized();
+        link.set->setEnabled(connected);
+        link.reset->setEnabled(connected);
+    }
+    showAvailability();
     emit instrumentsChanged();
 }
 
-void DevicesDialog::showCommon(const CommonWidgets& widgets, const Instrument& instrument,
-                               QWidget* from)
+void DevicesDialog::showAvailability()
 {
-    if (from != widgets.type) {
-        widgets.type->setCurrentIndex(static_cast<int>(instrument.device));
-    }
-    if (from != widgets.interface) {
-        widgets.interface->setCurrentIndex(static_cast<int>(instrument.interfaceKind));
-    }
-    widgets.message->setText(instrument.deviceMessage());
-    if (from != widgets.gpibAddress) {
-        widgets.gpibAddress->setValue(static_cast<int>(instrument.gpibAddress));
-    }
-    if (from != widgets.address) {
-        widgets.address->setText(instrument.ipAddress);
-    }
-    widgets.pages->setCurrentIndex(pageOf(instrument.interfaceKind));
-    widgets.frequency->setText(inMegahertz(instrument.frequency));
-    if (from != widgets.level) {
-        widgets.level->setValue(instrument.level);
-    }
-    widgets.set->setEnabled(instrument.initialized());
-    widgets.reset->setEnabled(instrument.initialized());
-}
-
-void DevicesDialog::showAnalyzer(QWidget* from)
-{
-    const Analyzer& analyzer = setup->analyzer;
-    if (from != ui->a_rbw) {
-        ui->a_rbw->setCurrentIndex(static_cast<int>(analyzer.rbwCode));
-    }
-    if (from != ui->a_vbw) {
-        ui->a_vbw->setCurrentIndex(static_cast<int>(analyzer.vbwCode));
-    }
-    ui->a_span->setText(inMegahertz(analyzer.span));
-    if (from != ui->a_attenuation) {
-        ui->a_attenuation->setValue(static_cast<int>(analyzer.attenuation));
-    }
-    ui->a_attenuation->setEnabled(!analyzer.autoAttenuation);
-    ui->a_sweeptime->setText(QString::number(analyzer.sweepTime, 'f', 6));
-    ui->a_sweeptime->setEnabled(!analyzer.autoSweepTime);
-    if (from != ui->a_atten_auto) {
-        ui->a_atten_auto->setChecked(analyzer.autoAttenuation);
-    }
-    if (from != ui->a_swt_auto) {
-        ui->a_swt_auto->setChecked(analyzer.autoSweepTime);
-    }
-}
-
-void DevicesDialog::showMicrowave(QWidget* from)
-{
-    const MicrowaveGenerator& microwave = setup->microwave;
-    if (from != ui->m_attenuation) {
-        ui->m_attenuation->setValue(static_cast<int>(microwave.attenuation));
-    }
-    if (from != ui->m_if_input) {
-        ui->m_if_input->setChecked(microwave.ifInput);
-    }
+    ui->a_attenuation->setEnabled(!setup->analyzer.autoAttenuation);
+    ui->a_sweeptime->setEnabled(!setup->analyzer.autoSweepTime);
     // Row 2, "ZUB", is the only model with an IF input and an output attenuator.
-    const bool hasIfInput = microwave.device == 2;
-    const bool driven = microwave.ifInput && hasIfInput;
-    ui->m_init->setEnabled(microwave.device != 0);
+    const bool hasIfInput = setup->microwave.device == 2;
+    const bool driven = setup->microwave.ifInput && hasIfInput;
+    ui->m_init->setEnabled(setup->microwave.device != 0);
     ui->m_level->setEnabled(!driven);
     ui->m_if_input->setEnabled(hasIfInput);
     ui->m_attenuation->setEnabled(driven);

@@ -5,6 +5,8 @@
 // worker thread and in order of asking, so the window never waits. Slots named on_<object>_<signal>
 // are connected by name; the prefixes are g_ (signal generator), a_ (analyzer) and m_ (microwave
 // generator).
+//
+// To add a setting: 1. its widget in the form, 2. its row in listSettings(), 3. its slot.
 #pragma once
 
 #include "instruments/dialogs/rs232_dialog.h"
@@ -13,9 +15,13 @@
 #include <QDialog>
 
 #include <memory>
+#include <variant>
+#include <vector>
 
 class QComboBox;
 class QLineEdit;
+class QPushButton;
+class QStackedWidget;
 
 namespace Ui {
 class DevicesDialog;
@@ -92,22 +98,34 @@ public slots:
 private:
     using Job = void (Instrument::*)() const;
 
-    // The widgets that all three tabs have.
-    struct CommonWidgets;
-
-    CommonWidgets generatorWidgets() const;
-    CommonWidgets analyzerWidgets() const;
-    CommonWidgets microwaveWidgets() const;
+    // A setting on a tab: its widget, where the record has it, and how many of the record's units
+    // make one of the widget's.
+    struct Setting
+    {
+        QWidget* widget;
+        std::variant<quint32*, InterfaceKind*, double*, bool*, QString*> field;
+        double unit = 1.0;
+    };
+    // What the link to an instrument shows on its tab.
+    struct LinkDisplay
+    {
+        const Instrument* instrument;
+        QLineEdit* message;
+        QStackedWidget* pages;
+        QPushButton* set;
+        QPushButton* reset;
+    };
 
     void disableMissingInterfaces();
-    void showCommon(const CommonWidgets& widgets, const Instrument& instrument, QWidget* from);
-    void showAnalyzer(QWidget* from);
-    void showMicrowave(QWidget* from);
+    std::vector<Setting> listSettings();
+    std::vector<LinkDisplay> listLinks();
+    void showAvailability();
 
-    template <class Value> void store(Value& field, Value value, QWidget* from);
-    void storeRow(quint32& field, int row, QComboBox* from);
-    void storeInterface(Instrument& instrument, int row, QComboBox* from);
-    void storeNumber(double& field, const QLineEdit* text, double factor);
+    const Setting& settingOf(const QWidget* widget) const;
+    template <class Field, class Value> void store(QWidget* widget, Value value);
+    template <class Field> void storeRow(QComboBox* box, int row);
+    void storeText(QLineEdit* line);
+    void storeNumber(QLineEdit* line);
 
     template <class Device>
     void request(Device MeasurementSetup::*member, QLineEdit* message, Job job);
@@ -115,6 +133,8 @@ private:
 
     std::unique_ptr<Ui::DevicesDialog> ui;
     MeasurementSetup* setup = nullptr;
+    std::vector<Setting> settings; // of all tabs; of the record in setup, as the links are
+    std::vector<LinkDisplay> links;
     RS232Dialog generatorSerial;
     RS232Dialog analyzerSerial;
     RS232Dialog microwaveSerial;

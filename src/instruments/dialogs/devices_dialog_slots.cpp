@@ -3,174 +3,183 @@
 
 #include "ui_devices_dialog.h"
 
-template <class Value> void DevicesDialog::store(Value& field, Value value, QWidget* from)
+#include <algorithm>
+
+const DevicesDialog::Setting& DevicesDialog::settingOf(const QWidget* widget) const
 {
-    field = value;
-    notifyPropertyChanged(from);
+    return *std::find_if(settings.begin(), settings.end(),
+                         [widget](const Setting& setting) { return setting.widget == widget; });
+}
+
+template <class Field, class Value> void DevicesDialog::store(QWidget* widget, Value value)
+{
+    *std::get<Field*>(settingOf(widget).field) = static_cast<Field>(value);
+    notifyPropertyChanged(widget);
 }
 
 // A row below 0 stands for a stored value that has no row; the value stays.
-void DevicesDialog::storeRow(quint32& field, int row, QComboBox* from)
+template <class Field> void DevicesDialog::storeRow(QComboBox* box, int row)
 {
     if (row >= 0) {
-        store(field, static_cast<quint32>(row), from);
+        store<Field>(box, row);
     }
 }
 
-void DevicesDialog::storeInterface(Instrument& instrument, int row, QComboBox* from)
+void DevicesDialog::storeText(QLineEdit* line)
 {
-    if (row >= 0) {
-        store(instrument.interfaceKind, static_cast<InterfaceKind>(row), from);
-    }
+    line->setModified(false); // no longer being typed
+    store<QString>(line, line->text());
 }
 
 // Text that is no number stores nothing, and the refresh brings the former value back.
-void DevicesDialog::storeNumber(double& field, const QLineEdit* text, double factor)
+void DevicesDialog::storeNumber(QLineEdit* line)
 {
+    line->setModified(false);
     bool isNumber = false;
-    const double value = text->text().toDouble(&isNumber);
+    const double value = line->text().toDouble(&isNumber);
     if (isNumber) {
-        field = value * factor;
+        const Setting& setting = settingOf(line);
+        *std::get<double*>(setting.field) = value * setting.unit;
     }
     notifyPropertyChanged();
 }
 
 void DevicesDialog::on_g_type_currentIndexChanged(int index)
 {
-    storeRow(setup->generator.device, index, ui->g_type);
+    storeRow<quint32>(ui->g_type, index);
 }
 
 void DevicesDialog::on_a_type_currentIndexChanged(int index)
 {
-    storeRow(setup->analyzer.device, index, ui->a_type);
+    storeRow<quint32>(ui->a_type, index);
 }
 
 void DevicesDialog::on_m_type_currentIndexChanged(int index)
 {
-    storeRow(setup->microwave.device, index, ui->m_type);
+    storeRow<quint32>(ui->m_type, index);
     emit generatorFrequencyChanged();
 }
 
 void DevicesDialog::on_g_interface_currentIndexChanged(int index)
 {
-    storeInterface(setup->generator, index, ui->g_interface);
+    storeRow<InterfaceKind>(ui->g_interface, index);
 }
 
 void DevicesDialog::on_a_interface_currentIndexChanged(int index)
 {
-    storeInterface(setup->analyzer, index, ui->a_interface);
+    storeRow<InterfaceKind>(ui->a_interface, index);
 }
 
 void DevicesDialog::on_m_interface_currentIndexChanged(int index)
 {
-    storeInterface(setup->microwave, index, ui->m_interface);
+    storeRow<InterfaceKind>(ui->m_interface, index);
 }
 
 void DevicesDialog::on_g_gpib_addr_valueChanged(int arg1)
 {
-    store(setup->generator.gpibAddress, static_cast<quint32>(arg1), ui->g_gpib_addr);
+    store<quint32>(ui->g_gpib_addr, arg1);
 }
 
 void DevicesDialog::on_a_gpib_addr_valueChanged(int arg1)
 {
-    store(setup->analyzer.gpibAddress, static_cast<quint32>(arg1), ui->a_gpib_addr);
+    store<quint32>(ui->a_gpib_addr, arg1);
 }
 
 void DevicesDialog::on_m_gpib_addr_valueChanged(int arg1)
 {
-    store(setup->microwave.gpibAddress, static_cast<quint32>(arg1), ui->m_gpib_addr);
+    store<quint32>(ui->m_gpib_addr, arg1);
 }
 
 void DevicesDialog::on_g_address_editingFinished()
 {
-    store(setup->generator.ipAddress, ui->g_address->text(), ui->g_address);
+    storeText(ui->g_address);
 }
 
 void DevicesDialog::on_a_address_editingFinished()
 {
-    store(setup->analyzer.ipAddress, ui->a_address->text(), ui->a_address);
+    storeText(ui->a_address);
 }
 
 void DevicesDialog::on_m_address_editingFinished()
 {
-    store(setup->microwave.ipAddress, ui->m_address->text(), ui->m_address);
+    storeText(ui->m_address);
 }
 
 void DevicesDialog::on_g_port_currentIndexChanged(int index)
 {
-    storeRow(setup->generator.rs232Port, index, ui->g_port);
+    storeRow<quint32>(ui->g_port, index);
 }
 
 void DevicesDialog::on_a_port_currentIndexChanged(int index)
 {
-    storeRow(setup->analyzer.rs232Port, index, ui->a_port);
+    storeRow<quint32>(ui->a_port, index);
 }
 
 void DevicesDialog::on_m_port_currentIndexChanged(int index)
 {
-    storeRow(setup->microwave.rs232Port, index, ui->m_port);
+    storeRow<quint32>(ui->m_port, index);
 }
 
 void DevicesDialog::on_g_level_valueChanged(double arg1)
 {
-    store(setup->generator.level, arg1, ui->g_level);
+    store<double>(ui->g_level, arg1);
 }
 
 void DevicesDialog::on_a_level_valueChanged(double arg1)
 {
-    store(setup->analyzer.level, arg1, ui->a_level);
+    store<double>(ui->a_level, arg1);
 }
 
 void DevicesDialog::on_m_level_valueChanged(double arg1)
 {
-    store(setup->microwave.level, arg1, ui->m_level);
+    store<double>(ui->m_level, arg1);
 }
 
 void DevicesDialog::on_g_frequency_editingFinished()
 {
-    storeNumber(setup->generator.frequency, ui->g_frequency, 1e6);
+    storeNumber(ui->g_frequency);
     emit generatorFrequencyChanged();
 }
 
 void DevicesDialog::on_a_frequency_editingFinished()
 {
-    storeNumber(setup->analyzer.frequency, ui->a_frequency, 1e6);
+    storeNumber(ui->a_frequency);
 }
 
 void DevicesDialog::on_m_frequency_editingFinished()
 {
-    storeNumber(setup->microwave.frequency, ui->m_frequency, 1e6);
+    storeNumber(ui->m_frequency);
     emit generatorFrequencyChanged();
 }
 
 void DevicesDialog::on_a_span_editingFinished()
 {
-    storeNumber(setup->analyzer.span, ui->a_span, 1e6);
+    storeNumber(ui->a_span);
 }
 
 void DevicesDialog::on_a_sweeptime_editingFinished()
 {
-    storeNumber(setup->analyzer.sweepTime, ui->a_sweeptime, 1.0);
+    storeNumber(ui->a_sweeptime);
 }
 
 void DevicesDialog::on_a_rbw_currentIndexChanged(int index)
 {
-    storeRow(setup->analyzer.rbwCode, index, ui->a_rbw);
+    storeRow<quint32>(ui->a_rbw, index);
 }
 
 void DevicesDialog::on_a_vbw_currentIndexChanged(int index)
 {
-    storeRow(setup->analyzer.vbwCode, index, ui->a_vbw);
+    storeRow<quint32>(ui->a_vbw, index);
 }
 
 void DevicesDialog::on_a_attenuation_valueChanged(int arg1)
 {
-    store(setup->analyzer.attenuation, static_cast<quint32>(arg1), ui->a_attenuation);
+    store<quint32>(ui->a_attenuation, arg1);
 }
 
 void DevicesDialog::on_a_atten_auto_toggled(bool checked)
 {
-    store(setup->analyzer.autoAttenuation, checked, ui->a_atten_auto);
+    store<bool>(ui->a_atten_auto, checked);
 }
 
 void DevicesDialog::on_a_swt_auto_toggled(bool checked)
@@ -181,12 +190,12 @@ void DevicesDialog::on_a_swt_auto_toggled(bool checked)
 
 void DevicesDialog::on_m_attenuation_valueChanged(int arg1)
 {
-    store(setup->microwave.attenuation, static_cast<quint32>(arg1), ui->m_attenuation);
+    store<quint32>(ui->m_attenuation, arg1);
 }
 
 void DevicesDialog::on_m_if_input_toggled(bool checked)
 {
-    store(setup->microwave.ifInput, checked, ui->m_if_input);
+    store<bool>(ui->m_if_input, checked);
 }
 
 void DevicesDialog::on_g_rs232configure_linkActivated(const QString& link)
