@@ -1,6 +1,7 @@
 #include "files/signal_input.h"
 
 #include "base/regular_file.h"
+#include "transform/pi.h"
 #include "transform/statistics.h"
 #include "transform/transform.h"
 
@@ -11,7 +12,6 @@
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
 constexpr quint16 sampleMask = 0x3FFF; // 14 bits
 constexpr double zeroWord = 8192.0;
 

@@ -2,6 +2,7 @@
 
 #include "base/parallel.h"
 #include "signal/runtime_random.h"
+#include "transform/pi.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,9 +10,8 @@
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
-constexpr double twoPi = 6.283185307179586;
-constexpr double quarterPi = 0.7853981633974483;
+constexpr double twoPi = 2.0 * pi;
+constexpr double quarterPi = 0.25 * pi;
 
 // A spectrum of n bins whose phases, in ascending bin order, are what the law returns.
 // lawFrom(bin) makes the law as it stands at that bin.

@@ -3,6 +3,7 @@
 #include "base/parallel.h"
 #include "transform/butterfly_stages.h"
 #include "transform/final_stages.h"
+#include "transform/pi.h"
 #include "transform/twiddles.h"
 
 #include <cmath>
@@ -11,8 +12,6 @@
 namespace {
 
 using Element = ComplexBuffer::Element;
-
-constexpr double pi = 3.141592653589793;
 
 double scaleOf(quint64 count)
 {

@@ -1,5 +1,7 @@
 #include "transform/twiddles.h"
 
+#include "transform/pi.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -7,8 +9,6 @@
 namespace {
 
 using Element = ComplexBuffer::Element;
-
-constexpr double pi = 3.141592653589793;
 
 constexpr std::size_t sideBySide = 4;
 
