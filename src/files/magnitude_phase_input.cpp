@@ -3,6 +3,7 @@
 // stored in the order of the file, for the last of several lines of one index counts. Everything
 // unusual goes the slow way: a field that isn't surely a number through Qt's conversions, a text
 // that isn't plain ASCII through a QTextStream.
+#include "base/line_fields.h"
 #include "base/parallel.h"
 #include "base/regular_file.h"
 #include "files/plain_lines.h"
@@ -37,18 +38,17 @@ void store(SignalData& data, const Bins& bins)
     }
 }
 
-// Any line, trimmed.
 void readAnyLine(const QString& line, Bins& bins)
 {
-    const QVector<QStringRef> fields = line.splitRef(QLatin1Char(' '));
+    const QVector<QStringRef> fields = fieldsOf(line, ' ');
     if (fields.size() >= 3) {
         bins.push_back({fields.at(0).toInt(), fields.at(1).toDouble(), fields.at(2).toDouble()});
     }
 }
 
-QString trimmedText(TextRange line)
+QString textOf(TextRange line)
 {
-    return QString::fromLatin1(line.begin, static_cast<int>(line.size())).trimmed();
+    return QString::fromLatin1(line.begin, static_cast<int>(line.size()));
 }
 
 TextRange trimmed(TextRange text)
@@ -85,7 +85,7 @@ void readPlainLine(TextRange line, Bins& bins)
     if (takeSureBin(trimmed(line), bin)) {
         bins.push_back(bin);
     } else {
-        readAnyLine(trimmedText(line), bins);
+        readAnyLine(textOf(line), bins);
     }
 }
 
@@ -121,7 +121,7 @@ void readPlainLines(TextRange lines, SignalData& data)
 
 SignalData emptyOfLength(const QString& firstLine)
 {
-    const int length = firstLine.toInt();
+    const int length = firstLine.trimmed().toInt();
     if (length < 1 || static_cast<quint32>(length) > maxSignalLength) {
         return {};
     }
@@ -131,11 +131,11 @@ SignalData emptyOfLength(const QString& firstLine)
 SignalData readAnyText(QFile& file)
 {
     QTextStream in(&file);
-    SignalData data = emptyOfLength(in.readLine().trimmed());
+    SignalData data = emptyOfLength(in.readLine());
     Bins bins;
     while (data.length > 0 && !in.atEnd()) {
         bins.clear();
-        readAnyLine(in.readLine().trimmed(), bins);
+        readAnyLine(in.readLine(), bins);
         store(data, bins);
     }
     return data;
@@ -153,7 +153,7 @@ SignalData loadMagnitudePhaseFile(const QString& path)
     TextRange lines{};
     SignalData data;
     if (pieces.next(lines)) {
-        data = emptyOfLength(trimmedText(takeLine(lines)));
+        data = emptyOfLength(textOf(takeLine(lines)));
         for (bool more = data.length > 0; more; more = pieces.next(lines)) {
             readPlainLines(lines, data);
         }

@@ -1,5 +1,6 @@
 #include "fit/analyzer_trace.h"
 
+#include "base/line_fields.h"
 #include "base/regular_file.h"
 
 #include <algorithm>
@@ -11,10 +12,10 @@ constexpr int longestPiece = 65536;
 
 void readPoint(const QString& line, AnalyzerTrace& trace)
 {
-    const QVector<QStringRef> fields = line.splitRef(QLatin1Char(';'));
+    const QVector<QStringRef> fields = fieldsOf(line, ';');
     if (fields.size() >= 2) {
-        trace.frequencies.append(fields.at(0).trimmed().toDouble());
-        trace.levels.append(fields.at(1).trimmed().toDouble());
+        trace.frequencies.append(fields.at(0).toDouble());
+        trace.levels.append(fields.at(1).toDouble());
     }
 }
 
