@@ -1,0 +1,55 @@
+// What the documents say of the tree, against the tree.
+#include "structure/source_files.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+const char root[] = NOTCHBENCH_SOURCE_DIR "/";
+
+} // namespace
+
+class TestFolders : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void pathsInTheDocumentsExist_data();
+    void pathsInTheDocumentsExist();
+    void everyFolderIsInTheReadme();
+};
+
+void TestFolders::pathsInTheDocumentsExist_data()
+{
+    QTest::addColumn<QString>("document");
+    for (const char* document : {"README.md", "docs/performance.md", "docs/reliability.md"}) {
+        QTest::newRow(document) << QString(document);
+    }
+}
+
+void TestFolders::pathsInTheDocumentsExist()
+{
+    QFETCH(QString, document);
+    const QRegularExpression path("`((?:src|tests|scripts|simulator)/[\\w./]+)`");
+    auto match = path.globalMatch(textOfFile(root + document));
+    QVERIFY(match.hasNext());
+    while (match.hasNext()) {
+        const QString named = match.next().captured(1);
+        QVERIFY2(QFile::exists(root + named), qPrintable(named));
+    }
+}
+
+void TestFolders::everyFolderIsInTheReadme()
+{
+    const QString readme = textOfFile(root + QString("README.md"));
+    for (const SourceFile& file : sourceFiles(root + QString("src"), {"CMakeLists.txt"})) {
+        const QString folder = file.path.contains("/dialogs/") ? "*/dialogs" : file.folder();
+        if (file.path.contains('/')) {
+            QVERIFY2(readme.contains("| `src/" + folder + "` |"), qPrintable(folder));
+        }
+    }
+}
+
+QTEST_APPLESS_MAIN(TestFolders)
+#include "test_folders.moc"
