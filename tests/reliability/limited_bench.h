@@ -1,0 +1,96 @@
+// What the scenarios of the limited program share: the window, an instrument, a folder, and the
+// shortage of the day.
+#pragma once
+
+#include "app/main_window.h"
+#include "kit/background_jobs.h"
+#include "kit/scripted_instrument.h"
+#include "kit/system_limits.h"
+#include "kit/window_driver.h"
+
+#include <QTemporaryDir>
+
+enum class Shortness { Threads, Memory };
+
+// The system refuses every further thread, for itself or for want of memory, and no worker stands
+// idle.
+class Shortage
+{
+public:
+    explicit Shortage(Shortness kind)
+        : limit(kind == Shortness::Threads ? RLIMIT_NPROC : RLIMIT_AS,
+                kind == Shortness::Threads ? 0 : addressSpaceInUse() + LargeStacks::size / 2)
+    {
+    }
+
+private:
+    LoweredLimit limit;
+    NoIdleWorkers noIdleWorkers;
+};
+
+inline void expect(bool holds, const char* what)
+{
+    if (!holds) {
+        qFatal("not so: %s", what);
+    }
+}
+
+template <class Condition> void await(const char* what, Condition condition)
+{
+    if (!QTest::qWaitFor(condition, 60000)) {
+        qFatal("never came: %s", what);
+    }
+}
+
+struct LimitedBench
+{
+    MainWindow& window;
+    const WindowDriver operate;
+    ScriptedInstrument& device;
+    const QTemporaryDir& folder;
+    const Shortness kind;
+    std::unique_ptr<Shortage>& lasting; // ends after the window
+
+    QString state() const { return operate.text("fft_status_label"); }
+    bool isCalculating() const { return state() == QLatin1String("Calculating ..."); }
+    bool isActionEnabled(const char* name) const
+    {
+        return window.findChild<QAction*>(QLatin1String(name))->isEnabled();
+    }
+
+    void pressCalculate() const
+    {
+        operate.click("calc_fft_button");
+        await("the end of the calculation", [this] { return !isCalculating(); });
+    }
+    // Returns the crest factor.
+    QString calculate() const
+    {
+        pressCalculate();
+        expect(state() == QLatin1String("Data valid"), "the calculation brings a signal");
+        return operate.text("crest_factor_output");
+    }
+
+    QString path(const QString& name) const { return folder.filePath(name); }
+    QByteArray content(const QString& name) const
+    {
+        QFile file(path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+    void save(const char* action, const QString& name) const
+    {
+        operate.answerFileDialog(path(name));
+        operate.trigger(action);
+    }
+};
+
+struct LimitedScenario
+{
+    const char* name;
+    void (*play)(const LimitedBench&);
+    bool startsShort; // the shortage is there before the window, as LimitedBench::lasting
+};
+
+extern const QVector<LimitedScenario> jobScenarios;
+extern const QVector<LimitedScenario> memoryScenarios;
+extern const QVector<LimitedScenario> instrumentScenarios;
