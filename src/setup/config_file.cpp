@@ -248,16 +248,24 @@ QString defaultPath(const QString& name)
            QLatin1Char('/') + name;
 }
 
+// In the encoding of the system. Made whole first: a stream over the file writes once more when it
+// goes, and ends the program if there is no memory for that.
+QByteArray configBytes(const MeasurementSetup& setup)
+{
+    QString text;
+    QTextStream out(&text);
+    writeAll(out, setup);
+    return text.toLocal8Bit();
+}
+
 void writeConfig(const MeasurementSetup& setup, const QString& path)
 {
+    const QByteArray bytes = configBytes(setup);
     WholeFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        return;
+    if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        file.write(bytes);
+        file.putInPlace();
     }
-    QTextStream out(&file);
-    writeAll(out, setup);
-    out.flush();
-    file.putInPlace();
 }
 
 } // namespace
