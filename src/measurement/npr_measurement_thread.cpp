@@ -180,7 +180,8 @@ void NPRMeasurementThread::requestSingleMeasurement()
         const LinkTurn held = std::move(*turn);
         const Requests::Served served(*open);
         if (served) {
-            QMutexLocker lock(&mutex);
+            QMutex* const none = nullptr; // the link keeps measurements apart
+            QMutexLocker lock(none);
             measure(*device, lock);
         }
     };
