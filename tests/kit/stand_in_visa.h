@@ -21,6 +21,15 @@ public:
         call<void (*)(const char*, const char*)>("standInAnswer")(written, text);
     }
 
+    // From now on every session has a number of its own, from 42, and a closed one is refused.
+    void tellSessionsApart() { call<void (*)()>("standInTellSessionsApart")(); }
+    // The answer to the text over the resource waits for release().
+    void hold(const char* resource, const char* written)
+    {
+        call<void (*)(const char*, const char*)>("standInHold")(resource, written);
+    }
+    void release() { call<void (*)()>("standInRelease")(); }
+
 private:
     template <class Function> Function call(const char* name)
     {
