@@ -3,6 +3,7 @@
 // instruments answer on the default address. Takes the path of the screenshot that it leaves.
 #include "base/worker_threads.h"
 #include "demo/window_hand.h"
+#include "look/house_look.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -57,7 +58,9 @@ void printLabel(QTextStream& out, const char* caption, MainWindow& window, const
 
 int main(int argc, char* argv[])
 {
+    prepareHouseLook();
     QApplication application(argc, argv);
+    applyHouseLook(application);
     const QStringList arguments = application.arguments();
     QTextStream out(stdout);
     MainWindow window;

@@ -2,6 +2,7 @@
 #include "demo/window_hand.h"
 
 #include "fit/dialogs/load_trace_dialog.h"
+#include "look/house_look.h"
 #include "setup/measurement_setup.h"
 
 #include <QAction>
@@ -181,7 +182,9 @@ bool showAbout(MainWindow& window, const QDir& folder)
 
 int main(int argc, char* argv[])
 {
-    const QApplication application(argc, argv);
+    prepareHouseLook();
+    QApplication application(argc, argv);
+    applyHouseLook(application);
     // Made absolute first: the window moves the process to the home directory.
     const QString folderName = QApplication::arguments().value(1, QStringLiteral("."));
     const QDir folder(QDir(folderName).absolutePath());

@@ -1,6 +1,7 @@
 #include "app/main_window.h"
 #include "app/steady_application.h"
 #include "base/large_pages.h"
+#include "look/house_look.h"
 
 #include <csignal>
 
@@ -11,9 +12,9 @@ int main(int argc, char* argv[])
     // A limit on the size of files is a failed write and not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
-    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    prepareHouseLook();
     SteadyApplication application(argc, argv);
+    applyHouseLook(application);
     MainWindow window;
     window.show();
     return QApplication::exec();

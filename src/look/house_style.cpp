@@ -25,3 +25,8 @@ QString houseStyleSheet()
     }
     return QString::fromUtf8(sheet.readAll());
 }
+
+QIcon houseIcon()
+{
+    return QIcon(QStringLiteral(":/Images/Resources/notchbench.png"));
+}

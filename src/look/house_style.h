@@ -6,8 +6,12 @@
 // scripts/make-images and list both PNGs in resources/panel.qrc.
 #pragma once
 
+#include <QIcon>
 #include <QString>
 
 // The text of the sheet. The resources are registered before main, so a file-scope object
 // is the only caller that may come too early. Any thread.
 QString houseStyleSheet();
+
+// Of the program, for all its windows. Main thread.
+QIcon houseIcon();

@@ -3,6 +3,9 @@
 #pragma once
 
 #include <QColor>
+#include <QHash>
+#include <QImage>
+#include <QWidget>
 
 #include <cmath>
 
@@ -15,7 +18,60 @@ inline double luminance(const QColor& color)
            0.0722 * linear(color.blueF());
 }
 
-inline double contrast(const QColor& light, const QColor& dark)
+inline double contrast(const QColor& one, const QColor& other)
 {
-    return (luminance(light) + 0.05) / (luminance(dark) + 0.05);
+    const double a = luminance(one) + 0.05;
+    const double b = luminance(other) + 0.05;
+    return a > b ? a / b : b / a;
 }
+
+// The window so much enlarged that the strokes of small text are wider than a pixel and show
+// their full colour.
+class EnlargedWindow
+{
+public:
+    explicit EnlargedWindow(QWidget& shownWindow)
+        : window(shownWindow), image(shownWindow.size() * scale, QImage::Format_RGB32)
+    {
+        image.setDevicePixelRatio(scale);
+        image.fill(Qt::magenta);
+        window.render(&image);
+    }
+
+    // Of the text in that part of a widget, whose ground is what there is most of.
+    double textContrast(const QWidget& widget, const QRect& area) const
+    {
+        const QPoint place = widget.mapTo(&window, area.topLeft());
+        const QImage part =
+            image.copy(QRect(place * scale, area.size() * scale)).convertToFormat(image.format());
+        QHash<QRgb, int> counts;
+        for (int y = 0; y < part.height(); ++y) {
+            for (int x = 0; x < part.width(); ++x) {
+                ++counts[part.pixel(x, y)];
+            }
+        }
+        return strongest(counts);
+    }
+
+private:
+    static double strongest(const QHash<QRgb, int>& counts)
+    {
+        QRgb ground = 0;
+        for (auto each = counts.begin(); each != counts.end(); ++each) {
+            ground = each.value() > counts.value(ground) ? each.key() : ground;
+        }
+        double best = 1.0;
+        for (auto each = counts.begin(); each != counts.end(); ++each) {
+            if (each.value() >= fewestPixels) {
+                best = std::max(best, contrast(QColor(each.key()), QColor(ground)));
+            }
+        }
+        return best;
+    }
+
+    static constexpr int scale = 4;
+    static constexpr int fewestPixels = 10; // of a text; less is the edge of something
+
+    QWidget& window;
+    QImage image;
+};

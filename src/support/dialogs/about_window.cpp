@@ -40,8 +40,7 @@ QLabel* plainLabel(const QString& text)
 
 QString link(const QString& address, const QString& text)
 {
-    return QStringLiteral("<a href=\"%1\" style=\"color: rgb(0, 142, 214);\">%2</a>")
-        .arg(address.toHtmlEscaped(), text);
+    return QStringLiteral("<a href=\"%1\">%2</a>").arg(address.toHtmlEscaped(), text);
 }
 
 template <typename Layout> Layout* withMargins(Layout* layout)

@@ -1,0 +1,171 @@
+// What the whole application gets: sharp scales, the icon, and inputs that the wheel turns only
+// while they have the focus.
+#include "look/house_look.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QIcon>
+#include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QSpinBox>
+#include <QStyle>
+#include <QVBoxLayout>
+#include <QtTest>
+
+namespace {
+
+// As the platform delivers it, with all that Qt does on the way.
+void turnWheelOver(QWidget& receiver, int angle)
+{
+    const QPointF place = receiver.rect().center();
+    QWheelEvent wheel(place, receiver.mapToGlobal(place.toPoint()), {}, {0, angle}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel);
+    qApp->notify(&receiver, &wheel);
+}
+
+// Inputs in an area that is too small for them, and a field for the focus.
+class ScrolledForm : public QScrollArea
+{
+public:
+    ScrolledForm()
+    {
+        auto* form = new QWidget;
+        auto* rows = new QVBoxLayout(form);
+        for (QWidget* row : std::initializer_list<QWidget*>{field, number, ratio, choice}) {
+            row->setMinimumHeight(60);
+            rows->addWidget(row);
+        }
+        number->setRange(-100, 100);
+        ratio->setRange(-100, 100);
+        choice->addItems({QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")});
+        choice->setCurrentIndex(1);
+        setWidget(form);
+        resize(200, 100);
+        show();
+        activateWindow();
+    }
+
+    QLineEdit* field = new QLineEdit;
+    QSpinBox* number = new QSpinBox;
+    QDoubleSpinBox* ratio = new QDoubleSpinBox;
+    QComboBox* choice = new QComboBox;
+};
+
+} // namespace
+
+class TestHouseLook : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void scalesBetweenWholeNumbersAreKept();
+    void theStyleOfTheDesktopIsNotUsed();
+    void everyWindowHasTheIcon();
+    void theWheelLeavesInputsWithoutTheFocusAlone();
+    void theWheelOverAnInputScrollsWhatIsAround();
+    void theWheelGivesNoFocus();
+    void theWheelTurnsTheInputWithTheFocus();
+
+private:
+    std::unique_ptr<ScrolledForm> form;
+};
+
+void TestHouseLook::init()
+{
+    form = std::make_unique<ScrolledForm>();
+    QVERIFY(QTest::qWaitForWindowActive(form.get()));
+    form->field->setFocus();
+}
+
+void TestHouseLook::cleanup()
+{
+    form.reset();
+}
+
+void TestHouseLook::scalesBetweenWholeNumbersAreKept()
+{
+    QCOMPARE(QGuiApplication::highDpiScaleFactorRoundingPolicy(),
+             Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    QVERIFY(QCoreApplication::testAttribute(Qt::AA_EnableHighDpiScaling));
+    QVERIFY(QCoreApplication::testAttribute(Qt::AA_UseHighDpiPixmaps));
+}
+
+void TestHouseLook::theStyleOfTheDesktopIsNotUsed()
+{
+    QCOMPARE(QApplication::style()->objectName(), QStringLiteral("fusion"));
+}
+
+void TestHouseLook::everyWindowHasTheIcon()
+{
+    const QIcon icon = form->windowIcon();
+    for (const int size : {16, 32, 48, 128}) {
+        QCOMPARE(icon.pixmap(size).size() / icon.pixmap(size).devicePixelRatio(),
+                 QSize(size, size));
+    }
+    const QImage drawn = icon.pixmap(128).toImage();
+    QCOMPARE(drawn.pixelColor(drawn.width() / 8, drawn.height() / 2 - 2), QColor(0, 142, 214));
+}
+
+void TestHouseLook::theWheelLeavesInputsWithoutTheFocusAlone()
+{
+    for (const int angle : {120, -120}) {
+        turnWheelOver(*form->number, angle);
+        turnWheelOver(*form->number->findChild<QLineEdit*>(), angle);
+        turnWheelOver(*form->ratio, angle);
+        turnWheelOver(*form->choice, angle);
+        QCOMPARE(form->number->value(), 0);
+        QCOMPARE(form->ratio->value(), 0.0);
+        QCOMPARE(form->choice->currentIndex(), 1);
+    }
+}
+
+void TestHouseLook::theWheelOverAnInputScrollsWhatIsAround()
+{
+    const QScrollBar* bar = form->verticalScrollBar();
+    for (QWidget* input :
+         std::initializer_list<QWidget*>{form->number, form->ratio, form->choice}) {
+        const int before = bar->value();
+        turnWheelOver(*input, -120);
+        QVERIFY(bar->value() > before);
+        turnWheelOver(*input, 120);
+        QCOMPARE(bar->value(), before);
+    }
+}
+
+void TestHouseLook::theWheelGivesNoFocus()
+{
+    for (QWidget* input :
+         std::initializer_list<QWidget*>{form->number, form->ratio, form->choice}) {
+        turnWheelOver(*input, -120);
+        QVERIFY(form->field->hasFocus());
+    }
+}
+
+void TestHouseLook::theWheelTurnsTheInputWithTheFocus()
+{
+    form->number->setFocus();
+    turnWheelOver(*form->number, 120);
+    QCOMPARE(form->number->value(), 1);
+    form->ratio->setFocus();
+    turnWheelOver(*form->ratio, -120);
+    QCOMPARE(form->ratio->value(), -1.0);
+    form->choice->setFocus();
+    turnWheelOver(*form->choice, -120);
+    QCOMPARE(form->choice->currentIndex(), 2);
+}
+
+int main(int argc, char* argv[])
+{
+    prepareHouseLook();
+    QApplication application(argc, argv);
+    applyHouseLook(application);
+    TestHouseLook test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "test_house_look.moc"
