@@ -39,7 +39,10 @@ void MainWindow::on_actionLoad_Cfg_File_triggered()
     // The table connection belongs to the old model, which may live on in a copy.
     disconnectTable();
     retireLinks();
-    measurementThread.pause(); // the loaded record is in "Single", too
+    if (setup.measureMode !=
+        MeasureMode::Single) {     // or else it sleeps, and there's nothing to wait for
+        measurementThread.pause(); // the loaded record is in "Single"
+    }
     setup = loadConfig(name);
     measurementThread.setAnalyzer(setup.analyzer);
     bindTable(); // first: another generator in the dialog refreshes this window

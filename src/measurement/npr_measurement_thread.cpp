@@ -180,8 +180,7 @@ void NPRMeasurementThread::requestSingleMeasurement()
         const LinkTurn held = std::move(*turn);
         const Requests::Served served(*open);
         if (served) {
-            QMutex* const none = nullptr; // the link keeps measurements apart
-            QMutexLocker lock(none);
+            QMutexLocker lock(&mutex);
             measure(*device, lock);
         }
     };

@@ -39,11 +39,11 @@ public:
     // The analyzer of the measurements to come, by its settings; never waits.
     void setAnalyzer(const Analyzer& newAnalyzer);
 
-    void pause(); // takes effect after the thread's pass in progress, and waits for it
+    void pause(); // takes effect after the measurement in progress, and waits for it
     void resume();
     void stop(); // does not wait
 
-    // One measurement, on the calling thread; those of one device run one after the other.
+    // One measurement, on the calling thread; measurements run one after the other.
     void measureOnce();
     // Takes its place at the analyzer's link at once.
     void requestSingleMeasurement();
@@ -62,7 +62,7 @@ private:
     class Requests;
 
     void measureNextPass();
-    void measure(const Analyzer& device, QMutexLocker& lock); // unlocks it to tell a failure
+    void measure(const Analyzer& device, QMutexLocker& lock); // locked; unlocks to tell a failure
     void read(const Analyzer& device);
     void tell(const Analyzer& device, KORemoteException& failure);
     void sleepWhilePaused();
@@ -73,7 +73,7 @@ private:
     std::atomic<bool> paused{false};
     std::shared_ptr<const Analyzer> analyzer; // atomic access
     std::shared_ptr<const Result> result;     // atomic access
-    QMutex mutex;                             // held during a pass of the thread, for pause()
+    QMutex mutex;                             // held during one measurement
     QMutex sleepMutex;                        // held for a look at paused, never for traffic
     QWaitCondition wakeCondition;
     // Passes of run() that the main thread may still have to take note of. A device that fails
