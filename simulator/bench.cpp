@@ -1,7 +1,6 @@
 #include "simulator/bench.h"
 
-#include "simulator/power.h"
-
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -20,31 +19,17 @@ PlayedSignal carrier()
     return {{1.0}, {0.0}, 1.0};
 }
 
-// Scales the signal to a mean power; false for a signal that has none.
-bool setMeanPower(PlayedSignal& signal, double milliwatt)
-{
-    const double power = meanPower(signal);
-    if (!std::isfinite(power) || !(power > 0.0)) {
-        return false;
-    }
-    const double factor = std::sqrt(milliwatt / power);
-    for (double& i : signal.iSamples) {
-        i *= factor;
-    }
-    for (double& q : signal.qSamples) {
-        q *= factor;
-    }
-    return true;
-}
-
 } // namespace
 
-Bench::Bench(BenchWiring benchWiring) : wiring(std::move(benchWiring)) {}
+Bench::Bench(BenchWiring benchWiring)
+    : wiring(std::move(benchWiring)), noiseAlone(wiring.chain, Envelope())
+{
+}
 
 bool Bench::Drive::operator==(const Drive& other) const
 {
     return signalNumber == other.signalNumber && modulated == other.modulated &&
-           level == other.level;
+           level == other.level && limit == other.limit;
 }
 
 void Bench::play(const PlayedSignal& signal)
@@ -56,14 +41,13 @@ void Bench::play(const PlayedSignal& signal)
 ChannelPowers Bench::channelPowers()
 {
     if (isOutputOn()) {
-        refreshSpectrum();
+        refreshOutput();
     }
     const SimulatedAnalyzer& analyzer = settings.analyzer;
-    const double center = analyzer.centerFrequency - rfFrequency();
     const double spacing = analyzer.channelSpacing;
-    return {channelPower(center, analyzer.channelBandwidth),
-            channelPower(center - spacing, analyzer.adjacentBandwidth),
-            channelPower(center + spacing, analyzer.adjacentBandwidth)};
+    return {channelPower(0.0, analyzer.channelBandwidth),
+            channelPower(-spacing, analyzer.adjacentBandwidth),
+            channelPower(spacing, analyzer.adjacentBandwidth)};
 }
 
 bool Bench::isOutputOn() const
@@ -86,27 +70,35 @@ double Bench::rfLevel() const
     return (microwave.ifInput ? settings.generator.level : microwave.level) - microwave.attenuation;
 }
 
-void Bench::refreshSpectrum()
+// With the limit as long as the peaks that are known are above it.
+Bench::Drive Bench::wantedDrive() const
 {
-    const Drive drive{signalNumber, settings.generator.iqModulation, rfLevel()};
-    if (drive == computedFor) {
+    const double limit = inputLimit(settings.analyzer);
+    return {signalNumber, settings.generator.iqModulation, rfLevel(),
+            outputPeak > milliwatts(limit) ? limit : noLimit};
+}
+
+void Bench::refreshOutput()
+{
+    if (wantedDrive() == computedFor) {
         return;
     }
-    PlayedSignal envelope = drive.modulated ? played : carrier();
-    if (setMeanPower(envelope, milliwatts(drive.level))) {
-        passThrough(wiring.device, envelope);
-        spectrum = Spectrum(std::move(envelope));
-    } else {
-        spectrum = Spectrum();
-    }
-    computedFor = drive;
+    const bool modulated = settings.generator.iqModulation;
+    Envelope samples = deviceInput(wiring.chain, modulated ? played : carrier(), rfLevel());
+    passThrough(wiring.chain.device, samples);
+    outputPeak = peakPower(samples);
+    computedFor = wantedDrive();
+    compressAbove(computedFor.limit, wiring.chain, samples);
+    output = ChainOutput(wiring.chain, std::move(samples));
     ++computationCount;
 }
 
+// center is an offset from that of the analyzer.
 double Bench::channelPower(double center, double bandwidth) const
 {
-    const double signal =
-        isOutputOn() ? spectrum.powerBetween(center - bandwidth / 2.0, center + bandwidth / 2.0)
-                     : 0.0;
-    return dbm(signal + milliwatts(wiring.noiseFloor) * bandwidth);
+    const double tuned = settings.analyzer.centerFrequency - rfFrequency();
+    const double edge = settings.analyzer.span / 2.0;
+    const double low = std::max(center - bandwidth / 2.0, -edge);
+    const double high = std::min(center + bandwidth / 2.0, edge);
+    return dbm((isOutputOn() ? output : noiseAlone).channelPower(tuned + low, tuned + high));
 }

@@ -5,17 +5,13 @@
 // level or the I/Q modulation changed; later readings take its result. One thread.
 #pragma once
 
+#include "dut/chain.h"
 #include "simulator/bench_settings.h"
-#include "simulator/device_under_test.h"
 #include "simulator/played_signal.h"
-#include "simulator/spectrum.h"
-
-#include <limits>
 
 struct BenchWiring
 {
-    DeviceSettings device;
-    double noiseFloor = -std::numeric_limits<double>::infinity(); // dBm/Hz; minus infinity is none
+    Chain chain;
     bool hasMicrowave = false; // a microwave generator converts the signal up
 };
 
@@ -40,32 +36,41 @@ public:
     void play(const PlayedSignal& signal);
 
     // The reference channel at the analyzer's centre and one channel on each side of it. Absolute
-    // frequencies: an analyzer tuned elsewhere sees noise only.
+    // frequencies: an analyzer tuned elsewhere sees noise only. What lies outside the analyzer's
+    // span isn't measured, so a channel there is empty.
     ChannelPowers channelPowers();
+
+    // Whether the analyzer compressed the signal of the last reading, whose peaks were above
+    // inputLimit().
+    bool isOverloaded() const { return computedFor.limit < noLimit && isOutputOn(); }
 
     // How often the long computation has run.
     int computations() const { return computationCount; }
 
 private:
-    // What the device is fed with.
+    // What the computed output depends on.
     struct Drive
     {
         int signalNumber = -1;
         bool modulated = false;
-        double level = 0.0; // dBm
+        double level = 0.0;     // dBm
+        double limit = noLimit; // dBm; of an analyzer that compresses, otherwise without limit
         bool operator==(const Drive& other) const;
     };
 
     bool isOutputOn() const;
     double rfFrequency() const; // Hz
     double rfLevel() const;     // dBm
-    void refreshSpectrum();
+    Drive wantedDrive() const;
+    void refreshOutput();
     double channelPower(double center, double bandwidth) const;
 
     const BenchWiring wiring;
     PlayedSignal played;
     int signalNumber = 0;
     Drive computedFor;
-    Spectrum spectrum; // at the device's output
+    double outputPeak = 0.0; // mW, before the analyzer
+    ChainOutput output;
+    const ChainOutput noiseAlone;
     int computationCount = 0;
 };

@@ -2,6 +2,9 @@
 // seconds.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
+
 struct SimulatedGenerator
 {
     double frequency = 1e9;
@@ -42,6 +45,22 @@ struct SimulatedAnalyzer
     double channelSpacing = 2e6;
     bool relativeChannels = true; // adjacent channels in dB of the reference, else in dBm
 };
+
+// The attenuation in use, dB: the instrument's choice follows the reference level in steps of 10.
+inline double usedAttenuation(const SimulatedAnalyzer& analyzer)
+{
+    return analyzer.attenuation.automatic
+               ? std::clamp(10.0 * std::ceil((analyzer.referenceLevel + 20.0) / 10.0), 10.0, 70.0)
+               : analyzer.attenuation.value;
+}
+
+// Peak level in dBm above which the analyzer compresses. Its mixer takes 10 dBm behind the
+// attenuator, and what follows the mixer 35 dB more than the reference level: noise is so much
+// wider than the resolution filter.
+inline double inputLimit(const SimulatedAnalyzer& analyzer)
+{
+    return std::min(10.0 + usedAttenuation(analyzer), 35.0 + analyzer.referenceLevel);
+}
 
 struct BenchSettings
 {

@@ -1,21 +1,12 @@
-// One period of a complex baseband signal that is played in a loop.
-//
-// In the envelope form, which the device under test works on, the square of a sample's magnitude
-// is the momentary power in milliwatts. As it comes from a file or from the status server the
-// scale means nothing: the generator's level gives it one.
+// One period of the signal that is played in a loop. The scale of its samples means nothing: the
+// generator's level gives it one.
 #pragma once
 
+#include "dut/envelope.h"
+
 #include <QMetaType>
-#include <QVector>
 
-struct PlayedSignal
-{
-    QVector<double> iSamples;
-    QVector<double> qSamples; // as many as iSamples
-    double sampleRate = 0.0;  // Hz
-
-    int size() const { return iSamples.size(); }
-};
+using PlayedSignal = Envelope;
 
 Q_DECLARE_METATYPE(PlayedSignal)
 

@@ -29,21 +29,21 @@ const NumberOption numberOptions[] = {
      65535, true, [](SimulatorOptions& o, double v) { o.signalPort = static_cast<quint16>(v); }},
     {"saturation", "DBM", "rapp: output power at saturation in dBm (default 10).", -mostDecibels,
      mostDecibels, false,
-     [](SimulatorOptions& o, double v) { o.wiring.device.saturationPower = v; }},
+     [](SimulatorOptions& o, double v) { o.wiring.chain.device.saturationPower = v; }},
     {"smoothness", "P", "rapp: smoothness of the bend, 0.1 to 100, larger is harder (default 2).",
-     0.1, 100, false, [](SimulatorOptions& o, double v) { o.wiring.device.smoothness = v; }},
+     0.1, 100, false, [](SimulatorOptions& o, double v) { o.wiring.chain.device.smoothness = v; }},
     {"intercept", "DBM",
      "cubic: third-order intercept, power of one of two tones, in dBm "
      "(default 20).",
      -mostDecibels, mostDecibels, false,
-     [](SimulatorOptions& o, double v) { o.wiring.device.thirdOrderIntercept = v; }},
+     [](SimulatorOptions& o, double v) { o.wiring.chain.device.thirdOrderIntercept = v; }},
     {"bits", "N", "adc: resolution in bits, 1 to 24 (default 12).", 1, 24, true,
-     [](SimulatorOptions& o, double v) { o.wiring.device.bits = static_cast<int>(v); }},
+     [](SimulatorOptions& o, double v) { o.wiring.chain.device.bits = static_cast<int>(v); }},
     {"loading", "FACTOR",
      "adc: full scale over the rms of one component, 0.01 to 1000 (default 5).", 0.01, 1000, false,
-     [](SimulatorOptions& o, double v) { o.wiring.device.loadingFactor = v; }},
+     [](SimulatorOptions& o, double v) { o.wiring.chain.device.loadingFactor = v; }},
     {"noise-floor", "DBM_HZ", "Noise of the analyzer in dBm/Hz (default: none).", -mostDecibels,
-     mostDecibels, false, [](SimulatorOptions& o, double v) { o.wiring.noiseFloor = v; }},
+     mostDecibels, false, [](SimulatorOptions& o, double v) { o.wiring.chain.noiseFloor = v; }},
 };
 
 double checkedNumber(const NumberOption& option, const QString& text)
@@ -83,7 +83,7 @@ SimulatorOptions readChecked(const QCommandLineParser& parser)
             option.store(options, checkedNumber(option, parser.value(name)));
         }
     }
-    options.wiring.device.name = checkedDevice(parser.value("dut"));
+    options.wiring.chain.device.name = checkedDevice(parser.value("dut"));
     if (parser.isSet("microwave")) {
         options.microwaveAddress = checkedAddress(parser.value("microwave"));
         options.wiring.hasMicrowave = true;

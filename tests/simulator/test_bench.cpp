@@ -1,5 +1,5 @@
 // The bench as a whole: level, frequencies, outputs, what is computed when.
-#include "multitone.h"
+#include "ready_bench.h"
 
 #include <QtTest>
 
@@ -55,6 +55,12 @@ private slots:
     void theLongComputationRunsOnce();
     void theLongComputationRunsAgainForWhatChangesIt();
     void theLongestSignalOfTheProgramIsPlayed();
+    void channelsOutsideTheSpanAreEmpty();
+    void aChannelAcrossTheEdgeOfTheSpanIsReadUpToIt();
+    void distortionIsReadBesideTheSignalsRate();
+    void anAnalyzerDrivenTooHardCompressesAndSaysSo();
+    void attenuationAndReferenceLevelMoveTheLimit();
+    void aLimitThatIsNotReachedCostsNoComputation();
 };
 
 void TestBench::aLinearDeviceShowsTheNotchAsDeepAsItWasMade_data()
@@ -161,7 +167,7 @@ void TestBench::withoutModulationThereIsALoneCarrier()
 void TestBench::noiseFillsEveryChannel()
 {
     BenchWiring wiring;
-    wiring.noiseFloor = -150.0;
+    wiring.chain.noiseFloor = -150.0;
     Bench bench = readyBench(wiring);
     bench.settings.generator.output = false;
     tune(bench, 0.0, 1000.0, 2000.0);
@@ -176,7 +182,7 @@ void TestBench::noiseAddsToTheNotch()
 {
     Bench quiet = notchBench(-60.0);
     BenchWiring wiring;
-    wiring.noiseFloor = quiet.channelPowers().upper - 10.0 * std::log10(150.0);
+    wiring.chain.noiseFloor = quiet.channelPowers().upper - 10.0 * std::log10(150.0);
     Bench noisy = notchBench(-60.0, wiring);
     QVERIFY(isClose(noisy.channelPowers().upper - quiet.channelPowers().upper, 3.010299957));
 }
@@ -253,6 +259,86 @@ void TestBench::theLongestSignalOfTheProgramIsPlayed()
     for (int poll = 0; poll < 10000; ++poll) {
         bench.channelPowers();
     }
+    QCOMPARE(bench.computations(), 1);
+}
+
+void TestBench::channelsOutsideTheSpanAreEmpty()
+{
+    BenchWiring wiring;
+    wiring.chain.noiseFloor = -150.0;
+    Bench bench = notchBench(-60.0, wiring);
+    bench.settings.analyzer.span = 150.0;
+    const ChannelPowers powers = bench.channelPowers();
+    QVERIFY(powers.reference > -60.0);
+    QCOMPARE(powers.lower, emptyChannelPower);
+    QCOMPARE(powers.upper, emptyChannelPower);
+}
+
+// Half of the 150 lines of the reference channel.
+void TestBench::aChannelAcrossTheEdgeOfTheSpanIsReadUpToIt()
+{
+    Bench bench = notchBench(-60.0);
+    const double whole = bench.channelPowers().reference;
+    bench.settings.analyzer.span = 75.0;
+    QVERIFY(isClose(bench.channelPowers().reference, whole - 3.0, 0.1));
+}
+
+// Third-order distortion of a signal that fills its rate reaches beyond it.
+void TestBench::distortionIsReadBesideTheSignalsRate()
+{
+    BenchWiring wiring;
+    wiring.chain.device.name = "cubic";
+    Bench bench = notchBench(-60.0, wiring);
+    tune(bench, lineCount * 0.75, 100.0, 200.0);
+    const double distortion = bench.channelPowers().reference;
+    QVERIFY(distortion > -150.0 && distortion < -100.0);
+    tune(bench, lineCount * 2.5, 100.0, 200.0);
+    QVERIFY(readsFloor(bench));
+}
+
+// Without attenuation the mixer takes 10 dBm; peaks of noise stand some 10 dB above the mean.
+void TestBench::anAnalyzerDrivenTooHardCompressesAndSaysSo()
+{
+    Bench bench = notchBench(-80.0);
+    bench.settings.analyzer.attenuation = {0.0, false};
+    bench.settings.generator.level = -5.0;
+    QVERIFY(isClose(upperNpr(bench), 80.0));
+    QVERIFY(!bench.isOverloaded());
+    bench.settings.generator.level = 10.0;
+    QVERIFY(upperNpr(bench) < 20.0);
+    QVERIFY(bench.isOverloaded());
+    bench.settings.generator.output = false;
+    QVERIFY(!bench.isOverloaded());
+}
+
+void TestBench::attenuationAndReferenceLevelMoveTheLimit()
+{
+    SimulatedAnalyzer analyzer;
+    analyzer.referenceLevel = -20.0;
+    QCOMPARE(usedAttenuation(analyzer), 10.0);
+    QCOMPARE(inputLimit(analyzer), 15.0);
+    analyzer.referenceLevel = 15.0;
+    QCOMPARE(usedAttenuation(analyzer), 40.0);
+    QCOMPARE(inputLimit(analyzer), 50.0);
+    analyzer.attenuation = {5.0, false};
+    QCOMPARE(inputLimit(analyzer), 15.0);
+    Bench bench = notchBench(-80.0);
+    bench.settings.generator.level = 10.0;
+    bench.settings.analyzer.referenceLevel = 10.0;
+    QVERIFY(isClose(upperNpr(bench), 80.0));
+    bench.settings.analyzer.referenceLevel = -40.0;
+    QVERIFY(upperNpr(bench) < 30.0 && bench.isOverloaded());
+    bench.settings.analyzer.referenceLevel = 10.0;
+    QVERIFY(isClose(upperNpr(bench), 80.0));
+    QVERIFY(!bench.isOverloaded());
+}
+
+void TestBench::aLimitThatIsNotReachedCostsNoComputation()
+{
+    Bench bench = notchBench(-80.0);
+    bench.channelPowers();
+    bench.settings.analyzer.referenceLevel = 10.0;
+    bench.channelPowers();
     QCOMPARE(bench.computations(), 1);
 }
 

@@ -6,7 +6,7 @@
 // number; cutting the notch changes each value a little. Two to the power of 22 values a component
 // leave a spread of about 0.2 dB where clipping rules (12 bits at 4 sigma: some 500 clipped
 // values, of which the cut draws a part anew) and below 0.1 dB elsewhere; 0.5 dB is allowed.
-#include "multitone.h"
+#include "ready_bench.h"
 
 #include <QtTest>
 
@@ -114,9 +114,9 @@ void TestConverterTheory::nprFollowsTheTheory()
     QFETCH(int, bits);
     QFETCH(double, loading);
     BenchWiring wiring;
-    wiring.device.name = "adc";
-    wiring.device.bits = bits;
-    wiring.device.loadingFactor = loading;
+    wiring.chain.device.name = "adc";
+    wiring.chain.device.bits = bits;
+    wiring.chain.device.loadingFactor = loading;
     Bench bench = readyBench(wiring);
     bench.play(signal);
     const double width = notch.last - notch.first + 1;

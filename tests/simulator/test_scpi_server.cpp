@@ -1,6 +1,6 @@
 // The instruments over real connections: split, joined and overlong lines, garbage, many peers,
 // peers that don't read.
-#include "multitone.h"
+#include "ready_bench.h"
 #include "scpi_client.h"
 
 #include "simulator/scpi_server.h"

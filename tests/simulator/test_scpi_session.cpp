@@ -1,5 +1,5 @@
 // What the instruments answer, what they make of bad words, and whom a reset reaches.
-#include "multitone.h"
+#include "ready_bench.h"
 #include "scpi_session_test.h"
 
 class TestScpiSession : public ScpiSessionTest

@@ -5,7 +5,7 @@
 // Frequencies are offsets from the carrier in Hz, powers are in milliwatts. Any thread.
 #pragma once
 
-#include "simulator/played_signal.h"
+#include "dut/envelope.h"
 
 class Spectrum
 {
@@ -13,7 +13,7 @@ public:
     Spectrum() = default; // no line at all
 
     // The lines of an envelope whose length is a power of two.
-    explicit Spectrum(PlayedSignal envelope);
+    explicit Spectrum(Envelope envelope);
 
     // Sum of the lines from low (inclusive) to high (exclusive); 0 where there are none. A line
     // within a hundred-thousandth of a line spacing of an edge counts as on it, so that

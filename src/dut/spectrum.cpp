@@ -1,4 +1,4 @@
-#include "simulator/spectrum.h"
+#include "dut/spectrum.h"
 
 #include "transform/transform.h"
 
@@ -11,7 +11,7 @@ constexpr int blockSize = 1024;
 
 } // namespace
 
-Spectrum::Spectrum(PlayedSignal envelope)
+Spectrum::Spectrum(Envelope envelope)
     : power(envelope.size()), spacing(envelope.sampleRate / envelope.size())
 {
     const int count = envelope.size();

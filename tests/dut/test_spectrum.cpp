@@ -1,7 +1,7 @@
 // The power of the lines of short signals, worked by hand.
-#include "multitone.h"
+#include "dut/multitone.h"
 
-#include "simulator/spectrum.h"
+#include "dut/spectrum.h"
 
 #include <QtTest>
 
@@ -43,13 +43,13 @@ void TestSpectrum::theLowestLineStandsAtMinusHalfTheRate()
 
 void TestSpectrum::aConstantIsTheCarrier()
 {
-    const Spectrum spectrum(PlayedSignal{{3.0}, {4.0}, 1.0});
+    const Spectrum spectrum(Envelope{{3.0}, {4.0}, 1.0});
     QCOMPARE(spectrum.powerBetween(-0.5, 0.5), 25.0);
 }
 
 void TestSpectrum::allLinesTogetherAreTheMeanPower()
 {
-    PlayedSignal signal = silence(128);
+    Envelope signal = silence(128);
     for (int k = 0; k < 128; ++k) {
         signal.iSamples[k] = k;
     }
@@ -59,7 +59,7 @@ void TestSpectrum::allLinesTogetherAreTheMeanPower()
 
 void TestSpectrum::theLowerEdgeBelongsToAChannelAndTheUpperOneDoesNot()
 {
-    PlayedSignal impulse = silence(64); // every line has the power 1/64
+    Envelope impulse = silence(64); // every line has the power 1/64
     impulse.iSamples[0] = 8.0;
     const Spectrum spectrum(impulse);
     QVERIFY(std::abs(spectrum.powerBetween(-5.0, 5.0) - 10.0 / 64.0) < 1e-13);
@@ -71,7 +71,7 @@ void TestSpectrum::theLowerEdgeBelongsToAChannelAndTheUpperOneDoesNot()
 void TestSpectrum::wideChannelsHoldEveryLineOnce()
 {
     constexpr int count = 8192;
-    PlayedSignal impulse = silence(count);
+    Envelope impulse = silence(count);
     impulse.iSamples[0] = count;
     const Spectrum spectrum(impulse);
     const Band bands[] = {{-4096, 4095}, {-4095, 4094}, {-1024, 1023}, {-1, 1024},

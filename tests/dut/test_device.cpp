@@ -1,30 +1,23 @@
 // The devices against closed forms.
-#include "multitone.h"
+#include "dut/device.h"
+#include "dut/multitone.h"
+#include "dut/spectrum.h"
 
 #include <QtTest>
 
 namespace {
 
-DeviceSettings device(const char* name)
+DeviceSettings device(const QString& name)
 {
     DeviceSettings settings;
     settings.name = name;
     return settings;
 }
 
-double meanPower(const PlayedSignal& signal)
-{
-    double sum = 0.0;
-    for (int k = 0; k < signal.size(); ++k) {
-        sum += signal.iSamples[k] * signal.iSamples[k] + signal.qSamples[k] * signal.qSamples[k];
-    }
-    return sum / signal.size();
-}
-
 // Power in dBm behind the device of one line of a power in dBm.
 double powerOfTone(const DeviceSettings& settings, double dbm)
 {
-    PlayedSignal signal = tone(64, 5);
+    Envelope signal = tone(64, 5);
     const double amplitude = std::pow(10.0, dbm / 20.0);
     for (int k = 0; k < signal.size(); ++k) {
         signal.iSamples[k] *= amplitude;
@@ -34,7 +27,7 @@ double powerOfTone(const DeviceSettings& settings, double dbm)
     return 10.0 * std::log10(meanPower(signal));
 }
 
-PlayedSignal ramp(QVector<double> values)
+Envelope ramp(QVector<double> values)
 {
     const QVector<double> zeros(values.size(), 0.0);
     return {std::move(values), zeros, 1.0};
@@ -42,7 +35,7 @@ PlayedSignal ramp(QVector<double> values)
 
 } // namespace
 
-class TestDeviceUnderTest : public QObject
+class TestDevice : public QObject
 {
     Q_OBJECT
 
@@ -57,25 +50,27 @@ private slots:
     void aConverterRoundsToTheNearestStep();
     void aConverterClipsAtFullScaleOnBothSides();
     void aConverterLeavesSilenceAlone();
-    void cubicNoiseIsThatOfTheClosedForm();
-    void nprFallsTwoDecibelsForOneOfDriveOnACubicDevice();
+    void aFullScaleIsTheAmplitudeOfACarrier();
+    void aSoftLimiterIsLinearUpToItsSaturation();
+    void aTravellingWaveTubeBendsAmplitudeAndPhase();
+    void onlyConvertersAndCablesLiveFromSampleToSample();
 };
 
-void TestDeviceUnderTest::aLinearDeviceChangesNothing()
+void TestDevice::aLinearDeviceChangesNothing()
 {
-    PlayedSignal signal = tone(64, 5);
-    const PlayedSignal before = signal;
+    Envelope signal = tone(64, 5);
+    const Envelope before = signal;
     passThrough(device("linear"), signal);
     QCOMPARE(signal.iSamples, before.iSamples);
     QCOMPARE(signal.qSamples, before.qSamples);
 }
 
-void TestDeviceUnderTest::anUnknownDeviceChangesNothing()
+void TestDevice::anUnknownDeviceChangesNothing()
 {
     QVERIFY(std::abs(powerOfTone(device("tube"), 3.0) - 3.0) < 1e-9);
 }
 
-void TestDeviceUnderTest::aSoftAmplifierIsLinearFarBelowSaturation()
+void TestDevice::aSoftAmplifierIsLinearFarBelowSaturation()
 {
     DeviceSettings rapp = device("rapp");
     rapp.saturationPower = 17.0;
@@ -83,7 +78,7 @@ void TestDeviceUnderTest::aSoftAmplifierIsLinearFarBelowSaturation()
 }
 
 // At an input of the saturation power the amplitude is divided by the 2p-th root of 2.
-void TestDeviceUnderTest::aSoftAmplifierLosesThreeDecibelsOverItsSmoothnessAtSaturation()
+void TestDevice::aSoftAmplifierLosesThreeDecibelsOverItsSmoothnessAtSaturation()
 {
     DeviceSettings rapp = device("rapp");
     rapp.saturationPower = 17.0;
@@ -93,28 +88,28 @@ void TestDeviceUnderTest::aSoftAmplifierLosesThreeDecibelsOverItsSmoothnessAtSat
     QVERIFY(std::abs(powerOfTone(rapp, 17.0) - (17.0 - 3.010299957)) < 1e-6);
 }
 
-void TestDeviceUnderTest::aSoftAmplifierGivesItsSaturationPowerAtMost()
+void TestDevice::aSoftAmplifierGivesItsSaturationPowerAtMost()
 {
     DeviceSettings rapp = device("rapp");
     rapp.saturationPower = 17.0;
     QVERIFY(std::abs(powerOfTone(rapp, 57.0) - 17.0) < 1e-6);
 }
 
-void TestDeviceUnderTest::aSoftAmplifierKeepsThePhase()
+void TestDevice::aSoftAmplifierKeepsThePhase()
 {
-    PlayedSignal signal{{3.0}, {-4.0}, 1.0};
+    Envelope signal{{3.0}, {-4.0}, 1.0};
     passThrough(device("rapp"), signal);
     QVERIFY(signal.iSamples[0] < 3.0);
     QVERIFY(std::abs(signal.qSamples[0] / signal.iSamples[0] + 4.0 / 3.0) < 1e-12);
 }
 
 // Two lines of -10 dBm and an intercept of 20 dBm: 60 dB down, at twice one less the other.
-void TestDeviceUnderTest::twoTonesBringIntermodulationByTheIntercept()
+void TestDevice::twoTonesBringIntermodulationByTheIntercept()
 {
     DeviceSettings cubic = device("cubic");
     cubic.thirdOrderIntercept = 20.0;
-    PlayedSignal both = tone(64, 2);
-    const PlayedSignal other = tone(64, 5);
+    Envelope both = tone(64, 2);
+    const Envelope other = tone(64, 5);
     const double amplitude = std::pow(10.0, -10.0 / 20.0);
     for (int k = 0; k < both.size(); ++k) {
         both.iSamples[k] = amplitude * (both.iSamples[k] + other.iSamples[k]);
@@ -128,11 +123,11 @@ void TestDeviceUnderTest::twoTonesBringIntermodulationByTheIntercept()
 
 // The rms of one component is that of the samples over the root of 2; the loading puts full scale
 // at 4.
-void TestDeviceUnderTest::aConverterRoundsToTheNearestStep()
+void TestDevice::aConverterRoundsToTheNearestStep()
 {
     DeviceSettings adc = device("adc");
     adc.bits = 3; // steps of 1
-    PlayedSignal signal = ramp({2.6, -2.6, 1.4, -1.4, 0.4, -0.4});
+    Envelope signal = ramp({2.6, -2.6, 1.4, -1.4, 0.4, -0.4});
     adc.loadingFactor = 4.0 / std::sqrt(meanPower(signal) / 2.0);
     passThrough(adc, signal);
     const double expected[] = {3.0, -3.0, 1.0, -1.0, 0.0, 0.0};
@@ -142,11 +137,11 @@ void TestDeviceUnderTest::aConverterRoundsToTheNearestStep()
     }
 }
 
-void TestDeviceUnderTest::aConverterClipsAtFullScaleOnBothSides()
+void TestDevice::aConverterClipsAtFullScaleOnBothSides()
 {
     DeviceSettings adc = device("adc");
     adc.bits = 3;
-    PlayedSignal signal = ramp({9.0, -9.0, 4.2, -4.2});
+    Envelope signal = ramp({9.0, -9.0, 4.2, -4.2});
     adc.loadingFactor = 4.0 / std::sqrt(meanPower(signal) / 2.0);
     passThrough(adc, signal);
     for (int k = 0; k < 4; ++k) {
@@ -154,43 +149,59 @@ void TestDeviceUnderTest::aConverterClipsAtFullScaleOnBothSides()
     }
 }
 
-void TestDeviceUnderTest::aConverterLeavesSilenceAlone()
+void TestDevice::aConverterLeavesSilenceAlone()
 {
-    PlayedSignal signal = silence(8);
+    Envelope signal = silence(8);
     passThrough(device("adc"), signal);
     QCOMPARE(signal.iSamples, QVector<double>(8, 0.0));
 }
 
-// For complex Gaussian noise of power P the part of a |a|^2 that is not correlated with a has the
-// power 2 P^3. Here it is white, so NPR = 2 (intercept - P) - 10 log10(2) dB. The notch holds 768
-// lines read, whose sum spreads by 1/sqrt(768) or 0.16 dB; 0.6 dB is nearly four times that.
-void TestDeviceUnderTest::cubicNoiseIsThatOfTheClosedForm()
+// Full scale of 0 dBm is an amplitude of 1: 3 bits have steps of a quarter.
+void TestDevice::aFullScaleIsTheAmplitudeOfACarrier()
 {
-    BenchWiring wiring;
-    wiring.device = device("cubic");
-    wiring.device.thirdOrderIntercept = 5.0;
-    Bench bench = readyBench(wiring, -30.0);
-    bench.play(noiseWithNotch(65536, {10000, 11023}, -200.0));
-    tune(bench, 10512 - 1228, 768, 1228);
-    QVERIFY2(std::abs(upperNpr(bench) - 66.99) < 0.6, qPrintable(QString::number(upperNpr(bench))));
-}
-
-void TestDeviceUnderTest::nprFallsTwoDecibelsForOneOfDriveOnACubicDevice()
-{
-    BenchWiring wiring;
-    wiring.device = device("cubic");
-    wiring.device.thirdOrderIntercept = 5.0;
-    Bench bench = readyBench(wiring);
-    bench.play(noiseWithNotch(65536, {10000, 11023}, -200.0));
-    tune(bench, 10512 - 1228, 768, 1228);
-    bench.settings.generator.level = -40.0;
-    const double start = upperNpr(bench);
-    for (int drive = 1; drive <= 20; ++drive) {
-        bench.settings.generator.level = -40.0 + drive;
-        const double fallen = start - upperNpr(bench);
-        QVERIFY2(std::abs(fallen - 2.0 * drive) < 0.2, qPrintable(QString::number(fallen)));
+    DeviceSettings adc = device("adc");
+    adc.bits = 3;
+    adc.fullScale = 0.0;
+    Envelope signal = ramp({0.9, 1.2, -7.0, 0.3, 0.1});
+    passThrough(adc, signal);
+    const double expected[] = {1.0, 1.0, -1.0, 0.25, 0.0};
+    for (int k = 0; k < 5; ++k) {
+        QVERIFY(std::abs(signal.iSamples[k] - expected[k]) < 1e-12);
     }
 }
 
-QTEST_APPLESS_MAIN(TestDeviceUnderTest)
-#include "test_device_under_test.moc"
+void TestDevice::aSoftLimiterIsLinearUpToItsSaturation()
+{
+    DeviceSettings soft = device("soft");
+    soft.saturationPower = 17.0;
+    QVERIFY(std::abs(powerOfTone(soft, 16.999) - 16.999) < 1e-9);
+    QVERIFY(std::abs(powerOfTone(soft, 17.001) - 17.0) < 1e-9);
+    QVERIFY(std::abs(powerOfTone(soft, 40.0) - 17.0) < 1e-9);
+}
+
+// At q = 1: gain 2.1587 / 2.1517 and a turn of 4.0033 / 10.1040 radian; both by hand. At q = 4 the
+// gain is 2.1587 / 5.6068 and the turn 16.0132 / 37.416.
+void TestDevice::aTravellingWaveTubeBendsAmplitudeAndPhase()
+{
+    DeviceSettings saleh = device("saleh");
+    saleh.saturationPower = 20.0; // an amplitude of 10
+    Envelope signal{{10.0, 0.0}, {0.0, 20.0}, 1.0};
+    passThrough(saleh, signal);
+    const double first = 10.0 * 1.003253;
+    QVERIFY(std::abs(signal.iSamples[0] - first * std::cos(0.396209)) < 1e-4);
+    QVERIFY(std::abs(signal.qSamples[0] - first * std::sin(0.396209)) < 1e-4);
+    const double second = 20.0 * 0.385015;
+    QVERIFY(std::abs(signal.iSamples[1] + second * std::sin(0.427977)) < 1e-4);
+    QVERIFY(std::abs(signal.qSamples[1] - second * std::cos(0.427977)) < 1e-4);
+}
+
+void TestDevice::onlyConvertersAndCablesLiveFromSampleToSample()
+{
+    for (const QString& name : deviceNames()) {
+        const bool sampled = name == "adc" || name == "linear";
+        QCOMPARE(actsBetweenSamples(device(name)), !sampled);
+    }
+}
+
+QTEST_APPLESS_MAIN(TestDevice)
+#include "test_device.moc"

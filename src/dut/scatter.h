@@ -1,0 +1,27 @@
+// How far a reading of the noise power ratio scatters over stimuli that differ in their seed only.
+// Any thread.
+#pragma once
+
+#include "dut/envelope.h"
+
+// Energy of what a device added to its input, in stretches of some samples. Sums over several
+// stimuli add up to those of one long stimulus.
+struct DistortionEnergy
+{
+    double sum = 0.0;
+    double squares = 0.0; // of the energies of the stretches
+
+    DistortionEnergy& operator+=(const DistortionEnergy& other);
+
+    // How much comes from few moments: near 1/(number of stretches) for even distortion, 1 when
+    // all of it fell into one stretch, 0 without distortion.
+    double concentration() const { return sum > 0.0 ? squares / (sum * sum) : 0.0; }
+};
+
+// What the device added is output - c input, with c the correlation of the two. Both envelopes are
+// of the same length; stretchLength is 4 times their oversampling.
+DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output, int stretchLength);
+
+// Standard deviation in dB of a reading whose notch channel holds this many lines. Exact for small
+// values: where few peaks decide (a concentration of a tenth and more) it is a floor.
+double readingSigma(int lines, double concentration);

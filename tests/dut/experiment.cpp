@@ -1,0 +1,142 @@
+#include "dut/experiment.h"
+
+#include "dut/scatter.h"
+#include "transform/transform.h"
+
+#include <array>
+#include <numeric>
+#include <random>
+
+namespace {
+
+// Cosines of 65536 phases; the sine is a quarter turn behind.
+const std::array<double, 65536>& cosines()
+{
+    static const auto table = [] {
+        std::array<double, 65536> values{};
+        for (std::size_t k = 0; k < values.size(); ++k) {
+            values[k] = std::cos(2.0 * 3.141592653589793 * static_cast<double>(k) / 65536.0);
+        }
+        return values;
+    }();
+    return table;
+}
+
+// Sums over all stimuli so far, from which the reading and its sigma follow.
+struct Sums
+{
+    double reference = 0.0;
+    double notch = 0.0;
+    DistortionEnergy distortion;
+    int seeds = 0;
+
+    double reading() const { return 10.0 * std::log10(reference / notch); }
+
+    // The stimuli together are as one long one.
+    double sigma(int lines) const
+    {
+        return readingSigma(lines * seeds, distortion.concentration());
+    }
+};
+
+double powerIn(const ChainOutput& output, ChannelLines channel)
+{
+    return output.channelPower(channel.first - 0.5, channel.first + channel.count - 0.5);
+}
+
+void measureOnce(const Chain& chain, double level, const Stimulus& stimulus, unsigned seed,
+                 Sums& sums)
+{
+    const Envelope input = deviceInput(chain, stimulusOf(stimulus, seed), level);
+    Envelope samples = input;
+    passThrough(chain.device, samples);
+    const int oversampling = samples.size() / stimulus.count;
+    sums.distortion += distortionEnergy(input, samples, 4 * oversampling);
+    const ChainOutput output(chain, std::move(samples));
+    sums.reference += powerIn(output, stimulus.referenceChannel());
+    sums.notch += powerIn(output, stimulus.notchChannel());
+    ++sums.seeds;
+}
+
+} // namespace
+
+LinePowers Stimulus::lines() const
+{
+    LinePowers powers(count, 0.0);
+    const int half = static_cast<int>(beta * count / 2.0);
+    std::fill(powers.begin() + count / 2 - half, powers.begin() + count / 2 + half, 1.0);
+    const ChannelLines gap = notch();
+    const auto first = powers.begin() + count / 2 + gap.first;
+    std::fill(first, first + gap.count, 0.0);
+    return powers;
+}
+
+ChannelLines Stimulus::notch() const
+{
+    const int width = static_cast<int>(notchShare * beta * count);
+    const int middle = atEdge ? static_cast<int>(beta * count / 2.0 - 1.5 * width) : 0;
+    return {middle - width / 2, width};
+}
+
+ChannelLines Stimulus::notchChannel() const
+{
+    const ChannelLines gap = notch();
+    const int width = gap.count * 3 / 4;
+    return {gap.first + (gap.count - width) / 2, width};
+}
+
+ChannelLines Stimulus::referenceChannel() const
+{
+    const ChannelLines channel = notchChannel();
+    return {channel.first - notch().count * 6 / 5, channel.count};
+}
+
+Envelope stimulusOf(const Stimulus& stimulus, unsigned seed)
+{
+    const LinePowers lines = stimulus.lines();
+    const int count = stimulus.count;
+    Envelope signal{QVector<double>(count, 0.0), QVector<double>(count, 0.0), double(count)};
+    std::mt19937 random(seed);
+    const auto& cosine = cosines();
+    for (int k = 0; k < count; ++k) {
+        const auto phase = static_cast<unsigned>(random() >> 16);
+        const int index = (k + count / 2) % count;
+        signal.iSamples[index] = lines[k] * cosine[phase];
+        signal.qSamples[index] = lines[k] * cosine[(phase + 49152) % 65536];
+    }
+    inverseTransform(signal.qSamples, signal.iSamples, static_cast<quint32>(count));
+    return signal;
+}
+
+Averaged measureSeed(const Chain& chain, double level, const Stimulus& stimulus, unsigned seed)
+{
+    Sums sums;
+    measureOnce(chain, level, stimulus, seed, sums);
+    return {sums.reading(), sums.sigma(stimulus.notchChannel().count), 1};
+}
+
+double theoryOf(const Stimulus& stimulus, const QVector<double>& orders)
+{
+    const LinePowers lines = stimulus.lines();
+    return theoreticalReading(lines, orders[0], distortionLines(lines, orders),
+                              stimulus.referenceChannel(), stimulus.notchChannel());
+}
+
+double theoryOf(const Stimulus& stimulus, int bits, double loading)
+{
+    const LinePowers lines = stimulus.lines();
+    return theoreticalReading(lines, converterGain(loading),
+                              converterDistortionLines(lines, bits, loading),
+                              stimulus.referenceChannel(), stimulus.notchChannel());
+}
+
+Averaged measureOverSeeds(const Chain& chain, double level, const Stimulus& stimulus, double sigma,
+                          int mostSeeds)
+{
+    Sums sums;
+    const int lines = stimulus.notchChannel().count;
+    do {
+        measureOnce(chain, level, stimulus, static_cast<unsigned>(sums.seeds + 1), sums);
+    } while (sums.seeds < mostSeeds && sums.sigma(lines) > sigma);
+    return {sums.reading(), sums.sigma(lines), sums.seeds};
+}

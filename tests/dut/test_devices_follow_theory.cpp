@@ -1,0 +1,136 @@
+// The short form of docs/physics.md: devices against theory, averaged over seeds.
+#include "dut/experiment.h"
+
+#include <QtTest>
+
+namespace {
+
+Chain chainWith(const char* device)
+{
+    Chain chain;
+    chain.device.name = QLatin1String(device);
+    chain.device.saturationPower = 0.0;
+    chain.device.thirdOrderIntercept = 0.0;
+    return chain;
+}
+
+Stimulus stimulus(double beta, double notchShare, bool atEdge)
+{
+    return {32768, beta, notchShare, atEdge};
+}
+
+Chain rapp(double smoothness)
+{
+    Chain chain = chainWith("rapp");
+    chain.device.smoothness = smoothness;
+    return chain;
+}
+
+Chain converter(int bits, double loading)
+{
+    Chain chain = chainWith("adc");
+    chain.device.bits = bits;
+    chain.device.loadingFactor = loading;
+    return chain;
+}
+
+// What is left of a tolerance: 0.1 dB for an average whose sigma is 0.05 dB.
+constexpr double averagedSigma = 0.05;
+constexpr double tolerance = 0.1;
+
+} // namespace
+
+class TestDevicesFollowTheory : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void memorylessDevices_data();
+    void memorylessDevices();
+    void converters_data();
+    void converters();
+    void aSingleReadingScattersAsItSays();
+};
+
+void TestDevicesFollowTheory::memorylessDevices_data()
+{
+    QTest::addColumn<Chain>("chain");
+    QTest::addColumn<double>("backOff");
+    QTest::addColumn<QVector<double>>("orders");
+    QTest::addColumn<Stimulus>("stimulus");
+    const auto add = [](const char* name, const Chain& chain, double backOff, const Gain& gain,
+                        const Stimulus& played) {
+        QTest::newRow(name) << chain << backOff << distortionOrders(gain) << played;
+    };
+    add("Rapp 1, 0 dB", rapp(1), 0, rappGain(0, 1), stimulus(0.8, 0.1, false));
+    add("Rapp 2, 6 dB", rapp(2), 6, rappGain(6, 2), stimulus(1.0, 0.1, true));
+    add("soft limiter, 2 dB", chainWith("soft"), 2, softLimiterGain(2), stimulus(0.5, 0.1, false));
+    add("soft limiter, 4 dB", chainWith("soft"), 4, softLimiterGain(4), stimulus(1.0, 0.1, false));
+    add("Saleh, 3 dB", chainWith("saleh"), 3, salehGain(3), stimulus(0.8, 0.1, true));
+    add("Saleh, 10 dB", chainWith("saleh"), 10, salehGain(10), stimulus(1.0, 0.1, false));
+    add("cubic, 10 dB", chainWith("cubic"), 10, cubicGain(10), stimulus(1.0, 0.1, true));
+    add("cubic, 20 dB", chainWith("cubic"), 20, cubicGain(20), stimulus(0.8, 0.05, false));
+}
+
+void TestDevicesFollowTheory::memorylessDevices()
+{
+    QFETCH(Chain, chain);
+    QFETCH(double, backOff);
+    QFETCH(QVector<double>, orders);
+    QFETCH(Stimulus, stimulus);
+    const Averaged measured = measureOverSeeds(chain, -backOff, stimulus, averagedSigma, 100);
+    QVERIFY(measured.sigma <= averagedSigma);
+    const double expected = theoryOf(stimulus, orders);
+    QVERIFY2(std::abs(measured.reading - expected) < tolerance,
+             qPrintable(QString("%1 dB, theory %2 dB").arg(measured.reading).arg(expected)));
+}
+
+void TestDevicesFollowTheory::converters_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<double>("loading");
+    QTest::addColumn<double>("beta");
+    QTest::newRow("6 bits, best") << 6 << bestLoading(6) << 1.0;
+    QTest::newRow("8 bits, rounding") << 8 << 5.0 << 0.5;
+    QTest::newRow("8 bits, clipping") << 8 << 3.0 << 1.0;
+    QTest::newRow("8 bits, clipping, half the band") << 8 << 3.0 << 0.5;
+    QTest::newRow("12 bits, rounding") << 12 << 7.0 << 0.8;
+    QTest::newRow("16 bits, rounding") << 16 << 8.0 << 1.0;
+}
+
+void TestDevicesFollowTheory::converters()
+{
+    QFETCH(int, bits);
+    QFETCH(double, loading);
+    QFETCH(double, beta);
+    const Stimulus played = stimulus(beta, 0.1, false);
+    const Averaged measured =
+        measureOverSeeds(converter(bits, loading), 0.0, played, averagedSigma, 400);
+    QVERIFY(measured.sigma <= averagedSigma);
+    const double expected = theoryOf(played, bits, loading);
+    QVERIFY2(std::abs(measured.reading - expected) < tolerance,
+             qPrintable(QString("%1 dB, theory %2 dB").arg(measured.reading).arg(expected)));
+}
+
+// Single readings of 40 seeds spread by their own sigma. The spread of 40 is itself known to a
+// ninth; three of these are allowed.
+void TestDevicesFollowTheory::aSingleReadingScattersAsItSays()
+{
+    const Stimulus played = stimulus(0.8, 0.02, false);
+    double sum = 0.0;
+    double squares = 0.0;
+    double sigma = 0.0;
+    constexpr int readings = 40;
+    for (int k = 0; k < readings; ++k) {
+        const Averaged single = measureSeed(chainWith("soft"), -5.0, played, unsigned(k + 1));
+        sum += single.reading;
+        squares += single.reading * single.reading;
+        sigma += single.sigma / readings;
+    }
+    const double spread = std::sqrt((squares - sum * sum / readings) / (readings - 1));
+    QVERIFY2(std::abs(spread / sigma - 1.0) < 0.34,
+             qPrintable(QString("%1 dB, expected %2 dB").arg(spread).arg(sigma)));
+}
+
+QTEST_APPLESS_MAIN(TestDevicesFollowTheory)
+#include "test_devices_follow_theory.moc"
