@@ -1,4 +1,4 @@
-// SCPI on its way into the simulator: pieces of a stream, lines, units, both faces of the bench.
+// SCPI on its way into the simulator: pieces of a stream, lines, units, all faces of the bench.
 // The first byte of an input is the size of the pieces.
 #include "fuzz/input_file.h"
 #include "simulator/line_buffer.h"
@@ -15,7 +15,9 @@ void carryOut(const ReceivedLine& line, ScpiSession& session)
         std::abort();
     }
     for (const ScpiUnit& unit : scpiUnits(line.text)) {
-        (void)ScpiSession::startsSweep(unit);
+        (void)session.startsSweep(unit);
+        (void)ScpiSession::waitsForCompletion(unit);
+        (void)ScpiSession::asksForResult(unit);
         session.run(unit);
     }
     (void)session.takeAnswers();
@@ -32,8 +34,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const QByteArray stream = bytesOf(data + 1, size - 1);
     Bench bench{BenchWiring()};
     bench.play({{1.0, -0.5, 0.25, 0.0}, {0.0, 0.5, -0.25, 1.0}, 1e6});
-    for (const BenchFace face : {BenchFace::GeneratorAndAnalyzer, BenchFace::Microwave}) {
-        ScpiSession session(bench, face, "B15,B23");
+    BenchModels models;
+    models.options = "B15,B23";
+    for (const BenchFace face : {BenchFace::GeneratorAndAnalyzer, BenchFace::Generator,
+                                 BenchFace::Analyzer, BenchFace::Microwave}) {
+        SimulatedInstrument instrument(bench, face, models);
+        ScpiSession session(instrument);
         LineBuffer lines;
         for (int at = 0; at < stream.size(); at += pieceSize) {
             lines.append(stream.mid(at, pieceSize));

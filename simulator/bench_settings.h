@@ -43,7 +43,10 @@ struct SimulatedAnalyzer
     double channelBandwidth = 1e6;
     double adjacentBandwidth = 1e6;
     double channelSpacing = 2e6;
-    bool relativeChannels = true; // adjacent channels in dB of the reference, else in dBm
+    bool channelWidthSet = false;      // since the last reset
+    bool channelSpacingSet = false;    // since the last reset
+    bool channelPowerSelected = false; // as the measurement, since the last reset
+    bool relativeChannels = true;      // adjacent channels in dB of the reference, else in dBm
 };
 
 // The attenuation in use, dB: the instrument's choice follows the reference level in steps of 10.
@@ -52,6 +55,25 @@ inline double usedAttenuation(const SimulatedAnalyzer& analyzer)
     return analyzer.attenuation.automatic
                ? std::clamp(10.0 * std::ceil((analyzer.referenceLevel + 20.0) / 10.0), 10.0, 70.0)
                : analyzer.attenuation.value;
+}
+
+// Time of a sweep in seconds. Chosen by the instrument it follows the filters, which need a time of
+// 1/bandwidth for a step of bandwidth; a resolution filter that it chooses too is a fiftieth of
+// the span.
+inline double usedSweepTime(const SimulatedAnalyzer& analyzer)
+{
+    if (!analyzer.sweepTime.automatic) {
+        return analyzer.sweepTime.value;
+    }
+    const double resolution = analyzer.resolutionBandwidth.automatic
+                                  ? analyzer.span / 50.0
+                                  : analyzer.resolutionBandwidth.value;
+    const double video =
+        analyzer.videoBandwidth.automatic ? resolution : analyzer.videoBandwidth.value;
+    const double needed = analyzer.span / (resolution * std::min(resolution, video));
+    constexpr double shortest = 0.001;
+    constexpr double longest = 16000.0;
+    return needed > shortest ? std::min(needed, longest) : shortest; // 0/0 too
 }
 
 // Peak level in dBm above which the analyzer compresses. Its mixer takes 10 dBm behind the

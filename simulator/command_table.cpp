@@ -1,33 +1,22 @@
 #include "simulator/command_table.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 using Settings = BenchSettings;
 
-struct Range
-{
-    double lowest;
-    double highest;
-};
+using RangeOf = Range Ranges::*;
 
-constexpr Range generatorFrequencies{0.0, 1e12};
-// Below zero too: a notch below the carrier of an analyzer that stands at 0 Hz is asked for so.
-constexpr Range analyzerFrequencies{-1e12, 1e12};
-constexpr Range widths{0.0, 1e12};
-constexpr Range levels{-200.0, 100.0};
-constexpr Range attenuations{0.0, 200.0};
-constexpr Range times{0.0, 1e6};
-
-ScpiError readNumber(const QByteArray& argument, Range range, double& to)
+ScpiError readNumber(const QByteArray& argument, const Range& range, double& to)
 {
     bool isNumber = false;
     const double value = argument.toDouble(&isNumber);
     if (!isNumber) {
-        return argument.isEmpty() ? ScpiError::MissingParameter : ScpiError::DataType;
+        return ScpiError::DataType;
     }
-    if (!(value >= range.lowest && value <= range.highest)) {
+    if (!range.holds(value)) {
         return ScpiError::OutOfRange;
     }
     to = value;
@@ -39,7 +28,7 @@ ScpiError readSwitch(const QByteArray& argument, bool& to)
     const QByteArray word = argument.toUpper();
     const bool on = word == "ON" || word == "1";
     if (!on && word != "OFF" && word != "0") {
-        return argument.isEmpty() ? ScpiError::MissingParameter : ScpiError::IllegalValue;
+        return ScpiError::IllegalValue;
     }
     to = on;
     return ScpiError::None;
@@ -59,19 +48,19 @@ using NumberIn = double& (*)(Settings& settings);
 using SwitchIn = bool& (*)(Settings& settings);
 using AutomaticIn = AutomaticNumber& (*)(Settings& settings);
 
-SettingCommand number(const char* pattern, Range range, NumberIn in)
+SettingCommand number(const char* pattern, RangeOf range, NumberIn in)
 {
-    return {ScpiPattern(pattern),
-            [range, in](Settings& settings, const QByteArray& argument) {
-                return readNumber(argument, range, in(settings));
+    return {ScpiPattern(pattern), 1,
+            [range, in](Settings& settings, const QByteArray& argument, const Ranges& ranges) {
+                return readNumber(argument, ranges.*range, in(settings));
             },
             [in](Settings& settings) { return numberText(in(settings)); }};
 }
 
 SettingCommand onOff(const char* pattern, SwitchIn in)
 {
-    return {ScpiPattern(pattern),
-            [in](Settings& settings, const QByteArray& argument) {
+    return {ScpiPattern(pattern), 1,
+            [in](Settings& settings, const QByteArray& argument, const Ranges& /*ranges*/) {
                 return readSwitch(argument, in(settings));
             },
             [in](Settings& settings) { return switchText(in(settings)); }};
@@ -80,20 +69,37 @@ SettingCommand onOff(const char* pattern, SwitchIn in)
 // A header that carries its state as its last word, as in "LEV:ON".
 SettingCommand stateWord(const char* pattern, bool state, SwitchIn in)
 {
-    return {ScpiPattern(pattern),
-            [state, in](Settings& settings, const QByteArray& /*argument*/) {
-                in(settings) = state;
-                return ScpiError::None;
-            },
-            [state, in](Settings& settings) { return switchText(in(settings) == state); }};
+    return {
+        ScpiPattern(pattern), 0,
+        [state, in](Settings& settings, const QByteArray& /*argument*/, const Ranges& /*ranges*/) {
+            in(settings) = state;
+            return ScpiError::None;
+        },
+        [state, in](Settings& settings) { return switchText(in(settings) == state); }};
+}
+
+// A number that has an effect of its own when it is set.
+SettingCommand numberThat(const char* pattern, RangeOf range, NumberIn in,
+                          void (*afterwards)(Settings& settings))
+{
+    SettingCommand row = number(pattern, range, in);
+    row.set = [range, in, afterwards](Settings& settings, const QByteArray& argument,
+                                      const Ranges& ranges) {
+        const ScpiError error = readNumber(argument, ranges.*range, in(settings));
+        if (error == ScpiError::None) {
+            afterwards(settings);
+        }
+        return error;
+    };
+    return row;
 }
 
 // A number that, once set, is no longer the instrument's choice.
-SettingCommand automaticNumber(const char* pattern, Range range, AutomaticIn in)
+SettingCommand automaticNumber(const char* pattern, RangeOf range, AutomaticIn in)
 {
-    return {ScpiPattern(pattern),
-            [range, in](Settings& settings, const QByteArray& argument) {
-                const ScpiError error = readNumber(argument, range, in(settings).value);
+    return {ScpiPattern(pattern), 1,
+            [range, in](Settings& settings, const QByteArray& argument, const Ranges& ranges) {
+                const ScpiError error = readNumber(argument, ranges.*range, in(settings).value);
                 in(settings).automatic &= error != ScpiError::None;
                 return error;
             },
@@ -102,8 +108,8 @@ SettingCommand automaticNumber(const char* pattern, Range range, AutomaticIn in)
 
 SettingCommand automaticChoice(const char* pattern, AutomaticIn in)
 {
-    return {ScpiPattern(pattern),
-            [in](Settings& settings, const QByteArray& argument) {
+    return {ScpiPattern(pattern), 1,
+            [in](Settings& settings, const QByteArray& argument, const Ranges& /*ranges*/) {
                 return readSwitch(argument, in(settings).automatic);
             },
             [in](Settings& settings) { return switchText(in(settings).automatic); }};
@@ -112,8 +118,8 @@ SettingCommand automaticChoice(const char* pattern, AutomaticIn in)
 // A setting with the one value that the simulated instrument can do.
 SettingCommand only(const char* pattern, const char* value)
 {
-    return {ScpiPattern(pattern),
-            [value](Settings& /*settings*/, const QByteArray& argument) {
+    return {ScpiPattern(pattern), 1,
+            [value](Settings& /*settings*/, const QByteArray& argument, const Ranges& /*ranges*/) {
                 return argument.toUpper() == value ? ScpiError::None : ScpiError::IllegalValue;
             },
             [value](Settings& /*settings*/) { return QByteArray(value); }};
@@ -122,29 +128,51 @@ SettingCommand only(const char* pattern, const char* value)
 // Two words for a switch that has names.
 SettingCommand eitherWord(const char* pattern, const char* on, const char* off, SwitchIn in)
 {
-    return {ScpiPattern(pattern),
-            [on, off, in](Settings& settings, const QByteArray& argument) {
-                const ScpiPattern onWord(on);
-                if (!onWord.matches(argument) && !ScpiPattern(off).matches(argument)) {
-                    return ScpiError::IllegalValue;
-                }
-                in(settings) = onWord.matches(argument);
-                return ScpiError::None;
-            },
-            [on, off, in](Settings& settings) { return QByteArray(in(settings) ? on : off); }};
+    return {
+        ScpiPattern(pattern), 1,
+        [on, off, in](Settings& settings, const QByteArray& argument, const Ranges& /*ranges*/) {
+            const ScpiPattern onWord(on);
+            if (!onWord.matches(argument) && !ScpiPattern(off).matches(argument)) {
+                return ScpiError::IllegalValue;
+            }
+            in(settings) = onWord.matches(argument);
+            return ScpiError::None;
+        },
+        [on, off, in](Settings& settings) { return QByteArray(in(settings) ? on : off); }};
 }
 
 // A level of its own takes the place of what comes through the IF input: models without a switch
 // for the input are sent nothing else.
 SettingCommand ownLevel(const char* pattern)
 {
-    return {ScpiPattern(pattern),
-            [](Settings& settings, const QByteArray& argument) {
-                const ScpiError error = readNumber(argument, levels, settings.microwave.level);
-                settings.microwave.ifInput &= error != ScpiError::None;
-                return error;
-            },
-            [](Settings& settings) { return numberText(settings.microwave.level); }};
+    return numberThat(
+        pattern, &Ranges::level,
+        [](Settings& settings) -> double& { return settings.microwave.level; },
+        [](Settings& settings) { settings.microwave.ifInput = false; });
+}
+
+// The measurement that adjacent channel power must be selected for.
+SettingCommand channelPowerSelection(const char* pattern)
+{
+    SettingCommand row = only(pattern, "ACP");
+    row.set = [](Settings& settings, const QByteArray& argument, const Ranges& /*ranges*/) {
+        const bool known = argument.toUpper() == "ACP";
+        settings.analyzer.channelPowerSelected |= known;
+        return known ? ScpiError::None : ScpiError::IllegalValue;
+    };
+    return row;
+}
+
+SettingCommand knownTo(quint32 dialects, SettingCommand row)
+{
+    row.dialects = dialects;
+    return row;
+}
+
+SettingCommand needing(std::vector<QByteArray> anyOption, SettingCommand row)
+{
+    row.anyOption = std::move(anyOption);
+    return row;
 }
 
 double& generatorFrequency(Settings& settings)
@@ -191,39 +219,49 @@ AutomaticNumber& sweepTime(Settings& settings)
 
 const SettingTable& generatorSettings()
 {
+    using namespace Dialect;
+    constexpr quint32 plain = rigl | denb | cyg | kauA;
+    constexpr quint32 secondPath = phdB | kauB;
+    constexpr quint32 digital = denb | phdB | cyg;
     static const SettingTable table{
-        number("FREQuency[:CW]", generatorFrequencies, generatorFrequency),
-        number("RF", generatorFrequencies, generatorFrequency),
-        number("SOURce2:FREQuency[:CW]", generatorFrequencies, generatorFrequency),
-        number("POWer[:LEVel]", levels, generatorLevel),
-        number("L", levels, generatorLevel),
-        number("SOURce2:POWer[:LEVel]", levels, generatorLevel),
-        onOff("OUTPut[:STATe]", generatorOutput),
-        onOff("OUTPut2[:STATe]", generatorOutput),
-        stateWord("LEV:ON", true, generatorOutput),
-        stateWord("LEV:OFF", false, generatorOutput),
-        stateWord("L:ON", true, generatorOutput),
-        stateWord("L:OFF", false, generatorOutput),
-        onOff("IQ:STATe", iqModulation),
-        stateWord("IQ:ON", true, iqModulation),
-        stateWord("IQ:OFF", false, iqModulation),
-        onOff("DM:IQ:STATe", iqModulation),
-        only("DM:IQ:PRAM", "OFF"),
+        knownTo(plain, number("FREQuency[:CW]", &Ranges::frequency, generatorFrequency)),
+        knownTo(lyr | altair, number("RF", &Ranges::frequency, generatorFrequency)),
+        knownTo(secondPath,
+                number("SOURce2:FREQuency[:CW]", &Ranges::frequency, generatorFrequency)),
+        knownTo(plain, number("POWer[:LEVel]", &Ranges::level, generatorLevel)),
+        knownTo(lyr | altair, number("L", &Ranges::level, generatorLevel)),
+        knownTo(secondPath, number("SOURce2:POWer[:LEVel]", &Ranges::level, generatorLevel)),
+        knownTo(plain, onOff("OUTPut[:STATe]", generatorOutput)),
+        knownTo(secondPath, onOff("OUTPut2[:STATe]", generatorOutput)),
+        knownTo(lyr, stateWord("LEV:ON", true, generatorOutput)),
+        knownTo(lyr, stateWord("LEV:OFF", false, generatorOutput)),
+        knownTo(altair, stateWord("L:ON", true, generatorOutput)),
+        knownTo(altair, stateWord("L:OFF", false, generatorOutput)),
+        knownTo(rigl, onOff("IQ:STATe", iqModulation)),
+        knownTo(altair, stateWord("IQ:ON", true, iqModulation)),
+        knownTo(altair, stateWord("IQ:OFF", false, iqModulation)),
+        knownTo(digital, onOff("DM:IQ:STATe", iqModulation)),
+        knownTo(digital, only("DM:IQ:PRAM", "OFF")),
     };
     return table;
 }
 
 const SettingTable& microwaveSettings()
 {
+    using namespace Dialect;
     static const SettingTable table{
-        number("FREQuency[:CW]", generatorFrequencies,
+        number("FREQuency[:CW]", &Ranges::frequency,
                [](Settings& settings) -> double& { return settings.microwave.frequency; }),
         onOff("OUTPut[:STATe]",
               [](Settings& settings) -> bool& { return settings.microwave.output; }),
-        onOff("INPut:IF:STATe",
-              [](Settings& settings) -> bool& { return settings.microwave.ifInput; }),
-        number("OUTPut:ATTenuation", attenuations,
-               [](Settings& settings) -> double& { return settings.microwave.attenuation; }),
+        knownTo(zub, needing({"B23", "B24"}, onOff("INPut:IF:STATe",
+                                                   [](Settings& settings) -> bool& {
+                                                       return settings.microwave.ifInput;
+                                                   }))),
+        knownTo(zub, needing({"B15", "B17"}, number("OUTPut:ATTenuation", &Ranges::attenuation,
+                                                    [](Settings& settings) -> double& {
+                                                        return settings.microwave.attenuation;
+                                                    }))),
         ownLevel("POWer[:LEVel]"),
     };
     return table;
@@ -232,42 +270,47 @@ const SettingTable& microwaveSettings()
 const SettingTable& analyzerSettings()
 {
     static const SettingTable table{
-        number("[SENSe:]FREQuency:CENTer", analyzerFrequencies,
+        number("[SENSe:]FREQuency:CENTer", &Ranges::frequency,
                [](Settings& settings) -> double& { return settings.analyzer.centerFrequency; }),
-        number("[SENSe:]FREQuency:SPAN", widths,
+        number("[SENSe:]FREQuency:SPAN", &Ranges::span,
                [](Settings& settings) -> double& { return settings.analyzer.span; }),
-        number("DISPlay[:WINDow]:TRACe:Y[:SCALe]:RLEVel", levels,
+        number("DISPlay[:WINDow]:TRACe:Y[:SCALe]:RLEVel", &Ranges::level,
                [](Settings& settings) -> double& { return settings.analyzer.referenceLevel; }),
-        automaticNumber("INPut:ATTenuation", attenuations, attenuation),
+        automaticNumber("INPut:ATTenuation", &Ranges::attenuation, attenuation),
         automaticChoice("INPut:ATTenuation:AUTO", attenuation),
-        automaticNumber("[SENSe:]BANDwidth[:RESolution]", widths, resolutionBandwidth),
+        automaticNumber("[SENSe:]BANDwidth[:RESolution]", &Ranges::bandwidth, resolutionBandwidth),
         automaticChoice("[SENSe:]BANDwidth[:RESolution]:AUTO", resolutionBandwidth),
-        automaticNumber("[SENSe:]BANDwidth:VIDeo", widths, videoBandwidth),
+        automaticNumber("[SENSe:]BANDwidth:VIDeo", &Ranges::bandwidth, videoBandwidth),
         automaticChoice("[SENSe:]BANDwidth:VIDeo:AUTO", videoBandwidth),
-        automaticNumber("[SENSe:]SWEep:TIME", times, sweepTime),
+        automaticNumber("[SENSe:]SWEep:TIME", &Ranges::sweepTime, sweepTime),
         automaticChoice("[SENSe:]SWEep:TIME:AUTO", sweepTime),
         onOff("INITiate:CONTinuous",
               [](Settings& settings) -> bool& { return settings.analyzer.continuousSweep; }),
-        number("[SENSe:]POWer:ACHannel:BWIDth[:CHANnel]", widths,
-               [](Settings& settings) -> double& { return settings.analyzer.channelBandwidth; }),
-        number("[SENSe:]POWer:ACHannel:BWIDth:ACHannel", widths,
+        numberThat(
+            "[SENSe:]POWer:ACHannel:BWIDth[:CHANnel]", &Ranges::span,
+            [](Settings& settings) -> double& { return settings.analyzer.channelBandwidth; },
+            [](Settings& settings) { settings.analyzer.channelWidthSet = true; }),
+        number("[SENSe:]POWer:ACHannel:BWIDth:ACHannel", &Ranges::span,
                [](Settings& settings) -> double& { return settings.analyzer.adjacentBandwidth; }),
-        number("[SENSe:]POWer:ACHannel:SPACing", widths,
-               [](Settings& settings) -> double& { return settings.analyzer.channelSpacing; }),
+        numberThat(
+            "[SENSe:]POWer:ACHannel:SPACing", &Ranges::span,
+            [](Settings& settings) -> double& { return settings.analyzer.channelSpacing; },
+            [](Settings& settings) { settings.analyzer.channelSpacingSet = true; }),
         eitherWord("[SENSe:]POWer:ACHannel:MODE", "RELative", "ABSolute",
                    [](Settings& settings) -> bool& { return settings.analyzer.relativeChannels; }),
         only("[SENSe:]POWer:ACHannel:ACPairs", "1"),
         only("[SENSe:]DETector:FUNCtion", "RMS"),
-        only("CALCulate:MARKer:FUNCtion:POWer:SELect", "ACP"),
+        channelPowerSelection("CALCulate:MARKer:FUNCtion:POWer:SELect"),
         only("CALCulate:MARKer:FUNCtion:POWer:RESult:PHZ", "OFF"),
     };
     return table;
 }
 
-const SettingCommand* findSetting(const SettingTable& table, const QByteArray& header)
+const SettingCommand* findSetting(const SettingTable& table, const QByteArray& header,
+                                  quint32 dialects)
 {
-    const auto row = std::find_if(table.begin(), table.end(), [&header](const SettingCommand& it) {
-        return it.pattern.matches(header);
+    const auto row = std::find_if(table.begin(), table.end(), [&](const SettingCommand& it) {
+        return (it.dialects & dialects) != 0 && it.pattern.matches(header);
     });
     return row == table.end() ? nullptr : &*row;
 }

@@ -6,9 +6,10 @@
 #include <QCoreApplication>
 
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
+
+enum ExitStatus { CannotStart = 1, WrongUsage = 2 };
 
 void writeLine(std::FILE* stream, const QString& text)
 {
@@ -16,10 +17,28 @@ void writeLine(std::FILE* stream, const QString& text)
     std::fflush(stream); // a program may be waiting at the other end of a pipe
 }
 
-int fail(const QString& text)
+int fail(ExitStatus status, const QString& text)
 {
     writeLine(stderr, "notchbench-simulator: " + text);
-    return EXIT_FAILURE;
+    return status;
+}
+
+int run(const SimulatorOptions& options)
+{
+    Simulator simulator(options);
+    const auto toStandardError = [](const QString& text) { writeLine(stderr, text); };
+    QObject::connect(&simulator, &Simulator::told, &simulator, toStandardError);
+    if (options.verbose) {
+        QObject::connect(&simulator, &Simulator::logged, &simulator, toStandardError);
+    }
+    QString errorText;
+    if (!simulator.start(errorText)) {
+        return fail(CannotStart, errorText);
+    }
+    for (const QString& place : simulator.places()) {
+        writeLine(stdout, place);
+    }
+    return QCoreApplication::exec();
 }
 
 } // namespace
@@ -35,20 +54,16 @@ int main(int argc, char* argv[])
 
     QCommandLineParser parser;
     addSimulatorOptions(parser);
-    parser.process(application);
+    if (!parser.parse(QCoreApplication::arguments())) {
+        return fail(WrongUsage, parser.errorText());
+    }
+    if (parser.isSet("help")) {
+        parser.showHelp();
+    }
+    if (parser.isSet("version")) {
+        parser.showVersion();
+    }
     QString errorText;
     const std::optional<SimulatorOptions> options = readSimulatorOptions(parser, errorText);
-    if (!options) {
-        return fail(errorText);
-    }
-    Simulator simulator(*options);
-    if (options->verbose) {
-        QObject::connect(&simulator, &Simulator::logged, &simulator,
-                         [](const QString& text) { writeLine(stderr, text); });
-    }
-    if (!simulator.start(errorText)) {
-        return fail(errorText);
-    }
-    writeLine(stdout, QStringLiteral("listening on 127.0.0.1:%1").arg(simulator.port()));
-    return QCoreApplication::exec();
+    return options ? run(*options) : fail(WrongUsage, errorText);
 }

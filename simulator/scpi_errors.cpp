@@ -13,15 +13,20 @@ struct ErrorText
 const ErrorText errorTexts[] = {
     {ScpiError::None, "No error"},
     {ScpiError::DataType, "Data type error"},
+    {ScpiError::ParameterNotAllowed, "Parameter not allowed"},
     {ScpiError::MissingParameter, "Missing parameter"},
     {ScpiError::UndefinedHeader, "Undefined header"},
+    {ScpiError::SettingsConflict, "Settings conflict"},
     {ScpiError::OutOfRange, "Data out of range"},
     {ScpiError::IllegalValue, "Illegal parameter value"},
+    {ScpiError::HardwareMissing, "Hardware missing"},
     {ScpiError::QueueOverflow, "Queue overflow"},
     {ScpiError::InputOverrun, "Input buffer overrun"},
 };
 
-QByteArray entry(ScpiError error, const QByteArray& context)
+} // namespace
+
+QByteArray errorEntry(ScpiError error, const QByteArray& context)
 {
     const auto* known = std::find_if(std::begin(errorTexts), std::end(errorTexts),
                                      [error](const ErrorText& row) { return row.error == error; });
@@ -31,8 +36,6 @@ QByteArray entry(ScpiError error, const QByteArray& context)
     }
     return text + '"';
 }
-
-} // namespace
 
 QByteArray printable(const QByteArray& bytes)
 {
@@ -46,16 +49,16 @@ QByteArray printable(const QByteArray& bytes)
 void ScpiErrorQueue::add(ScpiError error, const QByteArray& context)
 {
     if (entries.size() < capacity) {
-        entries.push_back(entry(error, context));
+        entries.push_back(errorEntry(error, context));
     } else {
-        entries.back() = entry(ScpiError::QueueOverflow, {});
+        entries.back() = errorEntry(ScpiError::QueueOverflow, {});
     }
 }
 
 QByteArray ScpiErrorQueue::takeOldest()
 {
     if (entries.empty()) {
-        return entry(ScpiError::None, {});
+        return errorEntry(ScpiError::None, {});
     }
     QByteArray oldest = entries.front();
     entries.pop_front();

@@ -1,7 +1,5 @@
 #include "simulator/scpi_server.h"
 
-#include "simulator/signal_client.h"
-
 #include <QHostAddress>
 
 #include <utility>
@@ -11,8 +9,6 @@ namespace {
 constexpr qint64 readSize = 65536;
 // A peer that asks on and on and never reads is dropped at so many unread bytes.
 constexpr qint64 mostUnreadAnswers = 1 << 20;
-// Less than a program waits for an answer.
-constexpr int sweepPatience = 2000; // ms
 
 QString peerName(const QTcpSocket& socket)
 {
@@ -21,37 +17,44 @@ QString peerName(const QTcpSocket& socket)
 
 } // namespace
 
-ScpiConnection::ScpiConnection(std::unique_ptr<QTcpSocket> peer, ScpiSession scpi,
-                               SignalClient* source, QObject* parent)
+ScpiConnection::ScpiConnection(std::unique_ptr<QIODevice> peer, const QString& peerName,
+                               SimulatedInstrument& instrument, Sweep* instrumentSweep,
+                               AnswerManner answerManner, QObject* parent)
     : QObject(parent),
-      socket(std::move(peer)),
-      session(std::move(scpi)),
-      signalSource(source),
-      name(peerName(*socket))
+      stream(std::move(peer)),
+      session(instrument),
+      sweep(instrumentSweep),
+      manner(answerManner),
+      name(peerName)
 {
-    socket->setReadBufferSize(readSize);
-    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // answers are short
-    patience.setSingleShot(true);
-    patience.setInterval(sweepPatience);
-    connect(socket.get(), &QTcpSocket::readyRead, this, &ScpiConnection::proceed);
-    connect(socket.get(), &QTcpSocket::disconnected, this, &ScpiConnection::closed);
-    connect(&patience, &QTimer::timeout, this, [this] { endSweep(awaitedPoll); });
-    if (signalSource != nullptr) {
-        connect(signalSource, &SignalClient::settled, this, &ScpiConnection::endSweep);
+    delay.setSingleShot(true);
+    delay.setInterval(manner.delay);
+    connect(stream.get(), &QIODevice::readyRead, this, &ScpiConnection::proceed);
+    connect(&delay, &QTimer::timeout, this, [this] {
+        sendAnswers();
+        proceed();
+    });
+    if (sweep != nullptr) {
+        connect(sweep, &Sweep::ended, this, [this] {
+            hasSweep = false;
+            if (std::exchange(awaitsSweep, false)) {
+                proceed();
+            }
+        });
     }
 }
 
-// The socket tells of its end while it is destroyed, when this is no connection any more.
+// The stream tells of its end while it is destroyed, when this is no connection any more.
 ScpiConnection::~ScpiConnection()
 {
-    socket->disconnect(this);
+    stream->disconnect();
 }
 
 void ScpiConnection::proceed()
 {
-    while (awaitedPoll == 0 && socket->isOpen()) {
+    while (!isHeldUp() && stream->isOpen()) {
         runUnits();
-        if (awaitedPoll == 0 && !takeLine()) {
+        if (!isHeldUp() && !takeLine()) {
             return;
         }
     }
@@ -61,8 +64,8 @@ void ScpiConnection::proceed()
 bool ScpiConnection::takeLine()
 {
     std::optional<ReceivedLine> line = lines.takeLine();
-    while (!line && socket->bytesAvailable() > 0) {
-        lines.append(socket->read(readSize));
+    while (!line && stream->bytesAvailable() > 0) {
+        lines.append(stream->read(readSize));
         line = lines.takeLine();
     }
     if (!line) {
@@ -70,7 +73,7 @@ bool ScpiConnection::takeLine()
     }
     emit logged(name + " << " + QString::fromLatin1(printable(line->text)));
     if (line->overrun) {
-        session.addError(ScpiError::InputOverrun, line->text);
+        session.refuse(ScpiError::InputOverrun, line->text);
     } else {
         units = scpiUnits(line->text);
     }
@@ -80,60 +83,65 @@ bool ScpiConnection::takeLine()
 void ScpiConnection::runUnits()
 {
     while (nextUnit < units.size()) {
-        const ScpiUnit& unit = units.at(nextUnit++);
-        session.run(unit);
-        if (ScpiSession::startsSweep(unit)) {
-            beginSweep();
-        }
-        if (awaitedPoll != 0) {
+        const ScpiUnit& unit = units.at(nextUnit);
+        awaitsSweep = mustAwaitSweep(unit);
+        if (awaitsSweep) {
             return;
+        }
+        ++nextUnit;
+        session.run(unit);
+        if (sweep != nullptr && session.startsSweep(unit)) {
+            hasSweep = true;
+            sweep->start();
         }
     }
     finishLine();
 }
 
-void ScpiConnection::beginSweep()
+// The standard's words wait for what this connection began: whoever sets the generator at a shared
+// address isn't held up by the analyzer.
+bool ScpiConnection::mustAwaitSweep(const ScpiUnit& unit) const
 {
-    awaitedPoll = signalSource != nullptr ? signalSource->refresh() : 0;
-    if (awaitedPoll != 0) {
-        patience.start();
-    }
-}
-
-void ScpiConnection::endSweep(quint64 poll)
-{
-    if (awaitedPoll == 0 || poll < awaitedPoll) {
-        return;
-    }
-    awaitedPoll = 0;
-    patience.stop();
-    proceed();
+    return sweep != nullptr && sweep->isRunning() &&
+           (ScpiSession::asksForResult(unit) ||
+            (hasSweep && ScpiSession::waitsForCompletion(unit)));
 }
 
 void ScpiConnection::finishLine()
 {
     units.clear();
     nextUnit = 0;
-    const QByteArray answers = session.takeAnswers();
-    if (answers.isEmpty()) {
+    answers = session.takeAnswers();
+    if (answers.isEmpty() || manner.silent) {
         return;
     }
-    emit logged(name + " >> " + QString::fromLatin1(printable(answers)));
-    socket->write(answers + '\n');
-    if (socket->bytesToWrite() > mostUnreadAnswers) {
-        socket->abort();
+    if (manner.dropsClient) {
+        emit mustEnd();
+    } else if (manner.delay > 0) {
+        delay.start();
+    } else {
+        sendAnswers();
     }
 }
 
-ScpiServer::ScpiServer(Bench& simulatedBench, BenchFace benchFace,
-                       const QByteArray& installedOptions, SignalClient* source, QObject* parent)
-    : QObject(parent),
-      bench(simulatedBench),
-      face(benchFace),
-      options(installedOptions),
-      signalSource(source)
+void ScpiConnection::sendAnswers()
 {
-    connect(&server, &QTcpServer::newConnection, this, &ScpiServer::acceptAll);
+    emit logged(name + " >> " + QString::fromLatin1(printable(answers)));
+    stream->write(answers + '\n');
+    if (stream->bytesToWrite() > mostUnreadAnswers) {
+        emit mustEnd();
+    }
+}
+
+ScpiServer::ScpiServer(SimulatedInstrument& simulated, Sweep* instrumentSweep, Clients howMany,
+                       AnswerManner answerManner, QObject* parent)
+    : QObject(parent),
+      instrument(simulated),
+      sweep(instrumentSweep),
+      clients(howMany),
+      manner(answerManner)
+{
+    connect(&server, &QTcpServer::newConnection, this, &ScpiServer::acceptWaiting);
 }
 
 bool ScpiServer::listen(const QHostAddress& address, quint16 port)
@@ -141,13 +149,38 @@ bool ScpiServer::listen(const QHostAddress& address, quint16 port)
     return server.listen(address, port);
 }
 
-void ScpiServer::acceptAll()
+void ScpiServer::acceptWaiting()
 {
-    while (std::unique_ptr<QTcpSocket> socket{server.nextPendingConnection()}) {
-        socket->setParent(nullptr);
-        auto* connection = new ScpiConnection(std::move(socket), ScpiSession(bench, face, options),
-                                              signalSource, this);
-        connect(connection, &ScpiConnection::logged, this, &ScpiServer::logged);
-        connect(connection, &ScpiConnection::closed, connection, &QObject::deleteLater);
+    while (clients == Clients::Any || clientCount == 0) {
+        std::unique_ptr<QTcpSocket> socket{server.nextPendingConnection()};
+        if (socket == nullptr) {
+            return;
+        }
+        serve(std::move(socket));
+    }
+}
+
+void ScpiServer::serve(std::unique_ptr<QTcpSocket> owned)
+{
+    QTcpSocket* const socket = owned.get();
+    socket->setParent(nullptr);
+    socket->setReadBufferSize(readSize);
+    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1); // answers are short
+    ++clientCount;
+    auto* connection =
+        new ScpiConnection(std::move(owned), peerName(*socket), instrument, sweep, manner, this);
+    connect(connection, &ScpiConnection::logged, this, &ScpiServer::logged);
+    connect(connection, &ScpiConnection::mustEnd, socket, &QTcpSocket::abort);
+    const auto end = [this, connection] {
+        --clientCount;
+        connection->deleteLater();
+        acceptWaiting();
+    };
+    connect(socket, &QTcpSocket::disconnected, connection, end);
+    // A client that had to wait may have spoken already, and may have gone.
+    const bool isGone = socket->state() == QAbstractSocket::UnconnectedState;
+    connection->proceed();
+    if (isGone) {
+        end();
     }
 }

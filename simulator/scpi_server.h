@@ -1,13 +1,15 @@
-// Instruments on TCP: any number of connections to one address of the bench.
+// Instruments on TCP or on a serial line: what connections have in common.
 //
-// A sweep ("INIT") first takes the newest signal: the connection that asked for it waits, the
-// others go on. Runs in the event loop of its thread; no connection can hold it up or make it
-// store more than a bounded number of bytes.
+// The sweep belongs to the instrument: a connection that waits for its end is held up, the others
+// go on. Runs in the event loop of its thread; no connection can hold it up or make it store more
+// than a bounded number of bytes.
 #pragma once
 
 #include "simulator/line_buffer.h"
 #include "simulator/scpi_session.h"
+#include "simulator/sweep.h"
 
+#include <QIODevice>
 #include <QObject>
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -15,52 +17,69 @@
 
 #include <memory>
 
-class SignalClient;
+// How an instrument deals with whoever asks it something, for trying what a program does then.
+struct AnswerManner
+{
+    int delay = 0;            // ms before each line of answers
+    bool silent = false;      // no answer at all
+    bool dropsClient = false; // ends the connection in place of an answer
+};
 
-// One connection: owns its socket.
+// One connection: owns its stream.
 class ScpiConnection : public QObject
 {
     Q_OBJECT
 
 public:
-    // source: where new signals come from; null when the signal never changes.
-    ScpiConnection(std::unique_ptr<QTcpSocket> peer, ScpiSession scpi, SignalClient* source,
+    // name: for the log. sweep may be null for an instrument without one.
+    ScpiConnection(std::unique_ptr<QIODevice> stream, const QString& name,
+                   SimulatedInstrument& instrument, Sweep* sweep, AnswerManner manner,
                    QObject* parent);
     ~ScpiConnection() override;
     ScpiConnection(const ScpiConnection&) = delete;
     ScpiConnection& operator=(const ScpiConnection&) = delete;
 
+    // Carries out what has come; called by itself for what comes later.
+    void proceed();
+
 signals:
     // One text a line that came and one an answer.
     void logged(const QString& text);
-    void closed();
+    // The connection must end: the peer asks on and on and never reads, or is to be dropped.
+    void mustEnd();
 
 private:
-    void proceed();
     bool takeLine();
     void runUnits();
-    void beginSweep();
-    void endSweep(quint64 poll);
+    bool mustAwaitSweep(const ScpiUnit& unit) const;
     void finishLine();
+    void sendAnswers();
+    bool isHeldUp() const { return awaitsSweep || delay.isActive(); }
 
-    std::unique_ptr<QTcpSocket> socket;
+    std::unique_ptr<QIODevice> stream;
     ScpiSession session;
-    SignalClient* signalSource;
-    const QString name; // for the log
+    Sweep* sweep;
+    const AnswerManner manner;
+    const QString name;
     LineBuffer lines;
     QVector<ScpiUnit> units; // of the line being carried out
     int nextUnit = 0;
-    quint64 awaitedPoll = 0; // 0: waiting for none
-    QTimer patience;         // for a signal that doesn't come
+    QByteArray answers;    // of the last line, not sent yet
+    bool hasSweep = false; // under way and begun here
+    bool awaitsSweep = false;
+    QTimer delay;
 };
+
+enum class Clients { Any, OneAtATime };
 
 class ScpiServer : public QObject
 {
     Q_OBJECT
 
 public:
-    // bench and source must outlive the server; source may be null.
-    ScpiServer(Bench& bench, BenchFace face, const QByteArray& options, SignalClient* source,
+    // instrument and sweep must outlive the server; sweep may be null. Of one client at a time the
+    // second waits until the first has gone.
+    ScpiServer(SimulatedInstrument& instrument, Sweep* sweep, Clients clients, AnswerManner manner,
                QObject* parent = nullptr);
 
     // Port 0 takes any free one. False when the address is taken; errorText tells.
@@ -72,11 +91,13 @@ signals:
     void logged(const QString& text);
 
 private:
-    void acceptAll();
+    void acceptWaiting();
+    void serve(std::unique_ptr<QTcpSocket> socket);
 
-    Bench& bench;
-    const BenchFace face;
-    const QByteArray options;
-    SignalClient* signalSource;
+    SimulatedInstrument& instrument;
+    Sweep* sweep;
+    const Clients clients;
+    const AnswerManner manner;
+    int clientCount = 0;
     QTcpServer server;
 };

@@ -1,60 +1,57 @@
-// What one connection says to the bench and is answered: the meaning of SCPI units. No socket.
+// What one connection says to an instrument and is answered: the meaning of SCPI units. No socket.
 //
-// The signal generator and the analyzer share an address and tell themselves apart by their words;
+// Where signal generator and analyzer share an address they tell themselves apart by their words;
 // the microwave generator has an address of its own, since it uses the signal generator's words.
 //
 // To add a query or an action: a row in the table of scpi_session.cpp. For a setting see
 // command_table.h.
 #pragma once
 
-#include "simulator/bench.h"
-#include "simulator/scpi_errors.h"
+#include "simulator/command_table.h"
+#include "simulator/instrument.h"
 #include "simulator/scpi_text.h"
-
-struct SettingCommand;
-
-// Which instruments stand behind an address.
-enum class BenchFace { GeneratorAndAnalyzer, Microwave };
 
 class ScpiSession
 {
 public:
-    // bench must outlive the session. options: the answer to "*OPT?".
-    ScpiSession(Bench& bench, BenchFace face, const QByteArray& options);
+    // The instrument must outlive the session.
+    explicit ScpiSession(SimulatedInstrument& instrument);
 
-    // Whether the unit starts a sweep, which is to see the newest signal.
-    static bool startsSweep(const ScpiUnit& unit);
+    // Whether the unit starts a sweep of this instrument.
+    bool startsSweep(const ScpiUnit& unit) const;
 
-    // Carries the unit out. What isn't understood leaves an error in the queue and nothing else.
+    // Whether the unit is one of the standard's that wait for what is under way.
+    static bool waitsForCompletion(const ScpiUnit& unit);
+
+    // Whether the unit asks for what a sweep has measured.
+    static bool asksForResult(const ScpiUnit& unit);
+
+    // Carries the unit out. What is refused leaves an error in the queue and nothing else.
     void run(const ScpiUnit& unit);
 
     // The answers to the queries since the last call, divided by ";"; empty when there was none.
     QByteArray takeAnswers();
 
-    void addError(ScpiError error, const QByteArray& context) { errors.add(error, context); }
+    void refuse(ScpiError error, const QByteArray& context);
 
 private:
     friend struct SessionCommand;
 
-    enum class Instrument { Unknown, Generator, Analyzer };
+    enum class Spoken { ToNobody, ToGenerator, ToAnalyzer };
 
+    StatusModel& status() { return instrument.status; }
     bool runCommand(const ScpiUnit& unit);
-    bool runSetting(const ScpiUnit& unit, const SettingCommand* row);
+    bool runSetting(const ScpiUnit& unit, const SettingTable& table, const InstrumentType& type,
+                    const char* who);
+    ScpiError set(const ScpiUnit& unit, const SettingCommand& row, const InstrumentType& type);
+    bool hasOptionFor(const SettingCommand& row) const;
     void answer(const QByteArray& text);
-
-    void answerIdentity();
-    void answerOptions();
-    void answerOne();
-    void answerOldestError();
-    void answerChannelPower();
-    void clearErrors();
+    void answerNumber(int number) { answer(QByteArray::number(number)); }
+    ScpiError setRegister(quint8& to, const QByteArray& argument);
+    ScpiError answerChannelPower(const QByteArray& argument);
     void reset();
-    void nothing() {}
 
-    Bench& bench;
-    const BenchFace face;
-    const QByteArray options;
-    ScpiErrorQueue errors;
+    SimulatedInstrument& instrument;
     QByteArray answers;
-    Instrument spokenTo = Instrument::Unknown; // by the settings so far
+    Spoken spoken = Spoken::ToNobody; // by the settings so far
 };

@@ -1,15 +1,18 @@
 #include "simulator/simulator_options.h"
 
+#include "dut/chain_figures.h"
+
 #include <QCommandLineParser>
 #include <QHostAddress>
 
+#include <cmath>
 #include <stdexcept>
 
 namespace {
 
-constexpr double mostDecibels = 300.0;
+using Options = SimulatorOptions;
 
-// A numeric option: its name, its bounds and where it goes.
+// A numeric option that is no figure of the chain.
 struct NumberOption
 {
     const char* name;
@@ -18,114 +21,250 @@ struct NumberOption
     double lowest;
     double highest;
     bool whole;
-    void (*store)(SimulatorOptions& options, double value);
+    void (*store)(Options& options, double value);
+
+    bool allows(double value) const
+    {
+        return value >= lowest && value <= highest && (!whole || value == std::floor(value));
+    }
 };
 
 const NumberOption numberOptions[] = {
-    {"port", "PORT", "Port for SCPI (default 5025; 0 takes any free one).", 0, 65535, true,
-     [](SimulatorOptions& o, double v) { o.port = static_cast<quint16>(v); }},
     {"signal-port", "PORT",
      "Port of the program's status server on 127.0.0.1, whose signal is played (default 1000).", 1,
-     65535, true, [](SimulatorOptions& o, double v) { o.signalPort = static_cast<quint16>(v); }},
-    {"saturation", "DBM", "rapp: output power at saturation in dBm (default 10).", -mostDecibels,
-     mostDecibels, false,
-     [](SimulatorOptions& o, double v) { o.wiring.chain.device.saturationPower = v; }},
-    {"smoothness", "P", "rapp: smoothness of the bend, 0.1 to 100, larger is harder (default 2).",
-     0.1, 100, false, [](SimulatorOptions& o, double v) { o.wiring.chain.device.smoothness = v; }},
-    {"intercept", "DBM",
-     "cubic: third-order intercept, power of one of two tones, in dBm "
-     "(default 20).",
-     -mostDecibels, mostDecibels, false,
-     [](SimulatorOptions& o, double v) { o.wiring.chain.device.thirdOrderIntercept = v; }},
-    {"bits", "N", "adc: resolution in bits, 1 to 24 (default 12).", 1, 24, true,
-     [](SimulatorOptions& o, double v) { o.wiring.chain.device.bits = static_cast<int>(v); }},
-    {"loading", "FACTOR",
-     "adc: full scale over the rms of one component, 0.01 to 1000 (default 5).", 0.01, 1000, false,
-     [](SimulatorOptions& o, double v) { o.wiring.chain.device.loadingFactor = v; }},
-    {"noise-floor", "DBM_HZ", "Noise of the analyzer in dBm/Hz (default: none).", -mostDecibels,
-     mostDecibels, false, [](SimulatorOptions& o, double v) { o.wiring.chain.noiseFloor = v; }},
+     65535, true, [](Options& o, double v) { o.signalPort = static_cast<quint16>(v); }},
+    {"port", "PORT", "Port for SCPI (default 5025; 0 takes any free one).", 0, 65535, true,
+     [](Options& o, double v) { o.port = static_cast<quint16>(v); }},
+    {"delay", "SECONDS", "Wait so long before each answer, 0 to 3600.", 0, 3600, false,
+     [](Options& o, double v) { o.manner.delay = static_cast<int>(std::lround(1000.0 * v)); }},
 };
 
-double checkedNumber(const NumberOption& option, const QString& text)
+struct TextOption
 {
+    const char* name;
+    const char* valueName;
+    const char* description;
+    // False for a value that is no good.
+    bool (*store)(Options& options, const QString& value);
+};
+
+bool takeAddress(QString& to, const QString& text)
+{
+    to = text;
+    return !QHostAddress(text).isNull();
+}
+
+bool takeType(const InstrumentType*& to, const std::vector<InstrumentType>& types,
+              const QString& name)
+{
+    to = name.isEmpty() ? nullptr : findType(types, name);
+    return to != nullptr;
+}
+
+bool takeRipple(Options& options, const QString& text)
+{
+    const std::optional<Ripple> ripple = rippleOf(text, ',');
+    options.wiring.chain.ripple = ripple.value_or(Ripple());
+    return ripple.has_value();
+}
+
+const TextOption deviceOption{
+    "dut", "DEVICE",
+    "Device under test: \"linear\", \"rapp\" (an amplifier that saturates), \"soft\" (linear up to "
+    "its saturation), \"saleh\" (a travelling-wave tube that turns the phase too), \"cubic\" "
+    "(third-order distortion) or \"adc\" (a pair of converters) (default linear).",
+    [](Options& o, const QString& text) {
+        o.wiring.chain.device.name = text;
+        return deviceNames().contains(text);
+    }};
+
+const TextOption chainOptions[] = {
+    {"ripple", "DB,PERIOD_HZ",
+     "Ripple of the cables in front of the device: so many dB from top to bottom, once up and down "
+     "every so many Hz, highest at the carrier.",
+     takeRipple},
+    {"write-trace", "FILE",
+     "Write the ripple there whenever a signal comes, as the analyzer trace that \"Load SAN Mag\" "
+     "reads.",
+     [](Options& o, const QString& text) {
+         o.traceFile = text;
+         return !text.isEmpty();
+     }},
+    {"waveform", "FILE", "Play this saved .wv file in place of the program's signal.",
+     [](Options& o, const QString& text) {
+         o.waveformFile = text;
+         return !text.isEmpty();
+     }},
+};
+
+const TextOption instrumentOptions[] = {
+    {"generator", "ADDRESS",
+     "Give the signal generator an address of its own, such as 127.0.0.2, with one client at a "
+     "time.",
+     [](Options& o, const QString& text) { return takeAddress(o.generatorAddress, text); }},
+    {"analyzer", "ADDRESS", "The same for the analyzer.",
+     [](Options& o, const QString& text) { return takeAddress(o.analyzerAddress, text); }},
+    {"microwave", "ADDRESS",
+     "Put a microwave generator into the chain, which listens on this address, such as 127.0.0.4, "
+     "one client at a time, and whose frequency adds to the generator's.",
+     [](Options& o, const QString& text) {
+         o.wiring.hasMicrowave = true;
+         return takeAddress(o.microwaveAddress, text);
+     }},
+    {"generator-type", "TYPE",
+     "Signal generator that knows the words of one model alone and has its ranges: RIGL, LYR, "
+     "ALTAIR, DENB, ORI, PHD(A), PHD(B), CYG, KAU(A) or KAU(B) (default: the words of all).",
+     [](Options& o, const QString& text) {
+         return takeType(o.models.generator, generatorTypes(), text);
+     }},
+    {"analyzer-type", "TYPE",
+     "Analyzer with the name, ranges and options of a model: ARA, HYA, ANTA, MUS, DOR, CRU, IND, "
+     "GRU or NOR (default: the widest ranges).",
+     [](Options& o, const QString& text) {
+         return takeType(o.models.analyzer, analyzerTypes(), text);
+     }},
+    {"microwave-type", "TYPE",
+     "Microwave generator that knows the words of one model alone and has its ranges: TAU or ZUB "
+     "(default: the words of both).",
+     [](Options& o, const QString& text) {
+         return takeType(o.models.microwave, microwaveTypes(), text);
+     }},
+    {"opt", "TEXT",
+     "Answer to \"*OPT?\" (default: the model's; without a model B15,B17,B23,B24: attenuator and "
+     "IF input).",
+     [](Options& o, const QString& text) {
+         o.models.options = text.toLatin1();
+         return true;
+     }},
+};
+
+struct Switch
+{
+    const char* name;
+    const char* description;
+    void (*store)(Options& options);
+};
+
+const Switch switches[] = {
+    {"serial", "Open a pseudo terminal as well, print its name and speak there.",
+     [](Options& o) { o.serial = true; }},
+    {"fast", "Sweeps take no time.", [](Options& o) { o.fast = true; }},
+    {"silent", "Carry everything out and never answer.",
+     [](Options& o) { o.manner.silent = true; }},
+    {"drop", "End the connection in place of an answer.",
+     [](Options& o) { o.manner.dropsClient = true; }},
+    {"verbose", "Log every command and answer on the standard error output.",
+     [](Options& o) { o.verbose = true; }},
+};
+
+[[noreturn]] void failAt(const QCommandLineParser& parser, const char* name)
+{
+    const QString value = parser.value(QLatin1String(name));
+    throw std::invalid_argument(
+        (QStringLiteral("bad value for --") + QLatin1String(name) + ": " + value).toStdString());
+}
+
+template <typename Row, typename Target>
+void readNumber(const QCommandLineParser& parser, const Row& row, Target& target)
+{
+    const QString name = QLatin1String(row.name);
+    if (!parser.isSet(name)) {
+        return;
+    }
     bool isNumber = false;
-    const double value = text.toDouble(&isNumber);
-    const bool fits = isNumber && value >= option.lowest && value <= option.highest;
-    if (!fits || (option.whole && value != static_cast<int>(value))) {
-        throw std::invalid_argument(std::string("--") + option.name);
+    const double value = parser.value(name).toDouble(&isNumber);
+    if (!isNumber || !row.allows(value)) {
+        failAt(parser, row.name);
     }
-    return value;
+    row.store(target, value);
 }
 
-QString checkedDevice(const QString& name)
+void readText(const QCommandLineParser& parser, const TextOption& row, Options& options)
 {
-    if (!deviceNames().contains(name)) {
-        throw std::invalid_argument("--dut");
+    const QString name = QLatin1String(row.name);
+    if (parser.isSet(name) && !row.store(options, parser.value(name))) {
+        failAt(parser, row.name);
     }
-    return name;
 }
 
-QString checkedAddress(const QString& text)
+// Throws a message that names the first option whose value is no good.
+Options readChecked(const QCommandLineParser& parser)
 {
-    if (QHostAddress(text).isNull()) {
-        throw std::invalid_argument("--microwave");
+    Options options;
+    readText(parser, deviceOption, options);
+    for (const ChainFigure& figure : chainFigures()) {
+        readNumber(parser, figure, options.wiring.chain);
     }
-    return text;
-}
-
-// Throws the name of the first option whose value is no good.
-SimulatorOptions readChecked(const QCommandLineParser& parser)
-{
-    SimulatorOptions options;
-    for (const NumberOption& option : numberOptions) {
-        const QString name = QLatin1String(option.name);
-        if (parser.isSet(name)) {
-            option.store(options, checkedNumber(option, parser.value(name)));
+    for (const NumberOption& row : numberOptions) {
+        readNumber(parser, row, options);
+    }
+    for (const TextOption& row : chainOptions) {
+        readText(parser, row, options);
+    }
+    for (const TextOption& row : instrumentOptions) {
+        readText(parser, row, options);
+    }
+    for (const Switch& row : switches) {
+        if (parser.isSet(QLatin1String(row.name))) {
+            row.store(options);
         }
     }
-    options.wiring.chain.device.name = checkedDevice(parser.value("dut"));
-    if (parser.isSet("microwave")) {
-        options.microwaveAddress = checkedAddress(parser.value("microwave"));
-        options.wiring.hasMicrowave = true;
+    if (parser.isSet("full-scale") && parser.isSet("loading")) {
+        throw std::invalid_argument("--full-scale and --loading exclude each other");
     }
-    options.waveformFile = parser.value("waveform");
-    if (parser.isSet("opt")) {
-        options.installedOptions = parser.value("opt").toLatin1();
-    }
-    options.verbose = parser.isSet("verbose");
     return options;
+}
+
+const char description[] =
+    "A bench of simulated instruments for Notchbench: a signal generator that plays the\n"
+    "program's own signal, a device under test, and a spectrum analyzer that measures\n"
+    "adjacent channel power. Point the interface \"LAN (Socket)\" of the generator and of\n"
+    "the analyzer at 127.0.0.1, or at the addresses given below, and set the frequencies\n"
+    "of both to the same carrier. What an instrument refuses, and each overload of the\n"
+    "analyzer, is a line on the standard error output.\n"
+    "\n"
+    "One example for each device:\n"
+    "  notchbench-simulator --dut linear --source-notch 55 --noise-floor -140\n"
+    "  notchbench-simulator --dut rapp --saturation 0 --smoothness 2\n"
+    "  notchbench-simulator --dut soft --saturation 0\n"
+    "  notchbench-simulator --dut saleh --saturation 10\n"
+    "  notchbench-simulator --dut cubic --intercept 20 --device-noise -120\n"
+    "  notchbench-simulator --dut adc --bits 12 --full-scale 0\n"
+    "\n"
+    "Saturation is the level at which the model's normalised input is 1; saleh has a gain\n"
+    "of 6.7 dB, all others of 0 dB. The converters are of the mid-tread kind (zero is a\n"
+    "level), work at the signal's own rate and clip at full scale on both sides alike.";
+
+template <typename Row> QCommandLineOption valueOption(const Row& row, const char* valueName)
+{
+    return {QLatin1String(row.name), QLatin1String(row.description), QLatin1String(valueName)};
 }
 
 } // namespace
 
 void addSimulatorOptions(QCommandLineParser& parser)
 {
-    parser.setApplicationDescription(
-        "A bench of simulated instruments for Notchbench: a signal generator that plays the\n"
-        "program's own signal, a device under test, and a spectrum analyzer that measures\n"
-        "adjacent channel power. Point the interface \"LAN (Socket)\" of the generator and of\n"
-        "the analyzer at 127.0.0.1, and that of the microwave generator at the address given\n"
-        "with --microwave.");
+    parser.setApplicationDescription(QLatin1String(description));
     parser.addHelpOption();
     parser.addVersionOption();
-    parser.addOption({"dut",
-                      "Device under test: \"linear\", \"rapp\" (an amplifier that saturates), "
-                      "\"cubic\" (third-order distortion) or \"adc\" (a pair of converters) "
-                      "(default linear).",
-                      "DEVICE", "linear"});
-    for (const NumberOption& option : numberOptions) {
-        parser.addOption({QLatin1String(option.name), QLatin1String(option.description),
-                          QLatin1String(option.valueName)});
+    QCommandLineOption device = valueOption(deviceOption, deviceOption.valueName);
+    device.setDefaultValue("linear");
+    parser.addOption(device);
+    for (const ChainFigure& figure : chainFigures()) {
+        parser.addOption(valueOption(figure, figure.unit));
     }
-    parser.addOption(
-        {"waveform", "Play this saved .wv file in place of the program's signal.", "FILE"});
-    parser.addOption({"microwave",
-                      "Put a microwave generator into the chain, which listens on this address, "
-                      "such as 127.0.0.2, and whose frequency adds to the generator's.",
-                      "ADDRESS"});
-    parser.addOption(
-        {"opt", "Answer to \"*OPT?\" (default B15,B17,B23,B24: attenuator and IF input).", "TEXT"});
-    parser.addOption({"verbose", "Log every command and answer on the standard error output."});
+    for (const TextOption& row : chainOptions) {
+        parser.addOption(valueOption(row, row.valueName));
+    }
+    for (const NumberOption& row : numberOptions) {
+        parser.addOption(valueOption(row, row.valueName));
+    }
+    for (const TextOption& row : instrumentOptions) {
+        parser.addOption(valueOption(row, row.valueName));
+    }
+    for (const Switch& row : switches) {
+        parser.addOption({QLatin1String(row.name), QLatin1String(row.description)});
+    }
 }
 
 std::optional<SimulatorOptions> readSimulatorOptions(const QCommandLineParser& parser,
@@ -137,9 +276,8 @@ std::optional<SimulatorOptions> readSimulatorOptions(const QCommandLineParser& p
     }
     try {
         return readChecked(parser);
-    } catch (const std::invalid_argument& option) {
-        const QString name = QString::fromLatin1(option.what());
-        errorText = "bad value for " + name + ": " + parser.value(name.mid(2));
+    } catch (const std::invalid_argument& message) {
+        errorText = QString::fromStdString(message.what());
         return {};
     }
 }

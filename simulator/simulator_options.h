@@ -2,11 +2,11 @@
 #pragma once
 
 #include "simulator/bench.h"
+#include "simulator/instrument.h"
+#include "simulator/scpi_server.h"
 #include "simulator/signal_client.h"
 
-#include <QByteArray>
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 
@@ -15,12 +15,20 @@ class QCommandLineParser;
 struct SimulatorOptions
 {
     BenchWiring wiring;
-    quint16 port = 5025;       // SCPI; 0 takes any free one
-    QString microwaveAddress;  // of the microwave generator; empty without one
+    quint16 port = 5025; // SCPI; 0 takes any free one
+    // Addresses of their own; empty for what stands at the shared one, and for a microwave
+    // generator that isn't there.
+    QString generatorAddress;
+    QString analyzerAddress;
+    QString microwaveAddress;
+    bool serial = false;
+    BenchModels models;
+    AnswerManner manner;
+    bool fast = false;         // sweeps take no time
     quint16 signalPort = 1000; // of the program's status server
     SignalClientTiming signalTiming;
     QString waveformFile; // played instead of the program's signal; may be empty
-    QByteArray installedOptions = "B15,B17,B23,B24"; // the answer to "*OPT?"
+    QString traceFile;    // the ripple is written there; may be empty
     bool verbose = false;
 };
 

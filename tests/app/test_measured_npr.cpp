@@ -1,11 +1,6 @@
 // The proof of the whole program: the real window and the simulated bench in a process of its own,
 // over real sockets, from "Auto-Calculate" to the labels, against closed forms.
-#include "kit/background_jobs.h"
-#include "kit/main_window_test.h"
-#include "kit/simulator_process.h"
-
-#include <QTabWidget>
-#include <QTcpServer>
+#include "kit/measuring_test.h"
 
 #include <cmath>
 
@@ -45,22 +40,15 @@ double clippingSpread(const ConverterNoise& noise, double loading)
     return 10.0 / std::log(10.0) * share * std::sqrt(6.0 / clipped);
 }
 
-struct Reading
-{
-    double power; // dBm
-    double lower; // dB
-    double upper; // dB
-};
-
 } // namespace
 
-class TestMeasuredNpr : public MainWindowTest
+class TestMeasuredNpr : public MeasuringTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
+    void init() { openBench(); }
+    void cleanup() { closeBench(); }
 
     void theClosedFormHasItsKnownOptima();
     void aLinearDeviceReadsTheNotchDepth();
@@ -71,103 +59,7 @@ private slots:
     void convertersReachTheirNoisePowerRatio_data();
     void convertersReachTheirNoisePowerRatio();
     void continuousMeasurementSurvivesABenchThatComesAndGoes();
-
-private:
-    void start(const QStringList& options);
-    void makeSignal(int lengthRow, int notches, double widthMhz, double offsetMhz, double depth,
-                    double bandwidthRatio = 0.8);
-    void typeFrequency(const char* name, const QString& megahertz) const;
-    void preset();
-    void waitForJobs() const;
-    Reading measure(int notch);
-
-    std::unique_ptr<WindowDriver> devices;
-    std::unique_ptr<SimulatorProcess> simulator;
 };
-
-void TestMeasuredNpr::init()
-{
-    openWindow();
-    operate->trigger("actionDevices");
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->windowTitle() == "Devices") {
-            devices = std::make_unique<WindowDriver>(*each);
-        }
-    }
-    typeFrequency("g_frequency", "1000");
-    devices->find<QTabWidget>("tabWidget")->setCurrentIndex(1);
-    typeFrequency("a_frequency", "1000");
-}
-
-void TestMeasuredNpr::cleanup()
-{
-    simulator.reset();
-    devices.reset();
-    closeWindow();
-}
-
-// The bench plays what the window's status server tells, on port 1000 or, where the system keeps
-// that from ordinary users, on a free one.
-void TestMeasuredNpr::start(const QStringList& options)
-{
-    const auto* server = window->findChild<QTcpServer*>();
-    if (server == nullptr || !server->isListening()) {
-        operate->type("port_input", "42420");
-    }
-    simulator.reset();
-    // The newest server is the present one; a former one goes a little later.
-    const quint16 port = window->findChildren<QTcpServer*>().constLast()->serverPort();
-    simulator = std::make_unique<SimulatorProcess>(port, options);
-    QVERIFY(simulator->isReady());
-    QVERIFY(simulator->logs("playing"));
-}
-
-void TestMeasuredNpr::makeSignal(int lengthRow, int notches, double widthMhz, double offsetMhz,
-                                 double depth, double bandwidthRatio)
-{
-    operate->pick("fft_length_input", lengthRow);
-    operate->type("nbw_srate_input", QString::number(bandwidthRatio));
-    operate->type("notch_count_input", QString::number(notches));
-    operate->type("notch_width_input", QString::number(widthMhz));
-    operate->type("notch_offset_input", QString::number(offsetMhz));
-    operate->type("notch_depth_input", QString::number(depth));
-    operate->click("autocalc_notches_button");
-    QCOMPARE(operate->rowCount(), notches);
-    operate->click("calc_fft_button");
-    QTRY_COMPARE_WITH_TIMEOUT(operate->text("fft_status_label"), QString("Data valid"), 60000);
-}
-
-void TestMeasuredNpr::typeFrequency(const char* name, const QString& megahertz) const
-{
-    auto* edit = devices->find<QLineEdit>(name);
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClicks(edit, megahertz);
-    QTest::keyClick(edit, Qt::Key_Return);
-}
-
-void TestMeasuredNpr::waitForJobs() const
-{
-    // The bench fetches the samples from this very thread, so it must go on meanwhile.
-    QVERIFY(backgroundJobsEnd(20000));
-}
-
-void TestMeasuredNpr::preset()
-{
-    operate->click("preset_button");
-    QVERIFY(simulator->logs("SENS:DET1:FUNC RMS"));
-    waitForJobs();
-}
-
-Reading TestMeasuredNpr::measure(int notch)
-{
-    operate->type("measure_notch", "0");
-    operate->type("measure_notch", QString::number(notch));
-    operate->click("measure_button");
-    waitForJobs();
-    return {operate->text("signal_power").toDouble(), operate->text("npr_lower").toDouble(),
-            operate->text("npr_upper").toDouble()};
-}
 
 void TestMeasuredNpr::theClosedFormHasItsKnownOptima()
 {
@@ -216,13 +108,13 @@ void TestMeasuredNpr::bothSidesAndTheBandEdgeAreMeasured()
 void TestMeasuredNpr::theMicrowaveChainAddsItsFrequency()
 {
     makeSignal(5, 1, 2, 10, -40);
-    devices->find<QTabWidget>("tabWidget")->setCurrentIndex(2);
+    showTab(2);
     devices->pick("m_type", 1);
-    typeFrequency("m_frequency", "9000");
-    typeFrequency("m_address", "127.0.0.2");
+    typeInto("m_frequency", "9000");
+    typeInto("m_address", "127.0.0.2");
     devices->click("m_if_input"); // not there with this model; the level is sent all the same
-    devices->find<QTabWidget>("tabWidget")->setCurrentIndex(1);
-    typeFrequency("a_frequency", "10000");
+    showTab(1);
+    typeInto("a_frequency", "10000");
     QCOMPARE(qRound(operate->cell(0, 0).toDouble()), 10010); // the graph's middle moved along
     start({"--dut", "linear", "--microwave", "127.0.0.2"});
     preset();
@@ -234,7 +126,7 @@ void TestMeasuredNpr::theMicrowaveChainAddsItsFrequency()
 void TestMeasuredNpr::aWrongCentreReadsNothing()
 {
     makeSignal(5, 1, 2, 10, -40);
-    typeFrequency("a_frequency", "5000");
+    typeInto("a_frequency", "5000");
     start({"--dut", "linear"});
     preset();
     QVERIFY(measure(1).power < -150.0);
@@ -245,7 +137,7 @@ void TestMeasuredNpr::cubicDistortionFallsTwoDecibelsPerDecibel()
     makeSignal(6, 1, 2, 10, -100);
     start({"--dut", "cubic", "--intercept", "20"});
     preset();
-    devices->find<QTabWidget>("tabWidget")->setCurrentIndex(0);
+    showTab(0);
     QList<double> ratios;
     for (int level = -20; level <= 0; level += 5) {
         devices->type("g_level", QString::number(level));
@@ -310,11 +202,11 @@ void TestMeasuredNpr::continuousMeasurementSurvivesABenchThatComesAndGoes()
         QVERIFY(responsive.elapsed() < 1000);
         // The operator brings the new bench up from the dialog; "Cont" goes on with it.
         start({"--dut", "linear"});
-        devices->find<QTabWidget>("tabWidget")->setCurrentIndex(0);
+        showTab(0);
         devices->click("g_init");
         QTRY_COMPARE(devices->text("g_message"), QString("Notchbench,Simulated Bench,0,1.0"));
         devices->click("g_set");
-        devices->find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+        showTab(1);
         devices->click("a_init");
         QTRY_COMPARE(devices->text("a_message"), QString("Notchbench,Simulated Bench,0,1.0"));
     }

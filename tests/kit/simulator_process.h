@@ -8,12 +8,14 @@
 class SimulatorProcess
 {
 public:
-    // Starts it and waits until it listens. signalPort is the status server that it plays.
+    // Starts it, with sweeps that take no time, and waits until it listens. signalPort is the
+    // status server that it plays.
     SimulatorProcess(quint16 signalPort, const QStringList& options)
     {
-        process.start(QStringLiteral(NOTCHBENCH_SIMULATOR),
-                      QStringList{"--verbose", "--signal-port", QString::number(signalPort)} +
-                          options);
+        process.start(
+            QStringLiteral(NOTCHBENCH_SIMULATOR),
+            QStringList{"--fast", "--verbose", "--signal-port", QString::number(signalPort)} +
+                options);
         ready = QTest::qWaitFor(
             [this] {
                 out += process.readAllStandardOutput();
@@ -37,12 +39,27 @@ public:
     {
         const bool found = QTest::qWaitFor(
             [&] {
-                log += process.readAllStandardError();
+                const QByteArray news = process.readAllStandardError();
+                log += news;
+                wholeLog += news;
                 return log.contains(text);
             },
             limitMs);
         log.clear();
         return found;
+    }
+
+    // The lines so far that tell of a command that an instrument refused.
+    QByteArrayList refusals()
+    {
+        wholeLog += process.readAllStandardError();
+        QByteArrayList lines;
+        for (const QByteArray& line : wholeLog.split('\n')) {
+            if (line.contains(": -")) {
+                lines << line;
+            }
+        }
+        return lines;
     }
 
     void kill()
@@ -55,5 +72,6 @@ private:
     QProcess process;
     QByteArray out;
     QByteArray log;
+    QByteArray wholeLog;
     bool ready = false;
 };

@@ -100,7 +100,7 @@ void SoakOperator::startClients()
 
 void SoakOperator::startSimulator()
 {
-    simulator.start(SIMULATOR, {"--signal-port", QString::number(port)});
+    simulator.start(SIMULATOR, {"--fast", "--signal-port", QString::number(port)});
     simulator.waitForStarted();
 }
 

@@ -159,8 +159,11 @@ void TestDecimalComma::answersAreReadWithAPoint()
 void TestDecimalComma::simulatorSpeaksWithAPoint()
 {
     Bench bench{BenchWiring()};
-    ScpiSession session(bench, BenchFace::GeneratorAndAnalyzer, QByteArray());
-    for (const ScpiUnit& unit : scpiUnits("FREQ:CENT 1.5E6;CENT?;:CALC:MARK:FUNC:POW:RES? ACP")) {
+    SimulatedInstrument instrument(bench, BenchFace::GeneratorAndAnalyzer);
+    ScpiSession session(instrument);
+    for (const ScpiUnit& unit :
+         scpiUnits("CALC:MARK:FUNC:POW:SEL ACP;:POW:ACH:BWID 1.5E6;SPAC 2.5E6;"
+                   ":FREQ:CENT 1.5E6;CENT?;:CALC:MARK:FUNC:POW:RES? ACP")) {
         session.run(unit);
     }
     QCOMPARE(session.takeAnswers(), QByteArray("1500000.000000;-200.000000,0.000000,0.000000"));

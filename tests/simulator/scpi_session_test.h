@@ -26,7 +26,24 @@ protected:
         return wiring;
     }
 
+    static BenchModels withOptions(const char* options)
+    {
+        BenchModels models;
+        models.options = options;
+        return models;
+    }
+
+    // As before the first command.
+    void startAnew()
+    {
+        bench.settings = {};
+        mainInstrument.status = StatusModel();
+        microwaveInstrument.status = StatusModel();
+    }
+
     Bench bench{withMicrowave()};
-    ScpiSession main() { return {bench, BenchFace::GeneratorAndAnalyzer, "B15"}; }
-    ScpiSession microwave() { return {bench, BenchFace::Microwave, "B15,B23"}; }
+    SimulatedInstrument mainInstrument{bench, BenchFace::GeneratorAndAnalyzer, withOptions("B15")};
+    SimulatedInstrument microwaveInstrument{bench, BenchFace::Microwave, withOptions("B15,B23")};
+    ScpiSession main() { return ScpiSession(mainInstrument); }
+    ScpiSession microwave() { return ScpiSession(microwaveInstrument); }
 };

@@ -6,7 +6,7 @@ class TestScpiDialects : public ScpiSessionTest
     Q_OBJECT
 
 private slots:
-    void init() { bench.settings = {}; }
+    void init() { startAnew(); }
     void everyGeneratorDialectIsUnderstood_data();
     void everyGeneratorDialectIsUnderstood();
     void everyMicrowaveDialectIsUnderstood_data();

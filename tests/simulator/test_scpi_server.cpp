@@ -7,6 +7,17 @@
 
 #include <QtTest>
 
+namespace {
+
+BenchModels withOptions(const QByteArray& options)
+{
+    BenchModels models;
+    models.options = options;
+    return models;
+}
+
+} // namespace
+
 class TestScpiServer : public QObject
 {
     Q_OBJECT
@@ -22,21 +33,42 @@ private slots:
     void garbageIsSurvived();
     void aConnectionThatEndsInALineHarmsNobody();
     void aPeerThatNeverReadsIsDropped();
-    void aSweepOfAFixedSignalWaitsForNothing();
+    void aFastSweepOfAFixedSignalWaitsForNothing();
+    void aSweepTakesItsTime();
+    void whatDoesNotWaitIsAnsweredDuringASweep();
+    void theResultOfASweepIsWaitedFor();
+    void ofOneClientAtATimeTheSecondWaits();
+    void aDelayedAnswerComesInItsTurn();
+    void aSilentInstrumentWorksAndDoesNotAnswer();
+    void anInstrumentThatDropsEndsTheConnectionAtAQuestion();
+    void aStrangersClientGetsAlong();
     void everyLineAndAnswerIsLogged();
     void aTakenPortIsReported();
     void theServerEndsWithConnectionsOpen();
 
 private:
+    void serve(Clients clients, AnswerManner manner);
+
     std::unique_ptr<Bench> bench;
+    std::unique_ptr<SimulatedInstrument> instrument;
+    std::unique_ptr<Sweep> sweep;
     std::unique_ptr<ScpiServer> server;
 };
 
 void TestScpiServer::init()
 {
     server.reset();
+    sweep.reset();
     bench = std::make_unique<Bench>(readyBench());
-    server = std::make_unique<ScpiServer>(*bench, BenchFace::GeneratorAndAnalyzer, "B15", nullptr);
+    instrument = std::make_unique<SimulatedInstrument>(*bench, BenchFace::GeneratorAndAnalyzer,
+                                                       withOptions("B15"));
+    sweep = std::make_unique<Sweep>(*instrument, nullptr, false);
+    serve(Clients::Any, {});
+}
+
+void TestScpiServer::serve(Clients clients, AnswerManner manner)
+{
+    server = std::make_unique<ScpiServer>(*instrument, sweep.get(), clients, manner);
     QVERIFY(server->listen(QHostAddress::LocalHost, 0));
 }
 
@@ -81,7 +113,8 @@ void TestScpiServer::connectionsShareTheInstruments()
     QVERIFY(analyzer.connectTo(server->port()));
     bench->play(tone(64, 0));
     QCOMPARE(generator.ask("OUTP ON;FREQ 2e9;POW -7;*OPC?"), QByteArray("1"));
-    QCOMPARE(analyzer.ask("FREQ:CENT 2e9;:CALC1:MARK1:FUNC:POW:RES? ACP"),
+    QCOMPARE(analyzer.ask("CALC:MARK:FUNC:POW:SEL ACP;:POW:ACH:BWID 1e6;SPAC 2e6;"
+                          ":FREQ:CENT 2e9;:CALC1:MARK1:FUNC:POW:RES? ACP"),
              QByteArray("-7.000000,-193.000000,-193.000000"));
     QCOMPARE(generator.ask("FREQ 1e9;*OPC?"), QByteArray("1"));
     QCOMPARE(analyzer.ask("CALC1:MARK1:FUNC:POW:RES? ACP"),
@@ -156,7 +189,8 @@ void TestScpiServer::aConnectionThatEndsInALineHarmsNobody()
 
 void TestScpiServer::aPeerThatNeverReadsIsDropped()
 {
-    ScpiServer talkative(*bench, BenchFace::GeneratorAndAnalyzer, QByteArray(4000, 'x'), nullptr);
+    SimulatedInstrument many(*bench, BenchFace::Generator, withOptions(QByteArray(4000, 'x')));
+    ScpiServer talkative(many, nullptr, Clients::Any, {});
     QVERIFY(talkative.listen(QHostAddress::LocalHost, 0));
     ScpiClient client;
     client.socket.setReadBufferSize(1);
@@ -170,11 +204,140 @@ void TestScpiServer::aPeerThatNeverReadsIsDropped()
     QCOMPARE(other.ask("*OPC?"), QByteArray("1"));
 }
 
-void TestScpiServer::aSweepOfAFixedSignalWaitsForNothing()
+void TestScpiServer::aFastSweepOfAFixedSignalWaitsForNothing()
+{
+    sweep = std::make_unique<Sweep>(*instrument, nullptr, true);
+    serve(Clients::Any, {});
+    ScpiClient other;
+    QVERIFY(other.connectTo(server->port()));
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(other.ask("SWE:TIME 100;:INIT;*WAI;*OPC?"), QByteArray("1"));
+    QVERIFY(time.elapsed() < 10000);
+}
+
+void TestScpiServer::aSweepTakesItsTime()
 {
     ScpiClient client;
     QVERIFY(client.connectTo(server->port()));
-    QCOMPARE(client.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
+    QElapsedTimer time;
+    time.start();
+    client.send("SWE:TIME 0.300000\nINIT:CONT OFF\nINIT;*WAI\n*CLS;*OPT?\n");
+    QCOMPARE(client.answer(), QByteArray("B15"));
+    QVERIFY2(time.elapsed() >= 300, qPrintable(QString::number(time.elapsed())));
+    QCOMPARE(client.ask("*OPT?"), QByteArray("B15"));
+}
+
+void TestScpiServer::whatDoesNotWaitIsAnsweredDuringASweep()
+{
+    ScpiClient client;
+    ScpiClient other;
+    QVERIFY(client.connectTo(server->port()) && other.connectTo(server->port()));
+    QCOMPARE(client.ask("*CLS;:SWE:TIME 100;:INIT;*OPC;*ESR?"), QByteArray("0"));
+    QVERIFY(sweep->isRunning());
+    QCOMPARE(other.ask("*WAI;*OPC?"), QByteArray("1")); // it began none
+    client.send("*OPC?\n");
+    QCOMPARE(other.ask("*OPT?"), QByteArray("B15"));
+    QCOMPARE(client.socket.bytesAvailable(), qint64(0));
+    // A new sweep takes the place of the old one.
+    QCOMPARE(other.ask("SWE:TIME 0.01;:INIT;*WAI;*OPT?"), QByteArray("B15"));
+    QCOMPARE(client.answer(), QByteArray("1"));
+    QCOMPARE(client.ask("*ESR?"), QByteArray("1"));
+}
+
+void TestScpiServer::theResultOfASweepIsWaitedFor()
+{
+    ScpiClient client;
+    QVERIFY(client.connectTo(server->port()));
+    bench->play(tone(64, 0));
+    QElapsedTimer time;
+    time.start();
+    client.send("CALC:MARK:FUNC:POW:SEL ACP;:POW:ACH:BWID 1e6;SPAC 2e6;:SWE:TIME 0.2;:INIT\n");
+    QCOMPARE(client.ask("CALC1:MARK1:FUNC:POW:RES? ACP").count(','), 2);
+    QVERIFY(time.elapsed() >= 200);
+}
+
+void TestScpiServer::ofOneClientAtATimeTheSecondWaits()
+{
+    serve(Clients::OneAtATime, {});
+    ScpiClient second;
+    ScpiClient third;
+    {
+        ScpiClient first;
+        QVERIFY(first.connectTo(server->port()));
+        QCOMPARE(first.ask("*OPC?"), QByteArray("1"));
+        QVERIFY(second.connectTo(server->port()));
+        second.send("*OPT?\n");
+        QVERIFY(third.connectTo(server->port()));
+        third.socket.abort(); // who gives up is passed over
+        QCOMPARE(first.ask("*OPC?"), QByteArray("1"));
+        QCOMPARE(second.socket.bytesAvailable(), qint64(0));
+        first.socket.abort();
+    }
+    QCOMPARE(second.answer(), QByteArray("B15"));
+    QCOMPARE(second.ask("*OPC?"), QByteArray("1"));
+    second.socket.abort();
+    ScpiClient fourth;
+    QVERIFY(fourth.connectTo(server->port()));
+    QCOMPARE(fourth.ask("*OPC?"), QByteArray("1"));
+}
+
+void TestScpiServer::aDelayedAnswerComesInItsTurn()
+{
+    AnswerManner manner;
+    manner.delay = 200;
+    serve(Clients::Any, manner);
+    ScpiClient client;
+    QVERIFY(client.connectTo(server->port()));
+    QElapsedTimer time;
+    time.start();
+    client.send("FREQ 5\n*OPT?\nFREQ?\n");
+    QCOMPARE(client.answer(), QByteArray("B15"));
+    QVERIFY(time.elapsed() >= 200);
+    QCOMPARE(client.answer(), QByteArray("5.000000"));
+    QVERIFY(time.elapsed() >= 400);
+}
+
+void TestScpiServer::aSilentInstrumentWorksAndDoesNotAnswer()
+{
+    AnswerManner manner;
+    manner.silent = true;
+    serve(Clients::Any, manner);
+    ScpiClient client;
+    QVERIFY(client.connectTo(server->port()));
+    client.send("*IDN?\nFREQ 5\n");
+    QTRY_COMPARE(bench->settings.generator.frequency, 5.0);
+    QCOMPARE(client.socket.bytesAvailable(), qint64(0));
+}
+
+void TestScpiServer::anInstrumentThatDropsEndsTheConnectionAtAQuestion()
+{
+    AnswerManner manner;
+    manner.dropsClient = true;
+    serve(Clients::OneAtATime, manner);
+    for (int round = 0; round < 3; ++round) {
+        ScpiClient client;
+        QVERIFY(client.connectTo(server->port()));
+        client.send("FREQ " + QByteArray::number(round + 5) + '\n');
+        QTRY_COMPARE(bench->settings.generator.frequency, round + 5.0);
+        QCOMPARE(client.socket.state(), QTcpSocket::ConnectedState);
+        client.send("*IDN?\n");
+        QTRY_COMPARE(client.socket.state(), QTcpSocket::UnconnectedState);
+        QCOMPARE(client.socket.readAll(), QByteArray());
+    }
+}
+
+// What a library of instruments asks whoever stands behind a raw socket.
+void TestScpiServer::aStrangersClientGetsAlong()
+{
+    ScpiClient client;
+    QVERIFY(client.connectTo(server->port()));
+    QCOMPARE(client.ask("*CLS\n*IDN?\r"), QByteArray("Notchbench,Simulated Bench,0,1.0"));
+    QCOMPARE(client.ask("*ESR?"), QByteArray("0"));
+    QCOMPARE(client.ask("*STB?"), QByteArray("0"));
+    QCOMPARE(client.ask("freq:cent 1.5E+09;*opc?"), QByteArray("1"));
+    QCOMPARE(client.ask("SENSE:FREQUENCY:CENTER?"), QByteArray("1500000000.000000"));
+    QCOMPARE(client.ask("SYST:ERR?"), QByteArray("0,\"No error\""));
 }
 
 void TestScpiServer::everyLineAndAnswerIsLogged()
@@ -193,7 +356,7 @@ void TestScpiServer::everyLineAndAnswerIsLogged()
 
 void TestScpiServer::aTakenPortIsReported()
 {
-    ScpiServer second(*bench, BenchFace::Microwave, "", nullptr);
+    ScpiServer second(*instrument, nullptr, Clients::Any, {});
     QVERIFY(!second.listen(QHostAddress::LocalHost, server->port()));
     QVERIFY(!second.errorText().isEmpty());
 }

@@ -2,12 +2,19 @@
 #include "ready_bench.h"
 #include "scpi_session_test.h"
 
+namespace {
+
+// What a reading of channel power needs first.
+const char channelPower[] = "CALC:MARK:FUNC:POW:SEL ACP;:POW:ACH:BWID 1e6;:POW:ACH:SPAC 2e6";
+
+} // namespace
+
 class TestScpiSession : public ScpiSessionTest
 {
     Q_OBJECT
 
 private slots:
-    void init() { bench.settings = {}; }
+    void init() { startAnew(); }
     void aMeasurementAnswersReferenceLowerAndUpper();
     void absoluteChannelsAnswerInDbm();
     void theOutputCanBeSwitchedOff_data();
@@ -20,14 +27,22 @@ private slots:
     void badInputLeavesAnErrorAndChangesNothing();
     void goingToLocalIsNoError();
     void clearingForgetsTheErrors();
-    void eachConnectionHasItsOwnErrors();
+    void errorsAreTheInstrumentsNotTheConnections();
+    void aFullQueueSaysSoInPlaceOfTheNewest();
+    void everyRefusalIsTold();
+    void channelPowerNeedsItsSelectionAndItsChannels_data();
+    void channelPowerNeedsItsSelectionAndItsChannels();
+    void anOverloadIsTold();
+    void eachInstrumentHasItsOwnWords();
 };
 
 void TestScpiSession::aMeasurementAnswersReferenceLowerAndUpper()
 {
     Bench measured = readyBench();
-    ScpiSession session(measured, BenchFace::GeneratorAndAnalyzer, "");
+    SimulatedInstrument instrument(measured, BenchFace::GeneratorAndAnalyzer);
+    ScpiSession session(instrument);
     measured.play(noiseWithNotch(4096, {1000, 1199}, -45.0));
+    tell(session, channelPower);
     tune(measured, 860.0, 100.0, 240.0);
     QCOMPARE(tell(session, "INIT:CONT OFF"), QByteArray());
     QVERIFY(!measured.settings.analyzer.continuousSweep);
@@ -46,6 +61,7 @@ void TestScpiSession::aMeasurementAnswersReferenceLowerAndUpper()
 void TestScpiSession::absoluteChannelsAnswerInDbm()
 {
     ScpiSession session = main();
+    tell(session, channelPower);
     QCOMPARE(tell(session, "CALC:MARK:FUNC:POW:RES? ACP"),
              QByteArray("-200.000000,0.000000,0.000000"));
     tell(session, "POW:ACH:MODE ABSolute");
@@ -96,7 +112,7 @@ void TestScpiSession::settingsCanBeAsked()
 {
     ScpiSession session = main();
     QCOMPARE(tell(session, "FREQ 123.5;FREQ?"), QByteArray("123.500000"));
-    QCOMPARE(tell(session, "FREQ:CENT -7;CENT?"), QByteArray("-7.000000"));
+    QCOMPARE(tell(session, "FREQ:CENT 7;CENT?"), QByteArray("7.000000"));
     QCOMPARE(tell(session, "OUTP ON;OUTP?"), QByteArray("1"));
     QCOMPARE(tell(session, "LEV:OFF?"), QByteArray("0"));
     QCOMPARE(tell(session, "POW:ACH:MODE?"), QByteArray("RELative"));
@@ -142,6 +158,22 @@ void TestScpiSession::badInputLeavesAnErrorAndChangesNothing_data()
         {"FOO:BAR 1", "-113,\"Undefined header;FOO:BAR\""},
         {"FREQ one", "-104,\"Data type error;FREQ one\""},
         {"FREQ 1 MHZ", "-104,\"Data type error;FREQ 1 MHZ\""},
+        {"FREQ:CENT -1", "-222,\"Data out of range;FREQ:CENT -1\""},
+        {"INP:ATT 1000", "-222,\"Data out of range;INP:ATT 1000\""},
+        {"BAND:RES -1", "-222,\"Data out of range;BAND:RES -1\""},
+        {"SWE:TIME 1e9", "-222,\"Data out of range;SWE:TIME 1e9\""},
+        {"FREQ 1,2", "-108,\"Parameter not allowed;FREQ 1,2\""},
+        {"FREQ? 1", "-108,\"Parameter not allowed;FREQ 1\""},
+        {"*CLS 1", "-108,\"Parameter not allowed;*CLS 1\""},
+        {"LEV:ON ON", "-108,\"Parameter not allowed;LEV:ON ON\""},
+        {"*ESE", "-109,\"Missing parameter;*ESE \""},
+        {"*SRE 256", "-222,\"Data out of range;*SRE 256\""},
+        {"*ESE x", "-104,\"Data type error;*ESE x\""},
+        {"POW:SEL ACP", "-113,\"Undefined header;POW:SEL\""},
+        {"CALC:MARK:FUNC:POW:SEL NOISE",
+         "-224,\"Illegal parameter value;CALC:MARK:FUNC:POW:SEL NOISE\""},
+        {"CALC:MARK:FUNC:POW:RES?", "-109,\"Missing parameter;CALC:MARK:FUNC:POW:RES \""},
+        {"CALC:MARK:FUNC:POW:RES? ACP", "-221,\"Settings conflict;CALC:MARK:FUNC:POW:RES ACP\""},
         {"FREQ", "-109,\"Missing parameter;FREQ \""},
         {"FREQ nan", "-222,\"Data out of range;FREQ nan\""},
         {"FREQ inf", "-222,\"Data out of range;FREQ inf\""},
@@ -173,6 +205,10 @@ void TestScpiSession::badInputLeavesAnErrorAndChangesNothing()
     QCOMPARE(bench.settings.generator.frequency, SimulatedGenerator().frequency);
     QCOMPARE(bench.settings.generator.level, SimulatedGenerator().level);
     QVERIFY(!bench.settings.generator.output);
+    QCOMPARE(bench.settings.analyzer.centerFrequency, SimulatedAnalyzer().centerFrequency);
+    QVERIFY(bench.settings.analyzer.attenuation.automatic);
+    QVERIFY(bench.settings.analyzer.resolutionBandwidth.automatic);
+    QVERIFY(bench.settings.analyzer.sweepTime.automatic);
 }
 
 void TestScpiSession::goingToLocalIsNoError()
@@ -190,13 +226,106 @@ void TestScpiSession::clearingForgetsTheErrors()
     QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
 }
 
-void TestScpiSession::eachConnectionHasItsOwnErrors()
+void TestScpiSession::errorsAreTheInstrumentsNotTheConnections()
 {
     ScpiSession one = main();
     ScpiSession two = main();
+    ScpiSession other = microwave();
     tell(one, "FOO");
+    tell(one, "BAR");
+    QCOMPARE(tell(other, "SYST:ERR?"), QByteArray(noError));
+    QCOMPARE(tell(two, "SYST:ERR?"), QByteArray("-113,\"Undefined header;FOO\""));
+    QCOMPARE(tell(one, "SYST:ERR?"), QByteArray("-113,\"Undefined header;BAR\""));
     QCOMPARE(tell(two, "SYST:ERR?"), QByteArray(noError));
-    QVERIFY(tell(one, "SYST:ERR?").startsWith("-113,"));
+}
+
+void TestScpiSession::aFullQueueSaysSoInPlaceOfTheNewest()
+{
+    ScpiSession session = main();
+    for (std::size_t k = 0; k < ScpiErrorQueue::capacity + 5; ++k) {
+        tell(session, "FOO" + QByteArray(static_cast<int>(k), 'X'));
+    }
+    for (std::size_t k = 0; k + 1 < ScpiErrorQueue::capacity; ++k) {
+        QVERIFY(tell(session, "SYST:ERR?").contains("FOO" + QByteArray(static_cast<int>(k), 'X')));
+    }
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray("-350,\"Queue overflow\""));
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+}
+
+void TestScpiSession::everyRefusalIsTold()
+{
+    ScpiSession session = main();
+    QStringList told;
+    mainInstrument.tell = [&told](const QString& text) { told << text; };
+    tell(session, "FREQ -1;:FREQ:CENT -1;:FOO;*CLS");
+    mainInstrument.tell = nullptr;
+    QCOMPARE(told, QStringList({"generator: -222,\"Data out of range;FREQ -1\"",
+                                "analyzer: -222,\"Data out of range;FREQ:CENT -1\"",
+                                "bench: -113,\"Undefined header;FOO\""}));
+}
+
+void TestScpiSession::channelPowerNeedsItsSelectionAndItsChannels_data()
+{
+    QTest::addColumn<QByteArray>("missing");
+    QTest::newRow("selection") << QByteArray(":CALC1:MARK1:FUNC:POW:SEL ACP");
+    QTest::newRow("bandwidth") << QByteArray("POW:ACH:BWID 150.00000000000");
+    QTest::newRow("spacing") << QByteArray("POW:ACH:SPAC 240.00000000000");
+}
+
+void TestScpiSession::channelPowerNeedsItsSelectionAndItsChannels()
+{
+    QFETCH(QByteArray, missing);
+    ScpiSession session = main();
+    for (const char* line : {":CALC1:MARK1:FUNC:POW:SEL ACP", "POW:ACH:BWID 150.00000000000",
+                             "POW:ACH:SPAC 240.00000000000"}) {
+        tell(session, missing == line ? QByteArray() : QByteArray(line));
+    }
+    const QByteArray question = ":CALC1:MARK1:FUNC:POW:RES? ACP";
+    QCOMPARE(tell(session, question), QByteArray());
+    QVERIFY(tell(session, "SYST:ERR?").startsWith("-221,"));
+    tell(session, missing);
+    QCOMPARE(tell(session, question).count(','), 2);
+    tell(session, "*RST");
+    QCOMPARE(tell(session, question), QByteArray());
+}
+
+void TestScpiSession::anOverloadIsTold()
+{
+    Bench driven = readyBench({}, 20.0);
+    SimulatedInstrument instrument(driven, BenchFace::GeneratorAndAnalyzer);
+    ScpiSession session(instrument);
+    QStringList told;
+    instrument.tell = [&told](const QString& text) { told << text; };
+    driven.play(noiseWithNotch(4096, {1000, 1199}, -45.0));
+    tell(session, channelPower);
+    tell(session, "*CLS;INP:ATT 0;:CALC:MARK:FUNC:POW:RES? ACP");
+    QCOMPARE(told.size(), 1);
+    QVERIFY(told[0].startsWith("analyzer: overload: the input's peaks are above 10 dBm"));
+    QCOMPARE(tell(session, "*STB?"), QByteArray("8"));
+    QCOMPARE(tell(session, "STAT:QUES?;*STB?"), QByteArray("8;16"));
+    tell(session, "INP:ATT 40;:DISP:TRAC:Y:RLEV 10;:CALC:MARK:FUNC:POW:RES? ACP");
+    QCOMPARE(told.size(), 1);
+}
+
+void TestScpiSession::eachInstrumentHasItsOwnWords()
+{
+    SimulatedInstrument generator(bench, BenchFace::Generator);
+    SimulatedInstrument analyzer(bench, BenchFace::Analyzer);
+    ScpiSession toGenerator(generator);
+    ScpiSession toAnalyzer(analyzer);
+    QCOMPARE(tell(toGenerator, "FREQ 5;FREQ?"), QByteArray("5.000000"));
+    QCOMPARE(tell(toAnalyzer, "FREQ:CENT 6;CENT?"), QByteArray("6.000000"));
+    for (const char* line : {"FREQ:CENT 5", "INIT", "CALC:MARK:FUNC:POW:RES? ACP"}) {
+        QCOMPARE(tell(toGenerator, line), QByteArray());
+        QVERIFY(tell(toGenerator, "SYST:ERR?").startsWith("-113,"));
+    }
+    tell(toAnalyzer, "OUTP ON");
+    QVERIFY(tell(toAnalyzer, "SYST:ERR?").startsWith("-113,"));
+    tell(toGenerator, "OUTP ON");
+    tell(toAnalyzer, "*RST");
+    QVERIFY(bench.settings.generator.output);
+    tell(toGenerator, "*RST");
+    QVERIFY(!bench.settings.generator.output);
 }
 
 QTEST_APPLESS_MAIN(TestScpiSession)

@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <sys/ioctl.h>
+
 namespace {
 
 const char measurement[] = "CALC1:MARK1:FUNC:POW:RES? ACP";
@@ -19,6 +21,7 @@ SimulatorOptions quietOptions(quint16 signalPort = 1)
     options.port = 0;
     options.signalPort = signalPort;
     options.signalTiming = {3600000, 3600000};
+    options.fast = true;
     return options;
 }
 
@@ -35,7 +38,7 @@ bool start(Simulator& simulator)
 // Channels ten hertz wide, the upper one around the line 16 of a grid of one hertz. A quarter of
 // the rate is a line whose floats are exact, so that nothing else stands above the floor.
 const char setUp[] = "OUTP ON;FREQ 1e9;POW -10;FREQ:CENT 1e9;:POW:ACH:BWID 10;BWID:ACH 10;"
-                     ":POW:ACH:SPAC 16;MODE ABS";
+                     ":POW:ACH:SPAC 16;MODE ABS;:CALC:MARK:FUNC:POW:SEL ACP";
 constexpr int lineCount = 64;
 
 } // namespace
@@ -56,6 +59,13 @@ private slots:
     void aBadFileKeepsTheSimulatorFromStarting();
     void aTakenPortKeepsTheSimulatorFromStarting();
     void aTakenMicrowaveAddressKeepsTheSimulatorFromStarting();
+    void instrumentsCanHaveAddressesOfTheirOwn();
+    void whatHasNoAddressOfItsOwnStandsAtTheSharedOne();
+    void refusalsAreTold();
+    void aSerialLineSpeaksToo();
+    void aSerialLineThatNobodyReadsHoldsNobodyUp();
+    void theRippleIsWrittenAsATrace();
+    void aTraceThatCannotBeWrittenIsTold();
 };
 
 void TestSimulator::aSweepSeesASignalThatWasJustCalculated()
@@ -228,6 +238,143 @@ void TestSimulator::aTakenMicrowaveAddressKeepsTheSimulatorFromStarting()
     QString errorText;
     QVERIFY(!simulator.start(errorText));
     QVERIFY(errorText.startsWith("cannot listen on 127.0.0.1:"));
+}
+
+void TestSimulator::instrumentsCanHaveAddressesOfTheirOwn()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    program.calculateTone(lineCount, 16);
+    SimulatorOptions options = quietOptions(program.port());
+    options.generatorAddress = "127.0.0.2";
+    options.analyzerAddress = "127.0.0.3";
+    options.models.generator = findType(generatorTypes(), "ALTAIR");
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    const QString port = QString::number(simulator.port());
+    QCOMPARE(simulator.places(), QStringList({"generator listening on 127.0.0.2:" + port,
+                                              "analyzer listening on 127.0.0.3:" + port}));
+    ScpiClient generator;
+    ScpiClient analyzer;
+    ScpiClient nobody;
+    QVERIFY(generator.connectTo(simulator.port(), "127.0.0.2"));
+    QVERIFY(analyzer.connectTo(simulator.port(), "127.0.0.3"));
+    nobody.socket.connectToHost("127.0.0.1", simulator.port());
+    QTRY_COMPARE(nobody.socket.error(), QTcpSocket::ConnectionRefusedError);
+    QCOMPARE(generator.ask("L:ON;:IQ:ON;:RF 1e9;:L -10;*OPC?"), QByteArray("1"));
+    analyzer.send("CALC:MARK:FUNC:POW:SEL ACP;:FREQ:CENT 1e9;:POW:ACH:BWID 10;BWID:ACH 10;"
+                  ":POW:ACH:SPAC 16;MODE ABS;:INIT;*WAI\n");
+    QCOMPARE(analyzer.ask(measurement), QByteArray("-200.000000,-200.000000,-10.000000"));
+    analyzer.send("OUTP OFF\n");
+    QVERIFY(analyzer.ask("SYST:ERR?").startsWith("-113,"));
+    QCOMPARE(generator.ask("SYST:ERR?"), QByteArray("0,\"No error\""));
+}
+
+void TestSimulator::whatHasNoAddressOfItsOwnStandsAtTheSharedOne()
+{
+    SimulatorOptions options = quietOptions();
+    options.generatorAddress = "127.0.0.2";
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    ScpiClient analyzer;
+    QVERIFY(analyzer.connectTo(simulator.port()));
+    QCOMPARE(analyzer.ask("*IDN?"), QByteArray("Notchbench,Simulated Analyzer,0,1.0"));
+}
+
+void TestSimulator::refusalsAreTold()
+{
+    Simulator simulator(quietOptions());
+    QSignalSpy told(&simulator, &Simulator::told);
+    QVERIFY(start(simulator));
+    ScpiClient client;
+    QVERIFY(client.connectTo(simulator.port()));
+    QCOMPARE(client.ask("FREQ:CENT -4200000.00000000000;*OPC?"), QByteArray("1"));
+    QCOMPARE(told.size(), 1);
+    QCOMPARE(told[0][0].toString(),
+             QString("analyzer: -222,\"Data out of range;FREQ:CENT -4200000.00000000000\""));
+}
+
+// The other end as a program has it that opens the line by its name.
+void TestSimulator::aSerialLineSpeaksToo()
+{
+    SimulatorOptions options = quietOptions();
+    options.serial = true;
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    QCOMPARE(simulator.places().size(), 2);
+    const QRegularExpression form("^serial line on (/\\S+)$");
+    const QString name = form.match(simulator.places()[1]).captured(1);
+    for (int program = 0; program < 2; ++program) {
+        QFile line(name);
+        QVERIFY(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+        line.write("FREQ 5;FREQ?\r\n*IDN?\n");
+        const QByteArray expected = "5.000000\nNotchbench,Simulated Bench,0,1.0\n";
+        QByteArray answer;
+        // The file blocks, so it is read only when all has come.
+        int waiting = 0;
+        QTRY_VERIFY(ioctl(line.handle(), FIONREAD, &waiting) == 0 && waiting == expected.size());
+        QCOMPARE(line.read(waiting), expected);
+    }
+    ScpiClient client; // the same instruments
+    QVERIFY(client.connectTo(simulator.port()));
+    QCOMPARE(client.ask("FREQ?"), QByteArray("5.000000"));
+}
+
+void TestSimulator::aSerialLineThatNobodyReadsHoldsNobodyUp()
+{
+    SimulatorOptions options = quietOptions();
+    options.serial = true;
+    options.models.options = QByteArray(4000, 'x');
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    QFile line(simulator.places()[1].section(' ', -1));
+    QVERIFY(line.open(QIODevice::ReadWrite | QIODevice::Unbuffered));
+    ScpiClient client;
+    QVERIFY(client.connectTo(simulator.port()));
+    for (int k = 0; k < 600; ++k) { // more than a megabyte of answers
+        line.write("*OPT?\n");
+        QCoreApplication::processEvents();
+    }
+    QCOMPARE(client.ask("*OPC?"), QByteArray("1"));
+}
+
+void TestSimulator::theRippleIsWrittenAsATrace()
+{
+    QTemporaryDir folder;
+    FakeProgram program;
+    QVERIFY(program.listen());
+    SimulatorOptions options = quietOptions(program.port());
+    options.signalTiming = {10, 5000};
+    options.wiring.chain.ripple = {2.0, 16.0};
+    options.traceFile = folder.filePath("trace.txt");
+    Simulator simulator(options);
+    QVERIFY(start(simulator));
+    program.calculateTone(lineCount, 16);
+    QTRY_VERIFY(QFile::exists(options.traceFile));
+    QFile trace(options.traceFile);
+    QVERIFY(trace.open(QIODevice::ReadOnly));
+    const QList<QByteArray> lines = trace.readAll().trimmed().split('\n');
+    QCOMPARE(lines.size(), lineCount);
+    QCOMPARE(lines[0], QByteArray("-32.000;1.000000"));
+    QCOMPARE(lines[24], QByteArray("-8.000;-1.000000"));
+    QCOMPARE(lines[36].split(';')[0], QByteArray("4.000"));
+    QVERIFY(std::abs(lines[36].split(';')[1].toDouble()) < 1e-6);
+    QCOMPARE(lines[63].split(';')[0], QByteArray("31.000"));
+}
+
+void TestSimulator::aTraceThatCannotBeWrittenIsTold()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    SimulatorOptions options = quietOptions(program.port());
+    options.signalTiming = {10, 5000};
+    options.traceFile = "/nowhere/trace.txt";
+    Simulator simulator(options);
+    QSignalSpy told(&simulator, &Simulator::told);
+    QVERIFY(start(simulator));
+    program.calculateTone(lineCount, 16);
+    QTRY_COMPARE(told.size(), 1);
+    QVERIFY(told[0][0].toString().startsWith("/nowhere/trace.txt: "));
 }
 
 QTEST_GUILESS_MAIN(TestSimulator)

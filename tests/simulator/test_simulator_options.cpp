@@ -36,6 +36,7 @@ class TestSimulatorOptions : public QObject
 private slots:
     void theDefaultsAreThoseOfTheHelp();
     void everyOptionIsTaken();
+    void aFullScaleTakesThePlaceOfALoading();
     void aBadValueIsNamed_data();
     void aBadValueIsNamed();
 };
@@ -53,7 +54,11 @@ void TestSimulatorOptions::theDefaultsAreThoseOfTheHelp()
     QCOMPARE(options.wiring.chain.device.loadingFactor, 5.0);
     QVERIFY(!options.wiring.hasMicrowave);
     QVERIFY(std::isinf(options.wiring.chain.noiseFloor) && options.wiring.chain.noiseFloor < 0.0);
-    QCOMPARE(options.installedOptions, QByteArray("B15,B17,B23,B24"));
+    QVERIFY(!options.models.options);
+    QVERIFY(!options.wiring.chain.device.fullScale);
+    QVERIFY(options.generatorAddress.isEmpty() && options.analyzerAddress.isEmpty());
+    QVERIFY(!options.fast && !options.serial);
+    QVERIFY(!options.manner.silent && !options.manner.dropsClient && options.manner.delay == 0);
     QVERIFY(options.waveformFile.isEmpty() && !options.verbose);
 }
 
@@ -82,6 +87,29 @@ void TestSimulatorOptions::everyOptionIsTaken()
                                            "127.0.0.2",
                                            "--opt",
                                            "B24",
+                                           "--device-noise=-140",
+                                           "--source-notch",
+                                           "50",
+                                           "--ripple",
+                                           "1.5,2e7",
+                                           "--write-trace",
+                                           "t.txt",
+                                           "--generator",
+                                           "127.0.0.3",
+                                           "--analyzer",
+                                           "127.0.0.4",
+                                           "--generator-type",
+                                           "PHD(B)",
+                                           "--analyzer-type",
+                                           "NOR",
+                                           "--microwave-type",
+                                           "ZUB",
+                                           "--serial",
+                                           "--fast",
+                                           "--silent",
+                                           "--drop",
+                                           "--delay",
+                                           "1.5",
                                            "--verbose"});
     QCOMPARE(options.port, quint16(0));
     QCOMPARE(options.signalPort, quint16(2000));
@@ -95,8 +123,27 @@ void TestSimulatorOptions::everyOptionIsTaken()
     QCOMPARE(options.waveformFile, QString("x.wv"));
     QCOMPARE(options.microwaveAddress, QString("127.0.0.2"));
     QVERIFY(options.wiring.hasMicrowave);
-    QCOMPARE(options.installedOptions, QByteArray("B24"));
+    QCOMPARE(*options.models.options, QByteArray("B24"));
+    QCOMPARE(options.wiring.chain.deviceNoise, -140.0);
+    QCOMPARE(options.wiring.chain.sourceNotch, 50.0);
+    QCOMPARE(options.wiring.chain.ripple.peakToPeak, 1.5);
+    QCOMPARE(options.wiring.chain.ripple.period, 2e7);
+    QCOMPARE(options.traceFile, QString("t.txt"));
+    QCOMPARE(options.generatorAddress, QString("127.0.0.3"));
+    QCOMPARE(options.analyzerAddress, QString("127.0.0.4"));
+    QCOMPARE(options.models.generator->name, "PHD(B)");
+    QCOMPARE(options.models.analyzer->name, "NOR");
+    QCOMPARE(options.models.microwave->name, "ZUB");
+    QVERIFY(options.serial && options.fast);
+    QVERIFY(options.manner.silent && options.manner.dropsClient);
+    QCOMPARE(options.manner.delay, 1500);
     QVERIFY(options.verbose);
+}
+
+void TestSimulatorOptions::aFullScaleTakesThePlaceOfALoading()
+{
+    QCOMPARE(*good({"--full-scale", "-6"}).wiring.chain.device.fullScale, -6.0);
+    QVERIFY(!good({"--loading", "4"}).wiring.chain.device.fullScale);
 }
 
 void TestSimulatorOptions::aBadValueIsNamed_data()
@@ -122,6 +169,18 @@ void TestSimulatorOptions::aBadValueIsNamed_data()
         {{"--intercept", "inf"}, "bad value for --intercept: inf"},
         {{"--noise-floor", "quiet"}, "bad value for --noise-floor: quiet"},
         {{"--microwave", "nowhere"}, "bad value for --microwave: nowhere"},
+        {{"--generator", "here"}, "bad value for --generator: here"},
+        {{"--analyzer", ""}, "bad value for --analyzer: "},
+        {{"--generator-type", "TAU"}, "bad value for --generator-type: TAU"},
+        {{"--analyzer-type", "ara"}, "bad value for --analyzer-type: ara"},
+        {{"--microwave-type", ""}, "bad value for --microwave-type: "},
+        {{"--ripple", "1"}, "bad value for --ripple: 1"},
+        {{"--ripple", "1,0"}, "bad value for --ripple: 1,0"},
+        {{"--source-notch", "-3"}, "bad value for --source-notch: -3"},
+        {{"--full-scale", "high"}, "bad value for --full-scale: high"},
+        {{"--full-scale", "0", "--loading", "5"}, "--full-scale and --loading exclude each other"},
+        {{"--delay", "-1"}, "bad value for --delay: -1"},
+        {{"--bits"}, "Missing value after '--bits'."},
         {{"file.wv"}, "unexpected argument: file.wv"},
         {{"--frequency", "5"}, "Unknown option 'frequency'."},
     };

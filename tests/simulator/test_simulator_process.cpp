@@ -46,7 +46,7 @@ private slots:
     void aBadOptionEndsItWithAMessage();
     void helpTellsEveryOption();
     void verboseLogsEveryCommand();
-    void withoutVerboseNothingIsLogged();
+    void withoutVerboseOnlyRefusalsAreTold();
 };
 
 void TestSimulatorProcess::aSignalEndsTheProgramCleanly_data()
@@ -90,11 +90,24 @@ void TestSimulatorProcess::aTakenPortEndsItWithAMessage()
 
 void TestSimulatorProcess::aBadOptionEndsItWithAMessage()
 {
-    Process process;
-    process.runToEnd({"--bits", "many"});
-    QCOMPARE(process.exitCode(), 1);
-    QCOMPARE(process.readAllStandardError(),
-             QByteArray("notchbench-simulator: bad value for --bits: many\n"));
+    const struct
+    {
+        QStringList arguments;
+        const char* message;
+    } rows[] = {
+        {{"--bits", "many"}, "bad value for --bits: many"},
+        {{"--full-scale", "0", "--loading", "5"}, "--full-scale and --loading exclude each other"},
+        {{"--speed", "5"}, "Unknown option 'speed'."},
+        {{"now"}, "unexpected argument: now"},
+    };
+    for (const auto& row : rows) {
+        Process process;
+        process.runToEnd(row.arguments);
+        QCOMPARE(process.exitCode(), 2);
+        QCOMPARE(process.readAllStandardOutput(), QByteArray());
+        QCOMPARE(process.readAllStandardError(),
+                 QByteArray("notchbench-simulator: ") + row.message + '\n');
+    }
 }
 
 void TestSimulatorProcess::helpTellsEveryOption()
@@ -103,9 +116,35 @@ void TestSimulatorProcess::helpTellsEveryOption()
     process.runToEnd({"--help"});
     QCOMPARE(process.exitCode(), 0);
     const QByteArray help = process.readAllStandardOutput();
-    for (const char* option : {"--dut", "--port", "--signal-port", "--saturation", "--smoothness",
-                               "--intercept", "--bits", "--loading", "--noise-floor", "--waveform",
-                               "--microwave", "--opt", "--verbose"}) {
+    for (const char* option : {"--dut",
+                               "--port",
+                               "--signal-port",
+                               "--saturation",
+                               "--smoothness",
+                               "--intercept",
+                               "--bits",
+                               "--loading",
+                               "--full-scale",
+                               "--device-noise",
+                               "--noise-floor",
+                               "--source-notch",
+                               "--ripple",
+                               "--write-trace",
+                               "--waveform",
+                               "--generator",
+                               "--analyzer",
+                               "--microwave",
+                               "--generator-type",
+                               "--analyzer-type",
+                               "--microwave-type",
+                               "--opt",
+                               "--serial",
+                               "--delay",
+                               "--silent",
+                               "--drop",
+                               "--fast",
+                               "--verbose",
+                               "--dut adc --bits 12"}) {
         QVERIFY2(help.contains(option), option);
     }
 }
@@ -127,7 +166,7 @@ void TestSimulatorProcess::verboseLogsEveryCommand()
     QVERIFY(process.waitForFinished(10000));
 }
 
-void TestSimulatorProcess::withoutVerboseNothingIsLogged()
+void TestSimulatorProcess::withoutVerboseOnlyRefusalsAreTold()
 {
     Process process;
     const int port = process.startListening();
@@ -135,11 +174,13 @@ void TestSimulatorProcess::withoutVerboseNothingIsLogged()
     QTcpSocket client;
     client.connectToHost("127.0.0.1", quint16(port));
     QVERIFY(client.waitForConnected(10000));
-    client.write("FOO\n*OPC?\n");
+    client.write("FREQ 5\nFOO\nFREQ:CENT -1\n*CLS;*OPC?\n");
     QVERIFY(client.waitForReadyRead(10000));
     process.terminate();
     QVERIFY(process.waitForFinished(10000));
-    QCOMPARE(process.readAllStandardError(), QByteArray());
+    QCOMPARE(process.readAllStandardError(),
+             QByteArray("bench: -113,\"Undefined header;FOO\"\n"
+                        "analyzer: -222,\"Data out of range;FREQ:CENT -1\"\n"));
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorProcess)
