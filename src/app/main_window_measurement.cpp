@@ -3,6 +3,7 @@
 #include "app/failure_door.h"
 #include "app/main_window.h"
 #include "app/remote_failure_box.h"
+#include "instruments/instrument_link.h"
 #include "measurement/preset.h"
 #include "remote/ko_remote_exception.h"
 #include "ui_main_window.h"
