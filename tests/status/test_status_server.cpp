@@ -206,6 +206,7 @@ void TestStatusServer::clientThatTakesNothingIsReadAgainOnceItHasTakenSome()
 void TestStatusServer::formerClientsAreDroppedTheOldestFirst()
 {
     std::vector<std::unique_ptr<StatusClient>> clients;
+    clients.reserve(35);
     for (int i = 0; i < 35; ++i) {
         clients.push_back(greetedClient());
     }

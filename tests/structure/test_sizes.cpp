@@ -28,7 +28,7 @@ bool endsWhatStandsBefore(const QStringList& lines, int at)
 {
     static const QRegularExpression end("([;{}]|^ *(public|protected|private|signals|public slots|"
                                         "private slots):|^#.*)$");
-    const QString line = lines.at(at);
+    const QString& line = lines.at(at);
     const bool isInitialValue = line.endsWith('}') && (line.trimmed().startsWith(':') ||
                                                        (at > 0 && lines.at(at - 1).endsWith(',')));
     return isBlankOrComment(line) || (end.match(line).hasMatch() && !isInitialValue);
