@@ -8,6 +8,8 @@
 #include "kit/system_limits.h"
 #include "kit/window_driver.h"
 
+#include <QProgressBar>
+#include <QTableWidget>
 #include <QTemporaryDir>
 
 enum class Shortness { Threads, Memory };
@@ -77,11 +79,63 @@ struct LimitedBench
         QFile file(path(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
-    void save(const char* action, const QString& name) const
+    // A trace of an analyzer over the whole default span.
+    void writeTrace(const QString& name) const
+    {
+        QFile file(path(name));
+        expect(file.open(QIODevice::WriteOnly), "the trace is written");
+        for (int point = 0; point <= 1000; ++point) {
+            file.write(QByteArray::number(1e9 + (point - 500) * 1e5) + ";" +
+                       QByteArray::number(-20.0 - point * 0.003) + "\n");
+        }
+    }
+    // Answers the file dialog of the action.
+    void answer(const char* action, const QString& name) const
     {
         operate.answerFileDialog(path(name));
         operate.trigger(action);
     }
+};
+
+// The open dialog of a sweep.
+class Sweep
+{
+public:
+    explicit Sweep(const LimitedBench& bench)
+    {
+        bench.operate.trigger("actionOptimize_Crest_Fector");
+        dialog = QApplication::activeModalWidget();
+        expect(dialog != nullptr, "the dialog is open");
+    }
+    ~Sweep() { dialog->close(); }
+    Sweep(const Sweep&) = delete;
+    Sweep& operator=(const Sweep&) = delete;
+
+    void start(int seeds) const
+    {
+        const WindowDriver operate(*dialog);
+        operate.type("seed_count_input", QString::number(seeds));
+        operate.click("start_button");
+    }
+    // Returns the crest factors; an empty text stands for none.
+    QStringList end() const
+    {
+        const WindowDriver operate(*dialog);
+        await("the end of the sweep", [&] { return operate.isEnabled("start_button"); });
+        expect(!operate.isEnabled("stop_button"), "there is nothing to stop");
+        const auto* progress = operate.find<QProgressBar>("progressBar");
+        expect(progress->value() == progress->maximum(), "no seed is awaited");
+        const auto* table = operate.find<QTableWidget>("tableWidget");
+        QStringList rows;
+        for (int row = 0; row < table->rowCount(); ++row) {
+            const QTableWidgetItem* item = table->item(row, 0);
+            rows.append(item == nullptr ? QString() : item->text());
+        }
+        return rows;
+    }
+
+private:
+    QWidget* dialog;
 };
 
 struct LimitedScenario

@@ -74,6 +74,7 @@ void bringUpInTheShortage(const LimitedBench& bench)
 {
     answerPromptly(bench.device);
     QWidget* devices = openDevices(bench);
+    WindowDriver(*devices).pick("m_type", 1);
     for (const int index : {0, 1, 2}) {
         const Tab tab(*devices, index);
         for (const char* job : {"init", "set", "reset"}) {

@@ -2,9 +2,6 @@
 #include "fit/dialogs/load_trace_dialog.h"
 #include "reliability/limited_bench.h"
 
-#include <QProgressBar>
-#include <QTableWidget>
-
 namespace {
 
 void calculateInTheShortage(const LimitedBench& bench)
@@ -38,10 +35,10 @@ void calculateWithoutHelpers(const LimitedBench& bench)
             bench.kind == Shortness::Threads ? 0 : addressSpaceInUse() + LargeStacks::size / 2);
         expect(threadIsRefused(), "there is no further thread");
         alone = bench.calculate();
-        bench.save("actionSave_Waveform", "alone.i");
+        bench.answer("actionSave_Waveform", "alone.i");
     }
     expect(bench.calculate() == alone, "the crest factor is the same");
-    bench.save("actionSave_Waveform", "helped.i");
+    bench.answer("actionSave_Waveform", "helped.i");
     expect(bench.content("alone.i").count('\n') == 262144, "all samples are there");
     expect(bench.content("alone.i") == bench.content("helped.i"), "the samples are the same");
     expect(bench.content("alone.q") == bench.content("helped.q"), "the samples are the same");
@@ -67,9 +64,9 @@ void saveFilesInTheShortage(const LimitedBench& bench)
     bench.operate.pick("fft_length_input", 4);
     bench.calculate();
     for (const Form& form : forms) {
-        bench.save(form.action, "before" + form.endings.first());
+        bench.answer(form.action, "before" + form.endings.first());
         const Shortage shortage(bench.kind);
-        bench.save(form.action, "short" + form.endings.first());
+        bench.answer(form.action, "short" + form.endings.first());
         expect(QApplication::activeModalWidget() == nullptr, "nothing is said");
     }
     for (const Form& form : forms) {
@@ -90,17 +87,10 @@ void closeInTheShortage(const LimitedBench& bench)
     bench.operate.click("preset_button");
 }
 
-// A trace of the whole default span.
 LoadTraceDialog* openTrace(const LimitedBench& bench)
 {
-    QFile file(bench.path("trace.txt"));
-    expect(file.open(QIODevice::WriteOnly), "the trace is written");
-    for (int point = 0; point <= 1000; ++point) {
-        file.write(QByteArray::number(1e9 + (point - 500) * 1e5) + ";" +
-                   QByteArray::number(-20.0 - point * 0.003) + "\n");
-    }
-    file.close();
-    bench.save("actionLoad_SAN_Mag", "trace.txt");
+    bench.writeTrace("trace.txt");
+    bench.answer("actionLoad_SAN_Mag", "trace.txt");
     const auto dialogs = bench.window.findChildren<LoadTraceDialog*>();
     expect(!dialogs.isEmpty(), "the dialog is open");
     return dialogs.last();
@@ -155,46 +145,6 @@ void fitATraceInTheShortage(const LimitedBench& bench)
     bench.calculate();
     loadTheWholeTrace(bench);
 }
-
-class Sweep
-{
-public:
-    explicit Sweep(const LimitedBench& bench)
-    {
-        bench.operate.trigger("actionOptimize_Crest_Fector");
-        dialog = QApplication::activeModalWidget();
-        expect(dialog != nullptr, "the dialog is open");
-    }
-    ~Sweep() { dialog->close(); }
-    Sweep(const Sweep&) = delete;
-    Sweep& operator=(const Sweep&) = delete;
-
-    void start(int seeds) const
-    {
-        const WindowDriver operate(*dialog);
-        operate.type("seed_count_input", QString::number(seeds));
-        operate.click("start_button");
-    }
-    // Returns the crest factors; an empty text stands for none.
-    QStringList end() const
-    {
-        const WindowDriver operate(*dialog);
-        await("the end of the sweep", [&] { return operate.isEnabled("start_button"); });
-        expect(!operate.isEnabled("stop_button"), "there is nothing to stop");
-        const auto* progress = operate.find<QProgressBar>("progressBar");
-        expect(progress->value() == progress->maximum(), "no seed is awaited");
-        const auto* table = operate.find<QTableWidget>("tableWidget");
-        QStringList rows;
-        for (int row = 0; row < table->rowCount(); ++row) {
-            const QTableWidgetItem* item = table->item(row, 0);
-            rows.append(item == nullptr ? QString() : item->text());
-        }
-        return rows;
-    }
-
-private:
-    QWidget* dialog;
-};
 
 void sweepInTheShortage(const LimitedBench& bench)
 {

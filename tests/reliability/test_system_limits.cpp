@@ -12,8 +12,10 @@ class TestSystemLimits : public QObject
 private slots:
     void withoutAFurtherThreadEveryEndIsSeen_data();
     void withoutAFurtherThreadEveryEndIsSeen();
-    void withoutMemoryEveryEndIsSeen_data();
-    void withoutMemoryEveryEndIsSeen();
+    void withoutMemoryForAThreadEveryEndIsSeen_data();
+    void withoutMemoryForAThreadEveryEndIsSeen();
+    void aJobThatRunsOutOfMemoryIsSeenToEnd_data();
+    void aJobThatRunsOutOfMemoryIsSeenToEnd();
 };
 
 namespace {
@@ -56,12 +58,26 @@ void TestSystemLimits::withoutAFurtherThreadEveryEndIsSeen()
     playToTheEnd({scenario, "threads"});
 }
 
-void TestSystemLimits::withoutMemoryEveryEndIsSeen_data()
+void TestSystemLimits::withoutMemoryForAThreadEveryEndIsSeen_data()
 {
     addScenarios(threadScenarios);
 }
 
-void TestSystemLimits::withoutMemoryEveryEndIsSeen()
+void TestSystemLimits::aJobThatRunsOutOfMemoryIsSeenToEnd_data()
+{
+    addScenarios({"great calculation", "great trace", "great sweep", "last memory"});
+}
+
+void TestSystemLimits::aJobThatRunsOutOfMemoryIsSeenToEnd()
+{
+    QFETCH(QString, scenario);
+    if (isInstrumented) {
+        QSKIP("a sanitizer needs the whole address space");
+    }
+    playToTheEnd({scenario});
+}
+
+void TestSystemLimits::withoutMemoryForAThreadEveryEndIsSeen()
 {
     QFETCH(QString, scenario);
     if (isInstrumented) {
