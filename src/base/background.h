@@ -12,43 +12,47 @@
 #include "base/worker_threads.h"
 
 #include <QObject>
-#include <QPointer>
 
 #include <functional>
 #include <memory>
 #include <type_traits>
-#include <utility>
 
-// Calls back in the main thread when its event loop gets round to it, in order of asking; not at
-// all without an application. Any thread.
-void inMainThread(std::function<void()> call);
+class QEvent;
 
-// The same, if the asker is still there then. The pointer is made in the main thread.
-template <class Call> void inMainThreadFor(const QPointer<QObject>& asker, Call call)
+// A call in the main thread, made ahead: sending it takes no memory, so an end can be told when
+// there is none left. Made in the main thread. Calls come in order of sending, when the event loop
+// gets round to them; one whose asker or application has gone is dropped.
+class CallHome
 {
-    inMainThread([asker, call]() mutable {
-        if (asker) {
-            call();
-        }
-    });
-}
+public:
+    CallHome(QObject* asker, std::function<void()> call);
+    ~CallHome();
+    CallHome(const CallHome&) = delete;
+    CallHome& operator=(const CallHome&) = delete;
 
-// Main thread.
+    // Once, from any thread that the end of the application waits for.
+    void send();
+
+private:
+    QObject* home; // null without an application
+    std::unique_ptr<QEvent> event;
+};
+
+// Main thread. Throws std::bad_alloc when there isn't even the memory to ask; then nothing comes.
 template <class Work, class Receive> void inBackground(QObject* asker, Work work, Receive receive)
 {
     using Result = std::invoke_result_t<Work&>;
-    const auto deliver = [home = QPointer<QObject>(asker), receive](const Result& result) {
-        inMainThreadFor(home, [receive, result]() mutable { receive(result); });
-    };
-    const bool started = WorkerThreads::ofProcess().start([work, deliver]() mutable {
-        Result result{};
+    const auto result = std::make_shared<Result>();
+    const auto end =
+        std::make_shared<CallHome>(asker, [result, receive]() mutable { receive(*result); });
+    const bool started = WorkerThreads::ofProcess().start([work, result, end]() mutable {
         try {
-            result = work();
+            *result = work();
         } catch (...) { // NOLINT(bugprone-empty-catch): the default-made result tells it
         }
-        deliver(result);
+        end->send();
     });
     if (!started) {
-        deliver(Result{});
+        end->send();
     }
 }

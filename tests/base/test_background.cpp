@@ -26,6 +26,9 @@ private slots:
     void anExceptionBringsADefaultMadeResult();
     void aRefusedThreadBringsADefaultMadeResult();
     void noMemoryForAThreadBringsADefaultMadeResult();
+    void anEndIsToldWhereNoMemoryIsLeft_data();
+    void anEndIsToldWhereNoMemoryIsLeft();
+    void whoAsksInTheLastMemoryIsAnsweredOrToldSo();
     void callsArriveInOrderOfAsking();
     void manyAtOnceAllArriveOnce();
     void aResultMayAskForTheNext();
@@ -185,14 +188,78 @@ void TestBackground::noMemoryForAThreadBringsADefaultMadeResult()
     arrivesDefaultMade();
 }
 
+void TestBackground::anEndIsToldWhereNoMemoryIsLeft_data()
+{
+    QTest::addColumn<bool>("isDone");
+    QTest::newRow("of work that is done") << true;
+    QTest::newRow("of work that isn't") << false;
+}
+
+void TestBackground::anEndIsToldWhereNoMemoryIsLeft()
+{
+    QFETCH(bool, isDone);
+    if (isInstrumented) {
+        QSKIP("a sanitizer needs the whole address space");
+    }
+    const Application application;
+    QObject asker;
+    std::unique_ptr<LastMemory> last;
+    int result = unset;
+    inBackground(
+        &asker,
+        [&last, isDone] {
+            last = std::make_unique<LastMemory>(0, LastMemory::smallestOfAll);
+            if (!isDone) {
+                throw std::bad_alloc();
+            }
+            return 7;
+        },
+        [&result](int brought) { result = brought; });
+    WorkerThreads::ofProcess().waitForDone();
+    last.reset();
+    QTRY_COMPARE(result, isDone ? 7 : 0);
+}
+
+void TestBackground::whoAsksInTheLastMemoryIsAnsweredOrToldSo()
+{
+    if (isInstrumented) {
+        QSKIP("a sanitizer needs the whole address space");
+    }
+    const Application application;
+    QObject asker;
+    int refusals = 0;
+    int answers = 0;
+    for (std::size_t left = 0; left < 4096; left += 64) {
+        bool isRefused = false;
+        int arrivals = 0;
+        {
+            const LastMemory last(left, LastMemory::smallestOfAll);
+            try {
+                inBackground(
+                    &asker, [] { return 7; }, [&arrivals](int) { ++arrivals; });
+            } catch (const std::bad_alloc&) {
+                isRefused = true;
+            }
+            WorkerThreads::ofProcess().waitForDone();
+        }
+        QCoreApplication::processEvents();
+        QCOMPARE(arrivals, isRefused ? 0 : 1);
+        refusals += isRefused ? 1 : 0;
+        answers += arrivals;
+    }
+    QVERIFY(refusals > 0);
+    QVERIFY(answers > 0);
+}
+
 void TestBackground::callsArriveInOrderOfAsking()
 {
     const Application application;
+    QObject asker;
     QVector<int> arrived;
     QVector<int> asked;
     for (int i = 0; i < 100; ++i) {
         asked.append(i);
-        inMainThread([&arrived, i] { arrived.append(i); });
+        CallHome(&asker, [&arrived, i] { arrived.append(i); }).send();
     }
     QVERIFY(arrived.isEmpty());
     QTRY_COMPARE(arrived, asked);
@@ -229,7 +296,8 @@ void TestBackground::aResultMayAskForTheNext()
 void TestBackground::withoutAnApplicationNothingIsCalled()
 {
     bool isCalled = false;
-    inMainThread([&isCalled] { isCalled = true; });
+    QObject asker;
+    CallHome(&asker, [&isCalled] { isCalled = true; }).send();
     const Application application;
     QCoreApplication::processEvents();
     QVERIFY(!isCalled);

@@ -5,14 +5,17 @@
 
 #include <QFile>
 
+#include <cstdlib>
 #include <future>
 #include <grp.h>
+#include <memory>
 #include <pthread.h>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 // No limit on threads binds root: gives it up for good. False where that can't be done.
 inline bool becomeOrdinaryUser()
@@ -71,6 +74,43 @@ class MemoryLimit : public LoweredLimit
 {
 public:
     explicit MemoryLimit(rlim_t left) : LoweredLimit(RLIMIT_AS, addressSpaceInUse() + left) {}
+};
+
+// Takes all memory down to blocks of the given size, and leaves the given number of bytes in one
+// piece. That counts what the allocator has reserved, which no limit meets any more.
+class LastMemory
+{
+public:
+    LastMemory(std::size_t left, std::size_t smallest)
+    {
+        QByteArray kept(static_cast<int>(left), Qt::Uninitialized);
+        limit = std::make_unique<MemoryLimit>(0);
+        for (std::size_t size = std::size_t{32} << 20; size >= smallest; size /= 2) {
+            while (auto* block = static_cast<Block*>(std::malloc(size))) {
+                *block = {taken};
+                taken = block;
+            }
+        }
+    }
+    ~LastMemory()
+    {
+        while (taken != nullptr) {
+            std::free(std::exchange(taken, taken->next));
+        }
+    }
+    LastMemory(const LastMemory&) = delete;
+    LastMemory& operator=(const LastMemory&) = delete;
+
+    static constexpr std::size_t smallestOfAll = 16;
+
+private:
+    struct Block
+    {
+        Block* next;
+    };
+
+    std::unique_ptr<MemoryLimit> limit;
+    Block* taken = nullptr;
 };
 
 // Threads begun meanwhile reserve so much for their stacks that a shortage of memory meets them and

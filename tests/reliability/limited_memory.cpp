@@ -5,49 +5,10 @@
 #include "reliability/limited_bench.h"
 #include "setup/config_file.h"
 
-#include <cstdlib>
-
 namespace {
 
 constexpr rlim_t mebibyte = 1 << 20;
 constexpr int greatestLength = 0; // row; each of a signal's four vectors takes 32 MiB there
-
-// Takes all memory down to blocks of the given size, and leaves the given number of bytes in one
-// piece. That counts what the allocator has reserved, which no limit meets any more.
-class LastMemory
-{
-public:
-    LastMemory(std::size_t left, std::size_t smallest)
-    {
-        QByteArray kept(static_cast<int>(left), Qt::Uninitialized);
-        limit = std::make_unique<MemoryLimit>(0);
-        for (std::size_t size = 32 * mebibyte; size >= smallest; size /= 2) {
-            while (auto* block = static_cast<Block*>(std::malloc(size))) {
-                *block = {taken};
-                taken = block;
-            }
-        }
-    }
-    ~LastMemory()
-    {
-        while (taken != nullptr) {
-            std::free(std::exchange(taken, taken->next));
-        }
-    }
-    LastMemory(const LastMemory&) = delete;
-    LastMemory& operator=(const LastMemory&) = delete;
-
-    static constexpr std::size_t smallestOfAll = 16;
-
-private:
-    struct Block
-    {
-        Block* next;
-    };
-
-    std::unique_ptr<MemoryLimit> limit;
-    Block* taken = nullptr;
-};
 
 // One step of the limit after the other fails at another place of the calculation, until there is
 // enough for all of it.

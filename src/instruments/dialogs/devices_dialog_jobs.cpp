@@ -8,16 +8,15 @@
 template <class Device>
 void DevicesDialog::request(Device MeasurementSetup::*member, QLineEdit* message, Job job)
 {
-    message->setText(QStringLiteral("pending..."));
     const Device device = setup->*member;
     const auto show = [this, member, message, link = device.link()] {
         if (link == (setup->*member).link()) { // or else the record was replaced meanwhile
             showOutcome(*link, message);
         }
     };
-    device.link()->converse(
-        [device, job] { (device.*job)(); },
-        [home = QPointer<QObject>(this), show] { inMainThreadFor(home, show); });
+    device.link()->converse([device, job] { (device.*job)(); },
+                            [end = std::make_shared<CallHome>(this, show)] { end->send(); });
+    message->setText(QStringLiteral("pending...")); // last: without memory there is no job
 }
 
 void DevicesDialog::showOutcome(const InstrumentLink& link, QLineEdit* message)
