@@ -6,6 +6,7 @@
 
 #include <condition_variable>
 #include <exception>
+#include <new>
 #include <utility>
 
 LinkTurn& LinkTurn::operator=(LinkTurn&& other) noexcept
@@ -88,8 +89,7 @@ void InstrumentLink::converse(const Conversation& conversation, const Conversati
         ended();
         turn->giveBack();
     };
-    ++pending;
-    ask([this, talk, ended, turn](LinkTurn given) {
+    const Grant begin = [this, talk, ended, turn](LinkTurn given) {
         *turn = std::move(given);
         if (*turn && !WorkerThreads::ofProcess().start(talk)) {
             fail(QStringLiteral("No thread for the instrument"));
@@ -97,7 +97,14 @@ void InstrumentLink::converse(const Conversation& conversation, const Conversati
             ended();
             turn->giveBack();
         }
-    });
+    };
+    ++pending;
+    try {
+        ask(begin);
+    } catch (const std::bad_alloc&) { // no place in the queue
+        --pending;
+        throw;
+    }
 }
 
 void InstrumentLink::retire()

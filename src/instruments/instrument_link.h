@@ -58,7 +58,7 @@ public:
     // Takes a place in the queue; when its turn has come, the conversation runs on a worker thread
     // and afterwards, on that thread, ended is called. Where there is no thread or no memory for
     // it, the device message says so and ended is called all the same. On a retired link nothing
-    // is.
+    // is. Throws std::bad_alloc, and nothing is called, when there is no memory for the place.
     void converse(const Conversation& conversation, const Conversation& ended);
     // How many of these have not ended yet.
     int pendingConversations() const { return pending; }
