@@ -272,8 +272,17 @@ void MainWindow::invalidate(QWidget* from)
 
 void MainWindow::on_calc_fft_button_clicked()
 {
-    setup.setDataState(DataState::Calculating);
-    notifyPropertyChanged();
+    try {
+        setup.setDataState(DataState::Calculating);
+        notifyPropertyChanged();
+        startCalculation();
+    } catch (const std::bad_alloc&) { // there was none even to ask for it
+        storeResult({});
+    }
+}
+
+void MainWindow::startCalculation()
+{
     inBackground(
         this,
         [copy = setup.forOtherThread(), running = calculationRunning]() mutable {

@@ -113,6 +113,7 @@ private:
     void showTable();
 
     void invalidate(QWidget* from = nullptr);
+    void startCalculation();
     void storeResult(const CalculationResult& result);
     void connectMeasurement();
     void retireLinks();
