@@ -2,6 +2,7 @@
 // where files are written, which needs so little that only the last of the memory stops it.
 #include "files/waveform_output.h"
 #include "fit/dialogs/load_trace_dialog.h"
+#include "instruments/instrument_link.h"
 #include "reliability/limited_bench.h"
 #include "setup/config_file.h"
 
@@ -180,11 +181,64 @@ void saveFilesInTheLastMemory(const LimitedBench& bench)
     }
 }
 
+// A thread stands idle, so that nothing but memory is short. Who asks is told so, or answered.
+void talkInTheLastMemory(const LimitedBench&)
+{
+    const auto link = std::make_shared<InstrumentLink>();
+    int refused = 0;
+    int held = 0;
+    for (std::size_t left = 0; left < 4096; left += 64) {
+        std::atomic<int> ends{0};
+        bool isRefused = false;
+        {
+            expect(WorkerThreads::ofProcess().start([] {}), "there is a thread");
+            WorkerThreads::ofProcess().waitForDone();
+            const LastMemory last(left, LastMemory::smallestOfAll);
+            try {
+                link->converse([] { throw std::bad_alloc(); }, [&ends] { ++ends; });
+            } catch (const std::bad_alloc&) {
+                isRefused = true;
+            }
+            WorkerThreads::ofProcess().waitForDone();
+        }
+        expect(ends == (isRefused ? 0 : 1), "the conversation's end is told");
+        expect(link->pendingConversations() == 0, "nothing is pending");
+        expect(!link->isInUse(), "the link is free again");
+        refused += isRefused ? 1 : 0;
+        held += ends;
+    }
+    expect(refused > 0 && held > 0, "memory is short for some and not for others");
+}
+
+// Pressed where the window has hardly the memory to show it.
+void pressCalculateInTheLastMemory(const LimitedBench& bench)
+{
+    bench.operate.pick("fft_length_input", 12);
+    const QString good = bench.calculate();
+    for (std::size_t left = 0; left < mebibyte; left += left < 65536 ? 1024 : 65536) {
+        {
+            const LastMemory last(left, LastMemory::smallestOfAll);
+            try {
+                bench.window.on_calc_fft_button_clicked();
+            } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch): what is seen counts
+            }
+            WorkerThreads::ofProcess().waitForDone();
+        }
+        QCoreApplication::processEvents();
+        bench.window.notifyPropertyChanged(); // as any other input does
+        await("the end of the calculation", [&bench] { return !bench.isCalculating(); });
+        expect(bench.operate.isEnabled("calc_fft_button"), "the button is back");
+    }
+    expect(bench.calculate() == good, "the signal is the same afterwards");
+}
+
 } // namespace
 
 const QVector<LimitedScenario> memoryScenarios = {
     {"great calculation", calculateAtTheGreatestLength, false},
     {"great trace", loadATraceAtTheGreatestLength, false},
     {"great sweep", sweepAtTheGreatestLength, false},
+    {"last talk", talkInTheLastMemory, false},
+    {"last press", pressCalculateInTheLastMemory, false},
     {"last memory", saveFilesInTheLastMemory, false},
 };

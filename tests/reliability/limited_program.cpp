@@ -1,9 +1,12 @@
 // The program under real limits of the system; test_system_limits runs it as a process of its own
 // and judges how it ends. Arguments: the scenario, and "memory" where threads are to be refused for
-// want of memory and not by a limit on their number. Status 77: the limit binds nothing here.
+// want of memory and not by a limit on their number. The line "closing" says that only the end is
+// still to come. Status 77: the limit binds nothing here.
 #include "app/steady_application.h"
 #include "base/large_pages.h"
 #include "reliability/limited_bench.h"
+
+#include <cstdio>
 
 namespace {
 
@@ -42,6 +45,8 @@ int play(const LimitedScenario& scenario, Shortness kind)
     window.show();
     QTimer::singleShot(0, &window, [&] {
         scenario.play(bench);
+        std::puts("closing");
+        std::fflush(stdout);
         window.close();
     });
     return QApplication::exec();
