@@ -2,10 +2,26 @@
 // process of its own and judges how it ends.
 #include "app/main_window.h"
 #include "kit/background_jobs.h"
+#include "kit/bench_instrument.h"
+#include "kit/full_listener.h"
 #include "kit/scripted_instrument.h"
+#include "kit/stand_in_visa.h"
 #include "kit/window_driver.h"
 
+#include <QTabWidget>
+
+#include <cstdio>
+#include <thread>
+
 namespace {
+
+// From here on the process has two seconds; test_closing measures them.
+void closeNow(MainWindow& window)
+{
+    std::puts("closing");
+    std::fflush(stdout);
+    window.close();
+}
 
 bool isCalculating(const WindowDriver& operate)
 {
@@ -88,6 +104,143 @@ void closeDuringAPreset(MainWindow& window, const WindowDriver& operate)
     window.close();
 }
 
+WindowDriver openDevices(const WindowDriver& operate)
+{
+    operate.trigger("actionDevices");
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        if (each->windowTitle() == QLatin1String("Devices")) {
+            const WindowDriver devices(*each);
+            devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+            return devices;
+        }
+    }
+    qFatal("there is no devices dialog");
+}
+
+void clickInDevices(const WindowDriver& operate, const char* button)
+{
+    openDevices(operate).click(button);
+}
+
+// Waits for one more of these lines.
+template <class Act> void awaitLine(const BenchInstrument& device, const QByteArray& line, Act act)
+{
+    const int before = device.count(line);
+    act();
+    if (!QTest::qWaitFor([&] { return device.count(line) > before; })) {
+        qFatal("%s never came", line.constData());
+    }
+}
+
+// The analyzer, connected and tuned to a notch. From now on it answers nothing any more.
+BenchInstrument& silentAnalyzer(const WindowDriver& operate)
+{
+    static BenchInstrument device(QStringLiteral("127.0.0.1"));
+    device.answer("*IDN?", "ACME,42\n");
+    operate.type("notch_count_input", "3");
+    operate.click("autocalc_notches_button");
+    awaitLine(device, "&GTL", [&] { clickInDevices(operate, "a_init"); });
+    waitForBackgroundJobs();
+    awaitLine(device, "&GTL", [&] { operate.type("measure_notch", "1"); });
+    device.hold("*IDN?");
+    return device;
+}
+
+void closeDuringAnInit(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), "*IDN?", [&] { clickInDevices(operate, "a_init"); });
+    closeNow(window);
+}
+
+void closeDuringASet(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), "*IDN?", [&] { clickInDevices(operate, "a_set"); });
+    closeNow(window);
+}
+
+// A reset asks nothing; it waits behind an init.
+void closeBeforeAReset(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), "*IDN?", [&] { clickInDevices(operate, "a_init"); });
+    clickInDevices(operate, "a_reset");
+    closeNow(window);
+}
+
+void closeDuringASilentPreset(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), "*IDN?", [&] { operate.click("preset_button"); });
+    closeNow(window);
+}
+
+constexpr char acpQuery[] = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
+
+void closeDuringASilentMeasurement(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), acpQuery, [&] { operate.click("measure_button"); });
+    closeNow(window);
+}
+
+void closeDuringSilentPasses(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), acpQuery, [&] { operate.pick("measure_mode", 0); });
+    closeNow(window);
+}
+
+// Everything at once, most of it waiting.
+void closeWhileEverythingWaits(MainWindow& window, const WindowDriver& operate)
+{
+    awaitLine(silentAnalyzer(operate), "*IDN?", [&] { clickInDevices(operate, "a_init"); });
+    for (int i = 0; i < 5; ++i) {
+        operate.click("preset_button");
+        operate.click("measure_button");
+        clickInDevices(operate, "a_set");
+        clickInDevices(operate, "a_reset");
+    }
+    operate.pick("measure_mode", 0);
+    closeNow(window);
+}
+
+void closeDuringAConnect(MainWindow& window, const WindowDriver& operate)
+{
+    static const FullListener host("127.0.0.1", 5025);
+    clickInDevices(operate, "a_init");
+    if (!host.awaitConnecting()) {
+        qFatal("nobody connects");
+    }
+    closeNow(window);
+}
+
+// The instrument's other connections in use: it doesn't hang up when it is told to.
+void closeWhileAFormerConnectionStaysOpen(MainWindow& window, const WindowDriver& operate)
+{
+    static FullListener host("127.0.0.1", 5025, FullListener::Room::ForOne);
+    clickInDevices(operate, "a_init");
+    host.answerFirst("*IDN?\n", "ACME,42\n");
+    waitForBackgroundJobs();
+    clickInDevices(operate, "a_init");
+    host.awaitHangUpOfFirst();
+    closeNow(window);
+}
+
+// The library keeps the call for a second and a half.
+void closeDuringACallOfVisa(MainWindow& window, const WindowDriver& operate)
+{
+    static StandIn visa;
+    visa.tellSessionsApart();
+    visa.hold("TCPIP::127.0.0.1::INSTR", "*IDN?\n");
+    const WindowDriver devices = openDevices(operate);
+    devices.find<QComboBox>("a_interface")->setCurrentIndex(3);
+    devices.click("a_init");
+    if (!QTest::qWaitFor([] { return visa.log().contains("*IDN?"); })) {
+        qFatal("nobody asks");
+    }
+    std::thread([] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        visa.release();
+    }).detach();
+    closeNow(window);
+}
+
 // None of the other windows has a parent, and none may keep the program alive.
 void closeWithEveryWindowOpen(MainWindow& window, const WindowDriver& operate)
 {
@@ -111,6 +264,16 @@ const Scenario scenarios[] = {
     {"measuring", closeDuringAMeasurement},
     {"presetting", closeDuringAPreset},
     {"windows", closeWithEveryWindowOpen},
+    {"init", closeDuringAnInit},
+    {"set", closeDuringASet},
+    {"reset", closeBeforeAReset},
+    {"preset", closeDuringASilentPreset},
+    {"measure", closeDuringASilentMeasurement},
+    {"cont", closeDuringSilentPasses},
+    {"everything", closeWhileEverythingWaits},
+    {"connect", closeDuringAConnect},
+    {"visa", closeDuringACallOfVisa},
+    {"hang up", closeWhileAFormerConnectionStaysOpen},
 };
 
 } // namespace

@@ -1,6 +1,8 @@
 // How the program ends, seen from outside: with status 0, or not at all where that is settled.
 #include "kit/fresh_home.h"
 
+#include "kit/instrumented.h"
+
 #include <QProcess>
 #include <QtTest>
 
@@ -18,8 +20,13 @@ private slots:
     void measurementThatIsStillRunningLetsTheProgramEnd();
     void presetThatIsStillRunningLetsTheProgramEnd();
     void otherWindowsDoNotKeepTheProgramAlive();
+    void anInstrumentThatKeepsSilentDoesNotHoldTheEndUp_data();
+    void anInstrumentThatKeepsSilentDoesNotHoldTheEndUp();
+    void aCallIntoTheVisaLibraryRunsOut();
 
 private:
+    void startWithABareAccount(const char* scenario, const QTemporaryDir& account);
+    void requireTheEnd(const QTemporaryDir& account);
     void endsWithStatus0(const char* scenario);
 
     QProcess program;
@@ -92,6 +99,66 @@ void TestClosing::presetThatIsStillRunningLetsTheProgramEnd()
 void TestClosing::otherWindowsDoNotKeepTheProgramAlive()
 {
     endsWithStatus0("windows");
+}
+
+// Returns when the window is about to close.
+void TestClosing::startWithABareAccount(const char* scenario, const QTemporaryDir& account)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("HOME", account.path());
+    environment.insert("XDG_DATA_HOME", account.filePath("data"));
+    environment.insert("LD_LIBRARY_PATH", STAND_IN_VISA_FOLDER);
+    program.setProcessEnvironment(environment);
+    program.setArguments({QLatin1String(scenario)});
+    program.start();
+    while (!program.canReadLine() && program.waitForReadyRead(20000)) {
+    }
+    QCOMPARE(program.readLine(), QByteArray("closing\n"));
+}
+
+void TestClosing::requireTheEnd(const QTemporaryDir& account)
+{
+    QVERIFY(program.waitForFinished(20000));
+    program.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    QFile saved(account.filePath("data/closing_scenario/Notchbench.cfg"));
+    QVERIFY(saved.open(QIODevice::ReadOnly));
+    const QByteArray settings = saved.readAll();
+    QVERIFY(settings.contains("SRate = 1e+08\n"));
+    QVERIFY(settings.contains("[Analyzer]\n"));
+}
+
+void TestClosing::anInstrumentThatKeepsSilentDoesNotHoldTheEndUp_data()
+{
+    QTest::addColumn<QByteArray>("scenario");
+    for (const char* each : {"init", "set", "reset", "preset", "measure", "cont", "everything",
+                             "connect", "hang up"}) {
+        QTest::newRow(each) << QByteArray(each);
+    }
+}
+
+void TestClosing::anInstrumentThatKeepsSilentDoesNotHoldTheEndUp()
+{
+    QFETCH(QByteArray, scenario);
+    const QTemporaryDir account;
+    startWithABareAccount(scenario, account);
+    QElapsedTimer sinceTheWindowCloses;
+    sinceTheWindowCloses.start();
+    requireTheEnd(account);
+    const qint64 taken = sinceTheWindowCloses.elapsed();
+    QVERIFY2(taken < (isInstrumented ? 8000 : 2000), QByteArray::number(taken));
+}
+
+void TestClosing::aCallIntoTheVisaLibraryRunsOut()
+{
+    const QTemporaryDir account;
+    startWithABareAccount("visa", account);
+    QElapsedTimer sinceTheWindowCloses;
+    sinceTheWindowCloses.start();
+    requireTheEnd(account);
+    QVERIFY2(sinceTheWindowCloses.elapsed() > 1300,
+             QByteArray::number(sinceTheWindowCloses.elapsed()));
 }
 
 QTEST_GUILESS_MAIN(TestClosing)
