@@ -51,6 +51,11 @@ public:
         return line;
     }
 
+    void send(const QByteArray& bytes) const
+    {
+        QCOMPARE(::write(fd, bytes.constData(), size_t(bytes.size())), ssize_t(bytes.size()));
+    }
+
     // Reads one line, then sends the pieces, each after its pause.
     void answerOnce(const QList<QPair<int, QByteArray>>& pieces)
     {
@@ -99,6 +104,8 @@ private slots:
     void aPortThatIsNotThereCannotBeOpened();
     void anUnopenedPortIsSilent();
     void aPortCanBeClosedAndOpenedAgain();
+    void breakingOffEndsAWait_data();
+    void breakingOffEndsAWait();
 };
 
 void TestRs232Interface::initTestCase()
@@ -236,6 +243,36 @@ void TestRs232Interface::aPortCanBeClosedAndOpenedAgain()
     transport.open();
     transport.sendSCPI("*RST");
     QCOMPARE(line.readLine(), QByteArray("*RST\n"));
+}
+
+void TestRs232Interface::breakingOffEndsAWait_data()
+{
+    QTest::addColumn<QByteArray>("begun");
+    QTest::addColumn<QString>("answer");
+    QTest::newRow("for an answer") << QByteArray() << QString();
+    // What has arrived is given back, as after the silence that ends an answer.
+    QTest::newRow("for the end of an answer") << QByteArray("who ") << QString("who");
+}
+
+void TestRs232Interface::breakingOffEndsAWait()
+{
+    QFETCH(QByteArray, begun);
+    const Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    QString answer("(none)");
+    QElapsedTimer timer;
+    QScopedPointer<QThread> asking(QThread::create([&] { answer = transport.querySCPI("*IDN?"); }));
+    asking->start();
+    QCOMPARE(line.readLine(), QByteArray("*IDN?\n"));
+    line.send(begun);
+    QVERIFY(!asking->wait(300)); // it waits, in either state
+    timer.start();
+    transport.breakOff();
+    QVERIFY(asking->wait());
+    QVERIFY2(timer.elapsed() < 600, QByteArray::number(timer.elapsed()));
+    QTEST(answer, "answer");
+    QVERIFY(transport.isBrokenOff());
 }
 
 QTEST_GUILESS_MAIN(TestRs232Interface)
