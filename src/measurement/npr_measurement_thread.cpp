@@ -162,12 +162,14 @@ void NPRMeasurementThread::read(const Analyzer& device)
         throwRemoteException(device.deviceMessage());
     }
     const Result reading = commands->measureChannelPower();
-    const bool isShown = !device.link()->isRetired(); // a loaded configuration may have replaced it
-    if (isShown) {
+    // A loaded configuration may replace the analyzer at any moment, also while its panel is handed
+    // back.
+    const auto isShown = [&device] { return !device.link()->isRetired(); };
+    if (isShown()) {
         std::atomic_store(&result, std::make_shared<const Result>(reading));
     }
     commands->goToLocal();
-    if (isShown) {
+    if (isShown()) {
         emit measurementFinished();
     }
 }
