@@ -132,7 +132,8 @@ void TestNprMeasurementThread::resumedItMeasuresWithoutAPause()
     device.answer(acpQuery, "1,2,3\n");
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
-    thread.setAnalyzer(connectedAnalyzer());
+    const Analyzer analyzer = connectedAnalyzer();
+    thread.setAnalyzer(analyzer);
     thread.pause();
     thread.start(QThread::InheritPriority);
     for (int round = 0; round < 20; ++round) {
@@ -141,6 +142,7 @@ void TestNprMeasurementThread::resumedItMeasuresWithoutAPause()
         QTRY_VERIFY(finished.count() > before + 3);
         thread.pause();
     }
+    analyzer.link()->takeTurn(); // the thread is done with it
     // One more pass may have been on its way when it was paused; during fifty requests a thread
     // that went on would make many.
     device.takeReceived();
