@@ -22,6 +22,7 @@ private slots:
     void withoutVisaTheSocketIsLeft();
     void numbersHaveTheirRanges_data();
     void numbersHaveTheirRanges();
+    void decimalPointsDoNotDependOnTheSystem();
     void everyInputExplainsItself();
 
 private:
@@ -123,6 +124,19 @@ void TestDevicesDialogForm::numbersHaveTheirRanges()
         box->property("minimum").toDouble(), box->property("maximum").toDouble(),
         box->property("singleStep").toDouble(), box->property("value").toDouble()};
     QTEST(actual, "expected");
+}
+
+void TestDevicesDialogForm::decimalPointsDoNotDependOnTheSystem()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    DevicesDialog german;
+    german.setSetup(setup.get(), {});
+    auto* level = german.findChild<QDoubleSpinBox*>("g_level");
+    level->setValue(-12.5);
+    QCOMPARE(level->text(), QString("-12.50"));
+    QCOMPARE(german.locale(), QLocale(QLocale::English, QLocale::UnitedStates));
+    QLocale::setDefault(before);
 }
 
 void TestDevicesDialogForm::everyInputExplainsItself()

@@ -15,6 +15,7 @@ private slots:
     void cleanup();
 
     void titleAndRows();
+    void theLocaleDoesNotDependOnTheSystem();
     void defaultsAreShown();
     void aRowStoresItsValue_data();
     void aRowStoresItsValue();
@@ -44,6 +45,15 @@ void TestRs232Dialog::init()
 void TestRs232Dialog::cleanup()
 {
     dialog.reset();
+}
+
+void TestRs232Dialog::theLocaleDoesNotDependOnTheSystem()
+{
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    const RS232Dialog german;
+    QCOMPARE(german.locale(), QLocale(QLocale::English, QLocale::UnitedStates));
+    QLocale::setDefault(before);
 }
 
 void TestRs232Dialog::titleAndRows()
