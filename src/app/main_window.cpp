@@ -3,6 +3,7 @@
 #include "app/failure_door.h"
 #include "base/background.h"
 #include "fit/dialogs/load_trace_dialog.h"
+#include "graph/graph_tool_tip.h"
 #include "look/house_style.h"
 #include "look/typed_input.h"
 #include "setup/config_file.h"
@@ -92,6 +93,7 @@ MainWindow::MainWindow(QWidget* parent, quint16 startPort)
     connect(statusServer.get(), &StatusServer::clientChanged, this, &MainWindow::showClient);
     connect(ui->graph_widget, &GraphWidget::graphChanged, this, &MainWindow::graphChanged);
     connect(this, &MainWindow::fftFinished, this, &MainWindow::fftCalculationFinished);
+    ui->sample_rate_input->setFocus(); // not the first input, whose arrow keys empty the table
 }
 
 MainWindow::~MainWindow()
@@ -130,6 +132,7 @@ void MainWindow::notifyPropertyChanged(QWidget* from)
     }
     // NOLINTNEXTLINE(clang-analyzer-core.CallAndMessage): a child of the form is never null
     ui->sinx_checkbox->setEnabled(setup.customSource == SignalSource::Internal);
+    ui->graph_widget->setToolTip(graphToolTip(setup));
     ui->graph_widget->update();
     showTable();
 }
@@ -201,7 +204,7 @@ void MainWindow::showDataState()
     const auto state = static_cast<int>(setup.dataState);
     ui->fft_status->setState(state);
     ui->fft_status_label->setText(QLatin1String(texts[state]));
-    ui->calc_fft_button->setEnabled(setup.dataState != DataState::Calculating);
+    calculationFocus.setEnabled(*ui->calc_fft_button, setup.dataState != DataState::Calculating);
     ui->actionLoad_SAN_Mag->setEnabled(setup.dataState == DataState::Valid);
     ui->actionSave_Waveform->setEnabled(setup.dataState == DataState::Valid);
 }

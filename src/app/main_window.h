@@ -10,6 +10,7 @@
 // Main thread only. Calculations run on the global pool, on a copy of the record.
 #pragma once
 
+#include "app/kept_focus.h"
 #include "instruments/dialogs/devices_dialog.h"
 #include "measurement/npr_measurement_thread.h"
 #include "setup/measurement_setup.h"
@@ -134,6 +135,7 @@ private:
     // may outlive the window.
     std::shared_ptr<std::atomic<bool>> calculationRunning;
     std::shared_ptr<FailureDoor> failureDoor;
+    KeptFocus calculationFocus; // of the button that is disabled while a calculation runs
     // Of replaced records: their devices keep the connection until the program ends.
     QVector<std::shared_ptr<InstrumentLink>> retiredLinks;
     NPRMeasurementThread measurementThread;

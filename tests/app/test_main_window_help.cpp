@@ -1,5 +1,7 @@
 // The help that the window gives where one points: a tool tip, a "What's this" text and a name for
 // screen readers at everything that takes input or shows a value.
+#include "app/status_indicator_widget.h"
+#include "fit/dialogs/load_trace_dialog.h"
 #include "kit/contrast.h"
 #include "kit/main_window_test.h"
 
@@ -16,6 +18,9 @@ private slots:
     void everyInputExplainsItself();
     void numbersTellTheirRange_data();
     void numbersTellTheirRange();
+    void everyButtonLabelAndLightOfEveryWindowExplainsItself();
+    void theReadingsTellTheirSideAndWhatNothingLooksLike();
+    void theGraphTellsItsAxesAndTheEdgesOfTheBand();
     void namesForScreenReadersAreUnique();
     void tipOpensOnADisabledInput();
     void tipHasTheLookOfTheHouse();
@@ -65,7 +70,9 @@ void TestMainWindowHelp::everyInputExplainsItself()
         QVERIFY2(widget->toolTip().endsWith(QLatin1Char('.')), name);
         QVERIFY2(widget->whatsThis().endsWith(QLatin1Char('.')), name);
         QVERIFY2(!widget->accessibleName().isEmpty(), name);
-        QVERIFY2(widget->toolTip().size() <= 100, name); // a line of the screen
+        for (const QString& line : widget->toolTip().split('\n')) {
+            QVERIFY2(line.size() <= 100, name); // a line of the screen
+        }
     }
 }
 
@@ -88,6 +95,71 @@ void TestMainWindowHelp::numbersTellTheirRange()
     QFETCH(QString, unitAndRange);
     const QString tip = operate->find<QWidget>(QTest::currentDataTag())->toolTip();
     QVERIFY2(tip.contains(unitAndRange), qPrintable(tip));
+}
+
+// Apart from what belongs to Qt: the parts of tab bars, scroll bars and the like.
+void TestMainWindowHelp::everyButtonLabelAndLightOfEveryWindowExplainsItself()
+{
+    for (const char* action : {"actionDevices", "actionOptimize_Crest_Fector", "actionAbout"}) {
+        operate->trigger(action);
+    }
+    MeasurementSetup setup;
+    const LoadTraceDialog trace(QString(), &setup);
+    int explained = 0;
+    for (const QWidget* widget : QApplication::allWidgets()) {
+        const auto* label = qobject_cast<const QLabel*>(widget);
+        const auto* button = qobject_cast<const QAbstractButton*>(widget);
+        const bool light = qobject_cast<const StatusIndicatorWidget*>(widget) != nullptr;
+        const bool hasText = (label != nullptr && !label->text().isEmpty()) ||
+                             (button != nullptr && !button->text().isEmpty());
+        if ((hasText || light) && widget->windowType() != Qt::ToolTip) {
+            QVERIFY2(widget->toolTip().endsWith('.'), qPrintable(widget->objectName()));
+            ++explained;
+        }
+    }
+    QVERIFY2(explained > 150, qPrintable(QString::number(explained)));
+    for (QWidget* other : QApplication::topLevelWidgets()) {
+        if (other != window.get()) {
+            other->close();
+        }
+    }
+}
+
+void TestMainWindowHelp::theReadingsTellTheirSideAndWhatNothingLooksLike()
+{
+    for (const char* reading : {"signal_power", "npr_lower", "npr_upper"}) {
+        const QString tip = operate->find<QLabel>(reading)->toolTip();
+        QVERIFY(tip.contains("0.00 in all three fields: nothing was measured"));
+    }
+    QVERIFY(operate->find<QLabel>("npr_lower")->toolTip().contains("a notch below the middle.\n"));
+    QVERIFY(operate->find<QLabel>("npr_upper")
+                ->toolTip()
+                .contains("a notch at or above the middle.\n"));
+}
+
+void TestMainWindowHelp::theGraphTellsItsAxesAndTheEdgesOfTheBand()
+{
+    const auto tip = [this] { return operate->find<QWidget>("graph_widget")->toolTip(); };
+    operate->type("sample_rate_input", QStringLiteral("100"));
+    operate->type("nbw_srate_input", QStringLiteral("0.8"));
+    QVERIFY2(tip().contains("the whole sample rate, 100.000000 MHz"), qPrintable(tip()));
+    QVERIFY(tip().contains("105 dB"));
+    QVERIFY2(tip().contains("from -40.000000 MHz to 40.000000 MHz"), qPrintable(tip()));
+    operate->type("sample_rate_input", QStringLiteral("20"));
+    QVERIFY2(tip().contains("from -8.000000 MHz to 8.000000 MHz"), qPrintable(tip()));
+
+    operate->trigger("actionDevices");
+    QLineEdit* frequency = nullptr;
+    for (const QWidget* each : QApplication::topLevelWidgets()) {
+        auto* found = each->findChild<QLineEdit*>(QStringLiteral("g_frequency"));
+        frequency = found != nullptr && found->isVisible() ? found : frequency;
+    }
+    QVERIFY(frequency != nullptr);
+    frequency->selectAll();
+    QTest::keyClicks(frequency, QStringLiteral("1000"));
+    QTest::keyClick(frequency, Qt::Key_Return);
+    QVERIFY2(tip().contains("from 992.000000 MHz to 1008.000000 MHz"), qPrintable(tip()));
+    frequency->window()->close();
 }
 
 void TestMainWindowHelp::namesForScreenReadersAreUnique()

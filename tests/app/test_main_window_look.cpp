@@ -21,6 +21,8 @@ private slots:
     void nothingIsCut();
     void theLongestNumbersFitTheirFields_data();
     void theLongestNumbersFitTheirFields();
+    void longReadingsMoveNothing_data();
+    void longReadingsMoveNothing();
     void tableAndGraphShareTheHeight();
     void theTableLetsTheTabKeyGo();
     void thePanesHaveTheirColours();
@@ -123,6 +125,34 @@ void TestMainWindowLook::theLongestNumbersFitTheirFields()
     }
     constexpr int marginsOfALineEdit = 4; // two pixels on each side
     QVERIFY(editor->fontMetrics().horizontalAdvance(text) <= editor->width() - marginsOfALineEdit);
+}
+
+void TestMainWindowLook::longReadingsMoveNothing_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("initial") << QSize(829, 449);
+    QTest::newRow("as small as it goes") << QSize(1, 1);
+}
+
+void TestMainWindowLook::longReadingsMoveNothing()
+{
+    QFETCH(QSize, size);
+    ui->signal_stacked_widget->setCurrentIndex(0);
+    showAt(size);
+    const auto places = [this] {
+        QList<QRect> all{window->geometry()};
+        for (const QWidget* widget : ui->centralwidget->findChildren<QWidget*>()) {
+            all.append(widget->geometry());
+        }
+        return all;
+    };
+    const QList<QRect> before = places();
+    for (QLabel* reading : {ui->signal_power, ui->npr_lower, ui->npr_upper}) {
+        reading->setText(QStringLiteral("-200.00"));
+        QCoreApplication::processEvents();
+        QVERIFY(reading->sizeHint().width() <= reading->width()); // nor is it cut
+    }
+    QCOMPARE(places(), before);
 }
 
 void TestMainWindowLook::tableAndGraphShareTheHeight()

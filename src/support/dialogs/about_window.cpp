@@ -25,16 +25,20 @@ namespace {
 
 QLabel* heading(const QString& name)
 {
-    return new QLabel(QStringLiteral("<span style=\" font-weight:600;color: rgb(0, 142, 214);\">") +
-                      name.toHtmlEscaped() + QStringLiteral("</span>"));
+    auto* label =
+        new QLabel(QStringLiteral("<span style=\" font-weight:600;color: rgb(0, 142, 214);\">") +
+                   name.toHtmlEscaped() + QStringLiteral("</span>"));
+    label->setToolTip(QStringLiteral("A group of facts that the support asks for."));
+    return label;
 }
 
 // The texts come from files of other makers: they are shown as they are, never as markup.
-QLabel* plainLabel(const QString& text)
+QLabel* plainLabel(const QString& text, const QString& tip)
 {
     auto* label = new QLabel;
     label->setTextFormat(Qt::PlainText);
     label->setText(text);
+    label->setToolTip(tip);
     return label;
 }
 
@@ -69,6 +73,8 @@ AboutWindow::AboutWindow(const QString& shortName, const QString& longName,
     setStyleSheet(houseStyleSheet());
     setWindowFlags(Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
     copyButton = new QPushButton(QStringLiteral("copy support information to clipboard"));
+    copyButton->setToolTip(
+        QStringLiteral("Copies what these tabs tell, to be pasted into a mail to the support."));
     connect(copyButton, &QPushButton::clicked, this, &AboutWindow::copy_clicked);
 
     const QList<DriverSection> drivers = osInfo->driverInformation();
@@ -94,7 +100,7 @@ void AboutWindow::fillDriverTab(const QList<DriverSection>& sections)
             rows->addWidget(heading(section.first));
         }
         for (const QString& line : section.second) {
-            rows->addWidget(plainLabel(line));
+            rows->addWidget(plainLabel(line, QStringLiteral("An installed driver.")));
         }
         rows->addWidget(new QLabel);
     }
@@ -104,12 +110,13 @@ void AboutWindow::fillDriverTab(const QList<DriverSection>& sections)
 void AboutWindow::fillSystemTab(const QList<SystemSection>& sections)
 {
     auto* grid = withMargins(new QGridLayout);
+    const QString tip = QStringLiteral("A fact of this computer that the support asks for.");
     int row = 0;
     for (const SystemSection& section : sections) {
         grid->addWidget(heading(section.first), row++, 0, 1, 2);
         for (const KeyValue& pair : section.second) {
-            grid->addWidget(plainLabel(pair.first), row, 0);
-            grid->addWidget(plainLabel(pair.second), row++, 1);
+            grid->addWidget(plainLabel(pair.first, tip), row, 0);
+            grid->addWidget(plainLabel(pair.second, tip), row++, 1);
         }
         grid->addWidget(new QLabel, row++, 0);
     }
