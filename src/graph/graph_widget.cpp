@@ -4,6 +4,7 @@
 #include "graph/graph_geometry.h"
 #include "setup/measurement_setup.h"
 
+#include <QGuiApplication>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
@@ -40,6 +41,23 @@ const Grip* gripAt(const Notch& notch, QPoint position)
     }
     return nullptr;
 }
+
+// Sees whether the left button is released over what it watches.
+class LeftRelease : public QObject
+{
+public:
+    bool isSeen() const { return seen; }
+
+    bool eventFilter(QObject* receiver, QEvent* event) override
+    {
+        seen = seen || (event->type() == QEvent::MouseButtonRelease &&
+                        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton);
+        return QObject::eventFilter(receiver, event);
+    }
+
+private:
+    bool seen = false;
+};
 
 QVector<QLineF> segmentsOf(const QVector<QPointF>& line)
 {
@@ -141,6 +159,9 @@ void GraphWidget::mouseMoveEvent(QMouseEvent* event)
     if (!isNotchMode()) {
         return;
     }
+    if (releaseMayBeLost && (event->buttons() & Qt::LeftButton) == 0) {
+        endDrag();
+    }
     if (dragMode == NoDrag && !rubberBandActive) {
         showCursor();
     }
@@ -223,10 +244,45 @@ void GraphWidget::endDrag()
     if (dragMode != NoDrag && dragMode != DepthEdge) {
         tidyNotches(*setup);
     }
+    forgetDrag();
+    emit graphChanged();
+}
+
+void GraphWidget::forgetDrag()
+{
     rubberBandActive = false;
+    releaseMayBeLost = false;
     dragMode = NoDrag;
     update();
-    emit graphChanged();
+}
+
+// A drag that a menu has interrupted. While the button is still held it goes on, but nobody knows
+// who will get the release.
+void GraphWidget::endInterruptedDrag(bool released)
+{
+    const bool held = !released && (QGuiApplication::mouseButtons() & Qt::LeftButton) != 0;
+    if (dragMode == NoDrag) {
+        return;
+    }
+    if (!isNotchMode()) {
+        forgetDrag();
+    } else if (held) {
+        releaseMayBeLost = true;
+    } else {
+        endDrag();
+    }
+}
+
+// The menu gets the release of a drag that it interrupts. The widget may be gone afterwards.
+bool GraphWidget::isDeletionChosen(QPoint globalPosition)
+{
+    LeftRelease release;
+    QMenu menu;
+    menu.installEventFilter(&release);
+    const QAction* deletion = menu.addAction(QStringLiteral("Delete Notch"));
+    connect(&menu, &QMenu::aboutToHide, this,
+            [this, &release] { endInterruptedDrag(release.isSeen()); });
+    return menu.exec(globalPosition) == deletion;
 }
 
 // Deliberate: the loop goes on with the next number, so the row that moved up into a deleted place
@@ -238,9 +294,7 @@ void GraphWidget::deleteByMenu(QPoint position, QPoint globalPosition)
         if (!setup->notches->items.at(row).bodyRect.contains(position)) {
             continue;
         }
-        QMenu menu;
-        const QAction* deletion = menu.addAction(QStringLiteral("Delete Notch"));
-        if (menu.exec(globalPosition) != deletion || !alive) {
+        if (!isDeletionChosen(globalPosition) || !alive) {
             continue;
         }
         if (row < setup->notches->items.size()) {

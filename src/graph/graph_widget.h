@@ -27,8 +27,8 @@ public:
     void setSetup(MeasurementSetup* shownSetup);
 
 signals:
-    // After every left-button release in notch mode, whether it changed anything or not, and
-    // after every deletion.
+    // After every left-button release in notch mode, whether it changed anything or not, after
+    // every deletion, and when a menu closes that has taken the release of a drag.
     void graphChanged();
 
 protected:
@@ -47,6 +47,9 @@ private:
     void dragNotchTo(QPoint position);
     void addRubberBandNotch();
     void endDrag();
+    void forgetDrag();
+    void endInterruptedDrag(bool released);
+    bool isDeletionChosen(QPoint globalPosition);
     void deleteByMenu(QPoint position, QPoint globalPosition);
     QVector<QPointF> outline(const GraphGeometry& geometry, int width) const;
     void paintNotches(QPainter& painter, const GraphGeometry& geometry);
@@ -59,5 +62,6 @@ private:
     QPoint cursorPos; // last known position
     QRect rubberBand;
     DragMode dragMode = NoDrag;
-    int dragNotch = -1; // row; keeps its value after a drag ends
+    bool releaseMayBeLost = false; // a menu was open during the drag
+    int dragNotch = -1;            // row; keeps its value after a drag ends
 };

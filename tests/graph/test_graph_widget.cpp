@@ -1,6 +1,20 @@
 // The graph under a real mouse: what is painted, and what drags, clicks and the menu do.
 #include "kit/graph_driver.h"
 
+namespace {
+
+// Goes before the answers to the menu, which start later.
+void releaseOverTheNextMenu()
+{
+    QTimer::singleShot(0, [] {
+        QWidget* menu = QApplication::activePopupWidget();
+        QVERIFY(menu != nullptr);
+        QTest::mouseRelease(menu, Qt::LeftButton, {}, {-50, -50});
+    });
+}
+
+} // namespace
+
 class TestGraphWidget : public QObject
 {
     Q_OBJECT
@@ -24,6 +38,10 @@ private slots:
     void cursorShowsWhatADragWouldDo();
     void menuDeletesTheNotch();
     void menuOpensOnNotchesOnly();
+    void aDragWhoseReleaseGoesToTheMenuEndsWithIt();
+    void aRubberBandWhoseReleaseGoesToTheMenuEndsWithIt();
+    void aNotchDeletedDuringItsDragIsGone();
+    void aDragOfAHeldButtonGoesOnAfterTheMenu();
     void withoutASetupNothingHappens();
 
 private:
@@ -217,6 +235,73 @@ void TestGraphWidget::menuOpensOnNotchesOnly()
     operate->addNotch(-100, -60, -52.0);
     QVERIFY(operate->rightClick({300, 60}, {Qt::Key_Escape}).isEmpty());
     QCOMPARE(operate->count(), 1);
+}
+
+void TestGraphWidget::aDragWhoseReleaseGoesToTheMenuEndsWithIt()
+{
+    operate->addNotch(-100, -60, -52.0); // pixels 206 to 226
+    QSignalSpy changed(&operate->graph, &GraphWidget::graphChanged);
+    operate->moveTo({216, 60});
+    operate->press({216, 60});
+    operate->moveTo({226, 60}, Qt::LeftButton); // 20 bins up
+    operate->paint();
+    releaseOverTheNextMenu();
+    QCOMPARE(operate->rightClick({226, 60}, {Qt::Key_Escape}).size(), 1);
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(operate->notch().startIndex, -80);
+    QCOMPARE(operate->notch().startFreq, -80 * operate->setup.binWidth());
+    operate->moveTo({300, 100});
+    QCOMPARE(operate->notch().startIndex, -80);
+    QCOMPARE(changed.count(), 1);
+}
+
+void TestGraphWidget::aRubberBandWhoseReleaseGoesToTheMenuEndsWithIt()
+{
+    operate->addNotch(100, 140, -52.0); // pixels 306 to 326
+    QSignalSpy changed(&operate->graph, &GraphWidget::graphChanged);
+    operate->press({200, 5});
+    operate->moveTo({220, 99}, Qt::LeftButton);
+    releaseOverTheNextMenu();
+    operate->rightClick({316, 60}, {Qt::Key_Escape});
+    QCOMPARE(changed.count(), 1);
+    QCOMPARE(operate->count(), 2);
+    QCOMPARE(operate->notch(1).startFreq, operate->notch(1).startIndex * operate->setup.binWidth());
+    operate->moveTo({400, 150});
+    operate->paint();
+    QCOMPARE(operate->pixel(400, 5), QColor(Qt::black)); // no band follows
+}
+
+void TestGraphWidget::aNotchDeletedDuringItsDragIsGone()
+{
+    operate->addNotch(-100, -60, -52.0);
+    operate->press({216, 60});
+    releaseOverTheNextMenu();
+    operate->rightClick({216, 60}, {Qt::Key_Return});
+    QCOMPARE(operate->count(), 0);
+    operate->addNotch(0, 40, -52.0);
+    operate->moveTo({300, 100});
+    QCOMPARE(operate->notch().startIndex, 0);
+}
+
+// With events of the window system, which know what is held.
+void TestGraphWidget::aDragOfAHeldButtonGoesOnAfterTheMenu()
+{
+    operate->addNotch(-100, -60, -52.0);
+    QSignalSpy changed(&operate->graph, &GraphWidget::graphChanged);
+    QWindow* screen = operate->graph.windowHandle();
+    QTest::mousePress(screen, Qt::LeftButton, {}, {216, 60});
+    const MenuAnswers menus({Qt::Key_Escape});
+    QTest::mousePress(screen, Qt::RightButton, {}, {216, 60});
+    QTest::mouseRelease(screen, Qt::RightButton, {}, {216, 60});
+    QCOMPARE(menus.entries.size(), 1);
+    QCOMPARE(changed.count(), 0);
+    operate->moveTo({226, 60}, Qt::LeftButton);
+    QCOMPARE(operate->notch().startIndex, -80);
+    // The release was lost: the first move without the button ends the drag where it was.
+    operate->moveTo({300, 60});
+    QCOMPARE(operate->notch().startIndex, -80);
+    QCOMPARE(changed.count(), 1);
+    QTest::mouseRelease(screen, Qt::LeftButton, {}, {300, 60});
 }
 
 void TestGraphWidget::withoutASetupNothingHappens()
