@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QScreen>
+#include <QSpinBox>
 #include <QTextStream>
 #include <QTimer>
 
@@ -70,6 +71,11 @@ int main(int argc, char* argv[])
     }
     if (!window.findChild<QTcpServer*>()->isListening()) {
         type(window, "port_input", arguments.value(2, QStringLiteral("10000")));
+    }
+    if (!window.findChildren<QTcpServer*>().constLast()->isListening()) {
+        out << "Another program holds port " << part<QSpinBox>(window, "port_input")->value()
+            << ".\n";
+        return 1;
     }
     if (!makeSignal(window) || !measureNotch(window, QStringLiteral("7"))) {
         out << "The measurement did not come to its end.\n";
