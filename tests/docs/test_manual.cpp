@@ -63,6 +63,7 @@ private slots:
     void everyLinkLeadsToAPage();
     void everyPictureIsThere();
     void everyTextOfTheMainWindowIsExplained();
+    void everyMisleadingReadingHasCauseAndRemedy();
 
 private:
     QString project;
@@ -135,6 +136,25 @@ void TestManual::everyTextOfTheMainWindowIsExplained()
                      manual.contains(text.toHtmlEscaped(), Qt::CaseInsensitive),
                  qPrintable(text));
     }
+}
+
+void TestManual::everyMisleadingReadingHasCauseAndRemedy()
+{
+    const QString table =
+        pages["measuring.html"].section("id=\"misleading\"", 1).section("</table>", 0, 0);
+    const QStringList rows = table.split("<tr>").mid(2); // after the head
+    for (const char* reading : {"0.00 / 0.00 / 0.00", "near 0 on one side", "NPR that stops rising",
+                                "NPR that is too good", "a reading that doesn't move"}) {
+        QVERIFY2(table.contains('>' + QString(reading) + "</td>"), reading);
+    }
+    QVERIFY(rows.size() >= 10);
+    int groupLeft = 0; // rows that share the reading of a row before
+    for (const QString& row : rows) {
+        QCOMPARE(row.count("<td"), groupLeft > 0 ? 2 : 3);
+        const QStringList span = allMatches(row, "rowspan=\"(\\d+)\"");
+        groupLeft = span.isEmpty() ? qMax(0, groupLeft - 1) : span.first().toInt() - 1;
+    }
+    QCOMPARE(groupLeft, 0);
 }
 
 QTEST_APPLESS_MAIN(TestManual)
