@@ -33,9 +33,11 @@ struct Sums
     double reading() const { return 10.0 * std::log10(reference / notch); }
 
     // The stimuli together are as one long one.
-    double sigma(int lines) const
+    double sigma(int lines, double rareScatter) const
     {
-        return readingSigma(lines * seeds, distortion.concentration());
+        const double unseen = std::hypot(readingSigma(lines * seeds, 0.0),
+                                         rareScatter / std::sqrt(static_cast<double>(seeds)));
+        return std::max(unseen, readingSigma(lines * seeds, distortion.concentration()));
     }
 };
 
@@ -112,7 +114,7 @@ Averaged measureSeed(const Chain& chain, double level, const Stimulus& stimulus,
 {
     Sums sums;
     measureOnce(chain, level, stimulus, seed, sums);
-    return {sums.reading(), sums.sigma(stimulus.notchChannel().count), 1};
+    return {sums.reading(), sums.sigma(stimulus.notchChannel().count, 0.0), 1};
 }
 
 double theoryOf(const Stimulus& stimulus, const QVector<double>& orders)
@@ -130,13 +132,22 @@ double theoryOf(const Stimulus& stimulus, int bits, double loading)
                               stimulus.referenceChannel(), stimulus.notchChannel());
 }
 
-Averaged measureOverSeeds(const Chain& chain, double level, const Stimulus& stimulus, double sigma,
-                          int mostSeeds)
+double scatterOfClipping(const Stimulus& stimulus, int bits, double loading)
+{
+    const double rounding = loading * loading / (3.0 * std::pow(4.0, bits));
+    const double noise = std::pow(10.0, -converterNpr(bits, loading) / 10.0);
+    const double clipped = 2.0 * stimulus.count * std::erfc(loading / std::sqrt(2.0));
+    return 10.0 / std::log(10.0) * (1.0 - rounding / noise) * std::sqrt(6.0 / clipped);
+}
+
+Averaged measureOverSeeds(const Chain& chain, double level, const Stimulus& stimulus,
+                          const Averaging& averaging)
 {
     Sums sums;
     const int lines = stimulus.notchChannel().count;
+    const auto sigma = [&] { return sums.sigma(lines, averaging.rareScatter); };
     do {
         measureOnce(chain, level, stimulus, static_cast<unsigned>(sums.seeds + 1), sums);
-    } while (sums.seeds < mostSeeds && sums.sigma(lines) > sigma);
-    return {sums.reading(), sums.sigma(lines), sums.seeds};
+    } while (sums.seeds < averaging.mostSeeds && sigma() > averaging.sigma);
+    return {sums.reading(), sigma(), sums.seeds};
 }
