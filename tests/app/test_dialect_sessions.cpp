@@ -18,7 +18,6 @@ private slots:
     void everyMicrowaveGeneratorIsSpokenToInItsOwnWords();
     void theWordsOfAnotherModelAreRefused();
     void settingsOfAZeroCarrierAreRefused();
-    void aFullScaleReadsItsTheory();
 
 private:
     void choose(int tab, const char* name, const QString& type);
@@ -132,19 +131,6 @@ void TestDialectSessions::settingsOfAZeroCarrierAreRefused()
     QVERIFY(!refusals.isEmpty());
     QVERIFY2(refusals.first().startsWith("analyzer: -222,\"Data out of range;FREQ:CENT -"),
              refusals.first().constData());
-}
-
-// 8 bits at a loading of 4: the generator's level is 3.01 dB - 20 lg 4 below the full scale. The
-// noise spreads over 100 MHz, the signal over 76 of them: 40.57 + 1.19 dB by rounding and clipping
-// of Gaussian noise. 3932 lines in the channel scatter by 0.07 dB.
-void TestDialectSessions::aFullScaleReadsItsTheory()
-{
-    makeSignal(5, 1, 4, 10, -100);
-    start({"--dut", "adc", "--bits", "8", "--full-scale", "-10.97"});
-    preset();
-    const Reading reading = measure(1);
-    QVERIFY2(qAbs(reading.upper + 41.76) < 0.1 + 3 * 0.07,
-             qPrintable(QString::number(reading.upper)));
 }
 
 QTEST_MAIN(TestDialectSessions)
