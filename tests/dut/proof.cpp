@@ -11,8 +11,9 @@
 
 namespace {
 
-constexpr double sigmaWanted = 0.03; // dB
-constexpr double allowed = 0.1;      // dB, and three sigmas where the one wanted isn't reached
+constexpr double sigmaWanted = 0.03;  // dB
+constexpr double settledSigma = 0.05; // dB
+constexpr double allowed = 0.1;       // dB, and three sigmas where the one wanted isn't reached
 
 struct Row
 {
@@ -28,7 +29,7 @@ struct Row
 
     bool holds() const
     {
-        const double scatter = measured.sigma > sigmaWanted ? 3.0 * measured.sigma : 0.0;
+        const double scatter = measured.sigma > settledSigma ? 3.0 * measured.sigma : 0.0;
         return std::abs(difference()) <= allowed + scatter;
     }
 };
