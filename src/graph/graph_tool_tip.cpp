@@ -16,7 +16,7 @@ QString graphToolTip(const MeasurementSetup& setup)
     const double carrier = setup.effectiveFrequency();
     const double halfBand = setup.nbwSrate * setup.sampleRate / 2;
     const QString editing =
-        setup.notchOrCarrier == 0
+        setup.notchOrCarrier == NotchOrCarrier::Notch
             ? QStringLiteral("Drag a notch, its sides or its bottom; draw a new one from above the "
                              "band; right-click to delete.")
             : QStringLiteral("One yellow line for each carrier of the table.");
