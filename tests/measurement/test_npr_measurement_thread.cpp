@@ -2,29 +2,13 @@
 #include "measurement/npr_measurement_thread.h"
 
 #include "kit/background_jobs.h"
-#include "kit/scripted_instrument.h"
+#include "measurement/usual_device.h"
 #include "remote/ko_remote_exception.h"
 
 #include <QSignalSpy>
 #include <QtTest>
 
 namespace {
-
-const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
-
-Analyzer connectedAnalyzer()
-{
-    Analyzer analyzer;
-    analyzer.init();
-    return analyzer;
-}
-
-// An analyzer that answers whom one asks for; what it measures is told by the test.
-class UsualDevice : public ScriptedInstrument
-{
-public:
-    UsualDevice() { answer("*IDN?", "an analyzer\n"); }
-};
 
 // Counts measurementError without sending its argument anywhere.
 class FailureCount
@@ -63,11 +47,7 @@ private slots:
     void aPausedThreadMeasuresNothing();
     void resumedItMeasuresWithoutAPause();
     void pausingWaitsForTheEndOfTheMeasurement();
-    void pausingDoesNotWaitForWhomThePassWaitsFor();
-    void pausingDoesNotWaitForARequest();
-    void aRequestDuringAPassComesBeforeTheNext();
     void stoppedWhilePausedItEndsWithoutMeasuring();
-    void stoppingInterruptsNothing();
     void destructionInTheMiddleOfAMeasurementWaitsForIt();
     void destructionDropsRequestsThatWait();
     void anAnalyzerThatWasNeverConnectedIsConnectedFirst();
@@ -177,65 +157,6 @@ void TestNprMeasurementThread::pausingWaitsForTheEndOfTheMeasurement()
     QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
 }
 
-// The link's turn comes before the mutex.
-void TestNprMeasurementThread::pausingDoesNotWaitForWhomThePassWaitsFor()
-{
-    UsualDevice device;
-    device.answer(acpQuery, {{100, "1,2,3\n"}});
-    const Analyzer analyzer = connectedAnalyzer();
-    NPRMeasurementThread thread;
-    QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
-    thread.setAnalyzer(analyzer);
-    thread.start(QThread::InheritPriority);
-    device.takeReceivedUpTo("ACP\n");
-    LinkTurn other = analyzer.link()->takeTurn();
-    QTRY_COMPARE(finished.count(), 1); // and the next pass waits for the other's end
-    thread.pause();                    // would never return if it waited for that, too
-    bool served = false;
-    analyzer.link()->ask([&served](const LinkTurn& turn) { served = bool(turn); });
-    device.takeReceivedUpTo("&GTL\n");
-    other.giveBack();
-    QTRY_VERIFY(served);
-    // The turn of the pass has come and gone without a measurement.
-    QVERIFY(analyzer.link()->takeTurn());
-    QCOMPARE(device.takeReceived(), QByteArray());
-    QCOMPARE(finished.count(), 1);
-}
-
-void TestNprMeasurementThread::pausingDoesNotWaitForARequest()
-{
-    UsualDevice device;
-    device.answer(acpQuery, QList<ScriptedInstrument::Piece>()); // three seconds of silence
-    NPRMeasurementThread thread;
-    thread.setAnalyzer(connectedAnalyzer());
-    device.takeReceived();
-    thread.requestSingleMeasurement();
-    device.takeReceivedUpTo("ACP\n");
-    QElapsedTimer timer;
-    timer.start();
-    thread.pause();
-    QVERIFY2(timer.elapsed() < 1000, QByteArray::number(timer.elapsed()));
-    QCOMPARE(device.takeReceived(), QByteArray()); // the request still waits for its answer
-}
-
-void TestNprMeasurementThread::aRequestDuringAPassComesBeforeTheNext()
-{
-    UsualDevice device;
-    device.answer(acpQuery, {{300, "1,2,3\n"}});
-    const Analyzer analyzer = connectedAnalyzer();
-    NPRMeasurementThread thread;
-    thread.setAnalyzer(analyzer);
-    device.takeReceivedUpTo("&GTL\n");
-    thread.start(QThread::InheritPriority);
-    for (int round = 0; round < 3; ++round) {
-        device.takeReceivedUpTo("ACP\n");
-        const LinkTurn turn = analyzer.link()->takeTurn();
-        // Of the pass in progress the end is left, and no other has begun.
-        QCOMPARE(device.takeReceivedUpTo("&GTL\n"), QByteArray("&GTL\n"));
-    }
-    thread.stop();
-}
-
 void TestNprMeasurementThread::stoppedWhilePausedItEndsWithoutMeasuring()
 {
     UsualDevice device;
@@ -247,26 +168,6 @@ void TestNprMeasurementThread::stoppedWhilePausedItEndsWithoutMeasuring()
     thread.stop();
     QTRY_VERIFY(thread.isFinished());
     QCOMPARE(device.takeReceived(), QByteArray());
-}
-
-void TestNprMeasurementThread::stoppingInterruptsNothing()
-{
-    UsualDevice device;
-    device.answer(acpQuery, {{400, "1,2,3\n"}});
-    NPRMeasurementThread thread;
-    QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
-    thread.setAnalyzer(connectedAnalyzer());
-    device.takeReceived();
-    thread.start(QThread::InheritPriority);
-    device.takeReceivedUpTo("ACP\n");
-    QElapsedTimer timer;
-    timer.start();
-    thread.stop();
-    QVERIFY2(timer.elapsed() < 200, QByteArray::number(timer.elapsed()));
-    QTRY_COMPARE(finished.count(), 1);
-    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
-    QTRY_VERIFY(thread.isFinished());
-    QCOMPARE(device.takeReceivedUpTo("&GTL\n"), QByteArray("&GTL\n"));
 }
 
 void TestNprMeasurementThread::destructionInTheMiddleOfAMeasurementWaitsForIt()

@@ -1,0 +1,21 @@
+// The analyzer of the measurement's tests.
+#pragma once
+
+#include "instruments/analyzer.h"
+#include "kit/scripted_instrument.h"
+
+inline const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
+
+inline Analyzer connectedAnalyzer()
+{
+    Analyzer analyzer;
+    analyzer.init();
+    return analyzer;
+}
+
+// An analyzer that answers whom one asks for; what it measures is told by the test.
+class UsualDevice : public ScriptedInstrument
+{
+public:
+    UsualDevice() { answer("*IDN?", "an analyzer\n"); }
+};
