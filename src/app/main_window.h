@@ -7,7 +7,7 @@
 // main_window_measurement.cpp, main_window_menus.cpp. Slots named on_<object>_<signal> are
 // connected by name.
 //
-// Main thread only. Calculations run on the global pool, on a copy of the record.
+// Main thread only. Calculations run in the background, on a copy of the record.
 #pragma once
 
 #include "app/kept_focus.h"

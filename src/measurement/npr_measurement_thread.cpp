@@ -7,6 +7,7 @@
 #include <exception>
 #include <functional>
 #include <mutex>
+#include <new>
 #include <utility>
 
 // The requests that have their turn, so that the object isn't destroyed under them. One that gets
@@ -211,8 +212,12 @@ void NPRMeasurementThread::sleepWhilePaused()
 void NPRMeasurementThread::waitForMainThread()
 {
     unseenPasses.acquire();
-    QMetaObject::invokeMethod(
-        this, [this] { unseenPasses.release(); }, Qt::QueuedConnection);
+    try {
+        QMetaObject::invokeMethod(
+            this, [this] { unseenPasses.release(); }, Qt::QueuedConnection);
+    } catch (const std::bad_alloc&) {
+        unseenPasses.release();
+    }
 }
 
 void NPRMeasurementThread::run()
@@ -222,7 +227,11 @@ void NPRMeasurementThread::run()
         if (!running) {
             return;
         }
-        measureNextPass();
+        try {
+            measureNextPass();
+        } catch (const std::bad_alloc&) {
+            qWarning("Not enough memory for a measurement"); // the next pass tries again
+        }
         waitForMainThread();
     }
 }

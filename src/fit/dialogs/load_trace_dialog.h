@@ -1,5 +1,5 @@
 // "Load SAN Mag": shows a stored analyzer trace and the polynomial fitted to it, and offers both
-// as the correction of the magnitude. Reading and fitting run on the thread pool; the curves and
+// as the correction of the magnitude. Reading and fitting run in the background; the curves and
 // their buttons come when they are ready. A file that offers nothing leaves "---" and "Cancel".
 //
 // Deletes itself when it closes, whether a job still runs or not. Main thread only.
