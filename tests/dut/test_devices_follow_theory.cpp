@@ -49,6 +49,7 @@ private slots:
     void converters_data();
     void converters();
     void aSingleReadingScattersAsItSays();
+    void noiseAndDistortionHaveTheirBestLevel();
 };
 
 void TestDevicesFollowTheory::memorylessDevices_data()
@@ -129,6 +130,30 @@ void TestDevicesFollowTheory::aSingleReadingScattersAsItSays()
     const double spread = std::sqrt((squares - sum * sum / readings) / (readings - 1));
     QVERIFY2(std::abs(spread / sigma - 1.0) < 0.34,
              qPrintable(QString("%1 dB, expected %2 dB").arg(spread).arg(sigma)));
+}
+
+// Noise of -40 dBm in the band and an intercept of 20 dBm: the best level is the third root of
+// N IP3^2 / 3. There the noise joins what theory says of the distortion alone: it is N/P below the
+// signal, which is compressed by (1 - 2 P/IP3)^2 and stands in nine tenths of the band.
+void TestDevicesFollowTheory::noiseAndDistortionHaveTheirBestLevel()
+{
+    const Stimulus played = stimulus(0.8, 0.1, false);
+    Chain chain = chainWith("cubic");
+    chain.device.thirdOrderIntercept = 20.0;
+    chain.deviceNoise = -40.0 - 10.0 * std::log10(0.8 * played.count);
+    const double best = (-40.0 + 2.0 * 20.0 - 4.771) / 3.0;
+    const auto reading = [&](double level) {
+        return measureOverSeeds(chain, level, played, {averagedSigma, 100}).reading;
+    };
+    const double alone = theoryOf(played, distortionOrders(cubicGain(20.0 - best)));
+    const double compressed = std::pow(1.0 - 2.0 * std::pow(10.0, (best - 20.0) / 10.0), 2.0);
+    const double noise = 0.9 / compressed * std::pow(10.0, (-40.0 - best) / 10.0);
+    const double expected = -10.0 * std::log10(std::pow(10.0, -alone / 10.0) + noise);
+    const double peak = reading(best);
+    QVERIFY2(std::abs(peak - expected) < tolerance,
+             qPrintable(QString("%1 dB, theory %2 dB").arg(peak).arg(expected)));
+    QVERIFY(reading(best - 1.5) < peak - 0.1);
+    QVERIFY(reading(best + 1.5) < peak - 0.1);
 }
 
 QTEST_APPLESS_MAIN(TestDevicesFollowTheory)
