@@ -182,7 +182,7 @@ int main(int argc, char* argv[])
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    const int mostSeeds = arguments.value(2, QStringLiteral("6000")).toInt();
+    const int mostSeeds = arguments.value(2, QStringLiteral("2000")).toInt();
     Rows rows;
     addMemorylessDevices(rows);
     addConverters(rows);
