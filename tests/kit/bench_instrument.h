@@ -40,8 +40,7 @@ public:
         thread.start();
         server.moveToThread(&thread);
         QMetaObject::invokeMethod(
-            &server, [this, address] { listening = server.listen(QHostAddress(address), 5025); },
-            Qt::BlockingQueuedConnection);
+            &server, [this, address] { listen(address); }, Qt::BlockingQueuedConnection);
     }
 
     ~BenchInstrument()
@@ -52,7 +51,11 @@ public:
         thread.wait();
     }
 
-    bool isListening() const { return listening; }
+    bool isListening() const
+    {
+        const QMutexLocker lock(&mutex);
+        return listening;
+    }
 
     // What to send when this line (without its line feed) arrives. Other lines get no answer.
     void answer(const QByteArray& line, const QByteArray& text, int afterMs = 0)
@@ -110,6 +113,13 @@ private:
         QPointer<QTcpSocket> socket;
         Answer answer;
     };
+
+    void listen(const QString& address)
+    {
+        const bool isOpen = server.listen(QHostAddress(address), 5025);
+        const QMutexLocker lock(&mutex);
+        listening = isOpen;
+    }
 
     void accept()
     {
