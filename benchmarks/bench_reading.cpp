@@ -39,7 +39,7 @@ void firstReading(benchmark::State& state, const char* device)
 {
     const Chain chain = chainWith(device);
     const Envelope signal = noise(1 << state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         readChannels(chain, deviceInput(chain, signal, 0.0));
     }
 }
@@ -48,7 +48,7 @@ void atTheSamples(benchmark::State& state, const char* device)
 {
     const Chain chain = chainWith(device);
     const Envelope signal = noise(1 << state.range(0));
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         Envelope samples = signal;
         setMeanPower(samples, 1.0);
         readChannels(chain, std::move(samples));

@@ -74,8 +74,11 @@ double Bench::rfLevel() const
 Bench::Drive Bench::wantedDrive() const
 {
     const double limit = inputLimit(settings.analyzer);
-    return {signalNumber, settings.generator.iqModulation, rfLevel(),
-            outputPeak > milliwatts(limit) ? limit : noLimit};
+    Drive drive{signalNumber, settings.generator.iqModulation, rfLevel(), noLimit};
+    if (outputPeak > milliwatts(limit)) {
+        drive.limit = limit;
+    }
+    return drive;
 }
 
 void Bench::refreshOutput()

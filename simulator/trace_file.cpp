@@ -11,8 +11,9 @@ bool writeTrace(const QString& path, const Ripple& ripple, int points, double sa
         return false;
     }
     const double spacing = sampleRate / points;
+    const int carrier = points / 2;
     for (int k = 0; k < points; ++k) {
-        const double offset = (k - points / 2) * spacing;
+        const double offset = (k - carrier) * spacing;
         file.write(QByteArray::number(offset, 'f', 3) + ';' +
                    QByteArray::number(ripple.gain(offset), 'f', 6) + '\n');
     }

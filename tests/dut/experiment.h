@@ -10,9 +10,9 @@
 // Lines of one amplitude and random phases with one notch that is quite empty.
 struct Stimulus
 {
-    int count = 131072;       // samples and lines
     double beta = 0.8;        // band over sample rate
     double notchShare = 0.01; // width of the notch over the band
+    int count = 131072;       // samples and lines
     bool atEdge = false;      // the notch's middle lies 1.5 widths inside the band's edge, else
                               // at the carrier
 

@@ -38,10 +38,10 @@ using Rows = QVector<Row>;
 
 // Centre and edge, all of the rate and half of it, narrow and wide: each once, against the others'
 // first.
-const Stimulus stimuli[] = {{131072, 1.0, 0.01, false},
-                            {131072, 1.0, 0.10, true},
-                            {131072, 0.5, 0.10, false},
-                            {131072, 0.5, 0.01, true}};
+const Stimulus stimuli[] = {{1.0, 0.01, 131072, false},
+                            {1.0, 0.10, 131072, true},
+                            {0.5, 0.10, 131072, false},
+                            {0.5, 0.01, 131072, true}};
 
 Chain chainOf(const char* name)
 {

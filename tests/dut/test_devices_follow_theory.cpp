@@ -16,7 +16,7 @@ Chain chainWith(const char* device)
 
 Stimulus stimulus(double beta, double notchShare, bool atEdge)
 {
-    return {32768, beta, notchShare, atEdge};
+    return {beta, notchShare, 32768, atEdge};
 }
 
 Chain rapp(double smoothness)

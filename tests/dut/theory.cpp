@@ -222,7 +222,8 @@ double converterNpr(int bits, double loading)
 double bestLoading(int bits)
 {
     double best = 1.0;
-    for (double k = 1.0; k < 8.0; k += 0.01) {
+    for (int hundredths = 100; hundredths < 800; ++hundredths) {
+        const double k = hundredths / 100.0;
         best = converterNpr(bits, k) > converterNpr(bits, best) ? k : best;
     }
     return best;
