@@ -44,6 +44,8 @@ public:
         listening = server.listen(address, port);
         descriptor = static_cast<int>(server.socketDescriptor());
         thread = std::thread([this, serve] {
+            pollfd arrival{descriptor, POLLIN, 0}; // the server's descriptor doesn't block
+            ::poll(&arrival, 1, 10000);
             const int accepted = ::accept(descriptor, nullptr, nullptr);
             serve(accepted);
             ::close(accepted);
