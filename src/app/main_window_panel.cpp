@@ -52,6 +52,9 @@ void MainWindow::on_nbw_srate_input_valueChanged(double value)
 
 void MainWindow::on_fft_length_input_currentIndexChanged(int index)
 {
+    if (index < 0) { // a loaded length that has no row stays
+        return;
+    }
     setup.fftLengthIndex = index;
     qDebug() << "FFT Length Changed To: " << setup.fftLength();
     invalidate(ui->fft_length_input);
