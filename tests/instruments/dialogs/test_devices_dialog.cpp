@@ -21,6 +21,7 @@ private slots:
     void aChangeIsStoredAtOnce();
     void frequenciesAreShownInMegahertz();
     void whatIsNoNumberIsDropped();
+    void whatIsBeingTypedSurvivesARefresh();
     void infinityIsNoCrash();
     void theFrequencyOfTheChainIsTold();
     void theInterfacePicksThePage_data();
@@ -148,6 +149,27 @@ void TestDevicesDialog::whatIsNoNumberIsDropped()
     QCOMPARE(setup->analyzer.sweepTime, 0.0);
     typeText("a_sweeptime", "1.5");
     QCOMPARE(setup->analyzer.sweepTime, 1.5);
+}
+
+// As the end of a job brings one.
+void TestDevicesDialog::whatIsBeingTypedSurvivesARefresh()
+{
+    auto* frequency = operate->find<QLineEdit>("g_frequency");
+    frequency->setFocus();
+    frequency->selectAll();
+    QTest::keyClicks(frequency, "24");
+    dialog->notifyPropertyChanged();
+    QCOMPARE(frequency->text(), QString("24"));
+    QTest::keyClicks(frequency, "00");
+    QTest::keyClick(frequency, Qt::Key_Return);
+    QCOMPARE(setup->generator.frequency, 2.4e9);
+    QCOMPARE(frequency->text(), QString("2400.000000"));
+    // Another record's value comes all the same.
+    QTest::keyClicks(frequency, "7");
+    MeasurementSetup other;
+    dialog->setSetup(&other, {});
+    QCOMPARE(frequency->text(), QString("0.000000"));
+    dialog->setSetup(setup.get(), {});
 }
 
 void TestDevicesDialog::infinityIsNoCrash()
