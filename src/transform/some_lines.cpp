@@ -1,0 +1,259 @@
+#include "transform/some_lines.h"
+
+#include "transform/pi.h"
+#include "transform/vector_clones.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+namespace {
+
+constexpr int parts = SomeLines::shortestPeriod; // into which a period is dealt out
+constexpr int lanes = 8;                         // parts that are transformed side by side
+constexpr int runLength = 512; // lines between two exact starts of the recurrence of twiddles
+
+static_assert(parts % lanes == 0);
+
+struct Turn
+{
+    double re;
+    double im;
+};
+
+// exp(-j 2 pi numerator / denominator)
+Turn turnOf(qint64 numerator, qint64 denominator)
+{
+    const double angle =
+        -2.0 * pi * static_cast<double>(numerator % denominator) / static_cast<double>(denominator);
+    return {std::cos(angle), std::sin(angle)};
+}
+
+// One butterfly of four rows of lanes; the outputs lie as two stages of two would leave them.
+struct Butterfly
+{
+    double* re;
+    double* im;
+    std::ptrdiff_t quarter; // doubles from one input row to the next
+    Turn w1;
+    Turn w2;
+    Turn w3;
+};
+
+inline void butterfly(const Butterfly& b)
+{
+    double* const re = b.re;
+    double* const im = b.im;
+    const std::ptrdiff_t q = b.quarter;
+    IN_ANY_ORDER
+    for (int l = 0; l < lanes; ++l) {
+        const double sumAcRe = re[l] + re[l + 2 * q];
+        const double sumAcIm = im[l] + im[l + 2 * q];
+        const double difAcRe = re[l] - re[l + 2 * q];
+        const double difAcIm = im[l] - im[l + 2 * q];
+        const double sumBdRe = re[l + q] + re[l + 3 * q];
+        const double sumBdIm = im[l + q] + im[l + 3 * q];
+        const double difBdRe = re[l + q] - re[l + 3 * q];
+        const double difBdIm = im[l + q] - im[l + 3 * q];
+        const double twoRe = sumAcRe - sumBdRe;
+        const double twoIm = sumAcIm - sumBdIm;
+        const double oneRe = difAcRe + difBdIm;
+        const double oneIm = difAcIm - difBdRe;
+        const double threeRe = difAcRe - difBdIm;
+        const double threeIm = difAcIm + difBdRe;
+        re[l] = sumAcRe + sumBdRe;
+        im[l] = sumAcIm + sumBdIm;
+        re[l + q] = twoRe * b.w2.re - twoIm * b.w2.im;
+        im[l + q] = twoRe * b.w2.im + twoIm * b.w2.re;
+        re[l + 2 * q] = oneRe * b.w1.re - oneIm * b.w1.im;
+        im[l + 2 * q] = oneRe * b.w1.im + oneIm * b.w1.re;
+        re[l + 3 * q] = threeRe * b.w3.re - threeIm * b.w3.im;
+        im[l + 3 * q] = threeRe * b.w3.im + threeIm * b.w3.re;
+    }
+}
+
+inline void lastPairs(double* re, double* im, int rows)
+{
+    for (int row = 0; row < rows; row += 2) {
+        double* const r = re + std::ptrdiff_t{row} * lanes;
+        double* const i = im + std::ptrdiff_t{row} * lanes;
+        IN_ANY_ORDER
+        for (int l = 0; l < lanes; ++l) {
+            const double dRe = r[l] - r[l + lanes];
+            const double dIm = i[l] - i[l + lanes];
+            r[l] += r[l + lanes];
+            i[l] += i[l + lanes];
+            r[l + lanes] = dRe;
+            i[l + lanes] = dIm;
+        }
+    }
+}
+
+// Transforms the rows (time) of all lanes at once, in place; row f ends at the bit-reversed f.
+VECTOR_CLONES void transformRows(double* re, double* im, int rows, const double* turnRe,
+                                 const double* turnIm)
+{
+    int size = rows;
+    for (; size >= 4; size /= 4) {
+        const int quarter = size / 4;
+        const int step = rows / size;
+        for (int start = 0; start < rows; start += size) {
+            for (int j = 0; j < quarter; ++j) {
+                const std::ptrdiff_t at = std::ptrdiff_t{start + j} * lanes;
+                const int t = j * step;
+                butterfly({re + at,
+                           im + at,
+                           std::ptrdiff_t{quarter} * lanes,
+                           {turnRe[t], turnIm[t]},
+                           {turnRe[2 * t], turnIm[2 * t]},
+                           {turnRe[3 * t], turnIm[3 * t]}});
+            }
+        }
+    }
+    if (size == 2) {
+        lastPairs(re, im, rows);
+    }
+}
+
+// Twiddles of the lanes, on their way from line to line.
+struct LaneTurns
+{
+    double re[lanes];
+    double im[lanes];
+    double stepRe[lanes];
+    double stepIm[lanes];
+};
+
+// The sum over the lanes of row times twiddle; moves the twiddles on by a line.
+inline Turn gathered(LaneTurns& w, const double* rowRe, const double* rowIm)
+{
+    double re[lanes];
+    double im[lanes];
+    for (int l = 0; l < lanes; ++l) {
+        re[l] = rowRe[l] * w.re[l] - rowIm[l] * w.im[l];
+        im[l] = rowRe[l] * w.im[l] + rowIm[l] * w.re[l];
+        const double next = w.re[l] * w.stepRe[l] - w.im[l] * w.stepIm[l];
+        w.im[l] = w.re[l] * w.stepIm[l] + w.im[l] * w.stepRe[l];
+        w.re[l] = next;
+    }
+    return {((re[0] + re[4]) + (re[1] + re[5])) + ((re[2] + re[6]) + (re[3] + re[7])),
+            ((im[0] + im[4]) + (im[1] + im[5])) + ((im[2] + im[6]) + (im[3] + im[7]))};
+}
+
+// Neighbouring lines of which the first stands at index of the short period.
+struct Neighbours
+{
+    const int* rowOf;
+    int index;
+    int mask;
+    int count;
+};
+
+VECTOR_CLONES void gatherRun(LaneTurns w, const double* rowsRe, const double* rowsIm,
+                             Neighbours run, double* re, double* im)
+{
+    for (int k = 0; k < run.count; ++k) {
+        const std::ptrdiff_t row = std::ptrdiff_t{run.rowOf[(run.index + k) & run.mask]} * lanes;
+        const Turn sum = gathered(w, rowsRe + row, rowsIm + row);
+        re[k] += sum.re;
+        im[k] += sum.im;
+    }
+}
+
+int reversed(int value, int bits)
+{
+    int result = 0;
+    for (int bit = 0; bit < bits; ++bit) {
+        result = 2 * result + ((value >> bit) & 1);
+    }
+    return result;
+}
+
+VECTOR_CLONES void takeLanes(const double* samples, double* rows, int count)
+{
+    for (int row = 0; row < count; ++row) {
+        for (int l = 0; l < lanes; ++l) {
+            rows[std::ptrdiff_t{row} * lanes + l] = samples[std::ptrdiff_t{row} * parts + l];
+        }
+    }
+}
+
+} // namespace
+
+SomeLines::SomeLines(int periodLength, QVector<Range> wanted)
+    : period(periodLength), shortPeriod(periodLength / parts), ranges(std::move(wanted))
+{
+    const int bits = static_cast<int>(std::lround(std::log2(shortPeriod)));
+    for (int t = 0; t < shortPeriod; ++t) {
+        const Turn turn = turnOf(t, shortPeriod);
+        twiddles.re.push_back(turn.re);
+        twiddles.im.push_back(turn.im);
+        rowOf.push_back(reversed(t, bits));
+    }
+    for (int part = 0; part < parts; ++part) {
+        const Turn step = turnOf(part, period);
+        steps.re.push_back(step.re);
+        steps.im.push_back(step.im);
+    }
+    for (const Range& range : qAsConst(ranges)) {
+        addRuns(range);
+    }
+}
+
+void SomeLines::addRuns(Range range)
+{
+    for (int done = 0; done < range.count; done += runLength) {
+        Run run{{range.first + done, std::min(runLength, range.count - done)}, {}};
+        for (int part = 0; part < parts; ++part) {
+            const Turn start = turnOf(qint64{run.lines.first} * part, period);
+            run.turns.re.push_back(start.re);
+            run.turns.im.push_back(start.im);
+        }
+        lineCount += run.lines.count;
+        runs.push_back(std::move(run));
+    }
+}
+
+QVector<double> SomeLines::powers(const double* re, const double* im) const
+{
+    const auto size = static_cast<std::size_t>(shortPeriod) * lanes;
+    Lines rows{std::vector<double>(size), std::vector<double>(size)};
+    const auto count = static_cast<std::size_t>(lineCount);
+    Lines sums{std::vector<double>(count), std::vector<double>(count)};
+    for (int lane = 0; lane < parts; lane += lanes) {
+        takeLanes(re + lane, rows.re.data(), shortPeriod);
+        takeLanes(im + lane, rows.im.data(), shortPeriod);
+        transformRows(rows.re.data(), rows.im.data(), shortPeriod, twiddles.re.data(),
+                      twiddles.im.data());
+        addLanes(lane, rows, sums);
+    }
+    QVector<double> result;
+    std::size_t at = 0;
+    const double scale = 1.0 / (static_cast<double>(period) * period);
+    for (const Range& range : ranges) {
+        double sum = 0.0;
+        for (int k = 0; k < range.count; ++k, ++at) {
+            sum += sums.re[at] * sums.re[at] + sums.im[at] * sums.im[at];
+        }
+        result << sum * scale;
+    }
+    return result;
+}
+
+void SomeLines::addLanes(int lane, const Lines& rows, Lines& sums) const
+{
+    const int mask = shortPeriod - 1;
+    std::size_t at = 0;
+    for (const Run& run : runs) {
+        LaneTurns w{};
+        std::copy_n(run.turns.re.data() + lane, lanes, w.re);
+        std::copy_n(run.turns.im.data() + lane, lanes, w.im);
+        std::copy_n(steps.re.data() + lane, lanes, w.stepRe);
+        std::copy_n(steps.im.data() + lane, lanes, w.stepIm);
+        gatherRun(w, rows.re.data(), rows.im.data(),
+                  {rowOf.data(), run.lines.first & mask, mask, run.lines.count},
+                  sums.re.data() + at, sums.im.data() + at);
+        at += static_cast<std::size_t>(run.lines.count);
+    }
+}
