@@ -1,27 +1,43 @@
 #include "dut/scatter.h"
 
 #include <algorithm>
-#include <complex>
+#include <numeric>
 
 namespace {
 
-using Complex = std::complex<double>;
-
-Complex sample(const Envelope& envelope, int k)
+// The components of an envelope, for loops of which a compiler can take several turns at once.
+struct Parts
 {
-    return {envelope.iSamples.at(k), envelope.qSamples.at(k)};
-}
+    const double* i;
+    const double* q;
 
-// The gain that takes from output all that looks like input.
-Complex correlatedGain(const Envelope& input, const Envelope& output)
-{
-    Complex common = 0.0;
-    double power = 0.0;
-    for (int k = 0; k < input.size(); ++k) {
-        common += std::conj(sample(input, k)) * sample(output, k);
-        power += std::norm(sample(input, k));
+    explicit Parts(const Envelope& envelope)
+        : i(envelope.iSamples.constData()), q(envelope.qSamples.constData())
+    {
     }
-    return power > 0.0 ? common / power : Complex(0.0);
+};
+
+// Sums of what meets at the same sample, in eight rows that are added up at the end: the compiler
+// may not change the order of a sum by itself.
+struct Correlation
+{
+    static constexpr int rows = 8;
+
+    double re[rows] = {};
+    double im[rows] = {};
+    double power[rows] = {};
+
+    void add(int row, double xi, double xq, double yi, double yq)
+    {
+        re[row] += xi * yi + xq * yq;
+        im[row] += xi * yq - xq * yi;
+        power[row] += xi * xi + xq * xq;
+    }
+};
+
+double total(const double* rows)
+{
+    return std::accumulate(rows, rows + Correlation::rows, 0.0);
 }
 
 } // namespace
@@ -33,18 +49,48 @@ DistortionEnergy& DistortionEnergy::operator+=(const DistortionEnergy& other)
     return *this;
 }
 
-DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output, int stretchLength)
+std::complex<double> correlatedGain(const Envelope& input, const Envelope& output)
 {
-    const Complex gain = correlatedGain(input, output);
-    DistortionEnergy total;
+    const Parts x(input);
+    const Parts y(output);
+    const int count = input.size();
+    Correlation sums;
+    int k = 0;
+    for (; k + Correlation::rows <= count; k += Correlation::rows) {
+        for (int row = 0; row < Correlation::rows; ++row) {
+            sums.add(row, x.i[k + row], x.q[k + row], y.i[k + row], y.q[k + row]);
+        }
+    }
+    for (; k < count; ++k) {
+        sums.add(0, x.i[k], x.q[k], y.i[k], y.q[k]);
+    }
+    const double power = total(sums.power);
+    return power > 0.0 ? std::complex<double>(total(sums.re), total(sums.im)) / power : 0.0;
+}
+
+DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output,
+                                  std::complex<double> gain, int stretchLength)
+{
+    const Parts x(input);
+    const Parts y(output);
+    const double re = gain.real();
+    const double im = gain.imag();
+    DistortionEnergy all;
     for (int first = 0; first < input.size(); first += stretchLength) {
         double energy = 0.0;
         for (int k = first; k < std::min(first + stretchLength, input.size()); ++k) {
-            energy += std::norm(sample(output, k) - gain * sample(input, k));
+            const double di = y.i[k] - (re * x.i[k] - im * x.q[k]);
+            const double dq = y.q[k] - (re * x.q[k] + im * x.i[k]);
+            energy += di * di + dq * dq;
         }
-        total += {energy, energy * energy};
+        all += {energy, energy * energy};
     }
-    return total;
+    return all;
+}
+
+DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output, int stretchLength)
+{
+    return distortionEnergy(input, output, correlatedGain(input, output), stretchLength);
 }
 
 double readingSigma(int lines, double concentration)

@@ -4,6 +4,8 @@
 
 #include "dut/envelope.h"
 
+#include <complex>
+
 // Energy of what a device added to its input, in stretches of some samples. Sums over several
 // stimuli add up to those of one long stimulus.
 struct DistortionEnergy
@@ -18,8 +20,15 @@ struct DistortionEnergy
     double concentration() const { return sum > 0.0 ? squares / (sum * sum) : 0.0; }
 };
 
-// What the device added is output - c input, with c the correlation of the two. Both envelopes are
-// of the same length; stretchLength is 4 times their oversampling.
+// The gain c that takes from output all that looks like input: <input, output> / <input, input>. 0
+// for an input without power. Both envelopes are of the same length.
+std::complex<double> correlatedGain(const Envelope& input, const Envelope& output);
+
+// What the device added is output - gain input. stretchLength is 4 times the oversampling.
+DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output,
+                                  std::complex<double> gain, int stretchLength);
+
+// The same with the correlated gain.
 DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output, int stretchLength);
 
 // Standard deviation in dB of a reading whose notch channel holds this many lines. Exact for small

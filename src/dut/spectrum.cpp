@@ -50,9 +50,8 @@ double Spectrum::powerBetween(double low, double high) const
 // The first line that isn't below the offset; the number of lines when all are.
 int Spectrum::lineAtOrAbove(double offset) const
 {
-    constexpr double tolerance = 1e-5;
     const int carrier = power.size() / 2;
-    const double line = std::ceil(offset / spacing - tolerance) + carrier;
+    const double line = std::ceil(offset / spacing - edgeTolerance) + carrier;
     if (!(line > 0.0)) {
         return 0;
     }

@@ -10,14 +10,16 @@
 class Spectrum
 {
 public:
+    // In line spacings. A line as near as this to a channel's edge counts as on it, so that
+    // rounding of frequencies in the gigahertz moves no line into the next channel.
+    static constexpr double edgeTolerance = 1e-5;
+
     Spectrum() = default; // no line at all
 
     // The lines of an envelope whose length is a power of two.
     explicit Spectrum(Envelope envelope);
 
-    // Sum of the lines from low (inclusive) to high (exclusive); 0 where there are none. A line
-    // within a hundred-thousandth of a line spacing of an edge counts as on it, so that
-    // rounding of frequencies in the gigahertz moves no line into the next channel.
+    // Sum of the lines from low (inclusive) to high (exclusive); 0 where there are none.
     double powerBetween(double low, double high) const;
 
 private:

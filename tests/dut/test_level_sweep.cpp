@@ -1,0 +1,142 @@
+// A sweep against one chain a level.
+#include "dut/level_sweep.h"
+#include "dut/multitone.h"
+
+#include <QtTest>
+
+Q_DECLARE_METATYPE(Chain*)
+
+namespace {
+
+constexpr int count = 4096;
+const QVector<ChannelBand> channels{
+    {99.5, 180.5}, {-60.0, 20.0}, {1999.5, 2100.5}, {-2048.0, 2048.0}, {50.0, 50.0}};
+
+Envelope stimulus()
+{
+    return noiseWithNotch(count, {100, 199}, -70.0);
+}
+
+Chain chainOf(const QString& device)
+{
+    Chain chain;
+    chain.device.name = device;
+    chain.device.saturationPower = 6.0;
+    chain.device.thirdOrderIntercept = 20.0;
+    chain.noiseFloor = -60.0;
+    return chain;
+}
+
+bool areClose(double value, double expected)
+{
+    return std::abs(value - expected) <= 1e-8 * expected;
+}
+
+} // namespace
+
+class TestLevelSweep : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void channelsHoldWhatAChainPutsThere_data();
+    void channelsHoldWhatAChainPutsThere();
+    void distortionIsThatOfTheWholeSignal();
+    void aLinearDeviceAddsNothing();
+    void linesAreCounted();
+    void silenceLeavesTheNoise();
+    void aBufferThatWasUsedChangesNothing();
+};
+
+void TestLevelSweep::channelsHoldWhatAChainPutsThere_data()
+{
+    QTest::addColumn<Chain*>("chain");
+    static Chain chains[8];
+    int row = 0;
+    for (const QString& device : deviceNames()) {
+        chains[row] = chainOf(device);
+        QTest::newRow(qPrintable(device)) << &chains[row];
+        ++row;
+    }
+    chains[6] = chainOf(QStringLiteral("rapp"));
+    chains[6].sourceNotch = 40.0;
+    chains[6].ripple = {3.0, 1000.0};
+    QTest::newRow("source and ripple") << &chains[6];
+    chains[7] = chainOf(QStringLiteral("adc"));
+    chains[7].device.fullScale = 3.0;
+    QTest::newRow("full scale") << &chains[7];
+}
+
+void TestLevelSweep::channelsHoldWhatAChainPutsThere()
+{
+    QFETCH(Chain*, chain);
+    const LevelSweep sweep(*chain, stimulus(), channels);
+    Envelope scratch;
+    for (const double level : {-20.0, 0.0, 9.5}) {
+        const LevelResponse response = sweep.at(level, scratch);
+        Envelope samples = deviceInput(*chain, stimulus(), level);
+        passThrough(chain->device, samples);
+        const ChainOutput output(*chain, samples);
+        for (int k = 0; k < channels.size(); ++k) {
+            const double expected = output.channelPower(channels[k].low, channels[k].high);
+            QVERIFY2(areClose(response.channels[k].power(), expected),
+                     qPrintable(QString("channel %1 at %2 dBm").arg(k).arg(level)));
+        }
+    }
+}
+
+void TestLevelSweep::distortionIsThatOfTheWholeSignal()
+{
+    const Chain chain = chainOf(QStringLiteral("saleh"));
+    Envelope scratch;
+    const DistortionEnergy found = LevelSweep(chain, stimulus(), {}).at(3.0, scratch).distortion;
+    const Envelope input = deviceInput(chain, stimulus(), 3.0);
+    Envelope output = input;
+    passThrough(chain.device, output);
+    const DistortionEnergy expected = distortionEnergy(input, output, 16);
+    QVERIFY(areClose(found.sum, expected.sum));
+    QVERIFY(areClose(found.squares, expected.squares));
+}
+
+void TestLevelSweep::aLinearDeviceAddsNothing()
+{
+    Envelope scratch;
+    const LevelResponse response =
+        LevelSweep(chainOf(QStringLiteral("linear")), stimulus(), channels).at(-7.0, scratch);
+    for (const ChannelContent& channel : response.channels) {
+        QVERIFY(areClose(channel.stimulus, channel.lines));
+    }
+    QVERIFY(response.distortion.sum < 1e-20);
+}
+
+void TestLevelSweep::linesAreCounted()
+{
+    const LevelSweep sweep(chainOf(QStringLiteral("cubic")), stimulus(), channels);
+    QCOMPARE(sweep.lineCount(0), 81);  // 100 to 180
+    QCOMPARE(sweep.lineCount(1), 80);  // -60 to 19
+    QCOMPARE(sweep.lineCount(2), 101); // 2000 to 2100, beyond half the rate
+    QCOMPARE(sweep.lineCount(3), count);
+    QCOMPARE(sweep.lineCount(4), 0);
+}
+
+void TestLevelSweep::silenceLeavesTheNoise()
+{
+    Envelope scratch;
+    const LevelResponse response =
+        LevelSweep(chainOf(QStringLiteral("rapp")), silence(count), channels).at(0.0, scratch);
+    QVERIFY(areClose(response.channels[0].power(), 81.0 * 1e-6));
+    QCOMPARE(response.channels[0].lines, 0.0);
+    QCOMPARE(response.channels[4].power(), 0.0);
+}
+
+void TestLevelSweep::aBufferThatWasUsedChangesNothing()
+{
+    const LevelSweep sweep(chainOf(QStringLiteral("rapp")), stimulus(), channels);
+    Envelope used;
+    sweep.at(12.0, used);
+    Envelope fresh;
+    QCOMPARE(sweep.at(-3.0, used).channels[0].lines, sweep.at(-3.0, fresh).channels[0].lines);
+}
+
+QTEST_APPLESS_MAIN(TestLevelSweep)
+#include "test_level_sweep.moc"
