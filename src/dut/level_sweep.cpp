@@ -6,7 +6,15 @@
 
 namespace {
 
-// The lines from low to high of count lines; the same tolerance as that of Spectrum.
+void scale(const QVector<double>& from, double factor, QVector<double>& to)
+{
+    to.resize(from.size());
+    std::transform(from.cbegin(), from.cend(), to.begin(),
+                   [factor](double value) { return factor * value; });
+}
+
+} // namespace
+
 SomeLines::Range linesWithin(ChannelBand band, double spacing, int count)
 {
     const auto lineAtOrAbove = [=](double offset) {
@@ -16,15 +24,6 @@ SomeLines::Range linesWithin(ChannelBand band, double spacing, int count)
     const int first = lineAtOrAbove(band.low);
     return {first, std::max(0, lineAtOrAbove(band.high) - first)};
 }
-
-void scale(const QVector<double>& from, double factor, QVector<double>& to)
-{
-    to.resize(from.size());
-    std::transform(from.cbegin(), from.cend(), to.begin(),
-                   [factor](double value) { return factor * value; });
-}
-
-} // namespace
 
 LevelSweep::LevelSweep(Chain itsChain, Envelope signal, const QVector<ChannelBand>& channels)
     : chain(std::move(itsChain))

@@ -19,6 +19,9 @@ struct ChannelBand
     double high; // Hz, exclusive
 };
 
+// The lines of a channel, spacing (Hz) apart, of count lines with the carrier in their middle.
+SomeLines::Range linesWithin(ChannelBand band, double spacing, int count);
+
 // What stands in one channel.
 struct ChannelContent
 {
@@ -44,9 +47,6 @@ public:
 
     // scratch is a buffer that saves later calls of the same thread the allocation.
     LevelResponse at(double level, Envelope& scratch) const;
-
-    // Lines of the spectrum in a channel.
-    int lineCount(int channel) const { return ranges.at(channel).count; }
 
 private:
     Chain chain;

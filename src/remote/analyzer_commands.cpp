@@ -1,6 +1,6 @@
 #include "remote/analyzer_commands.h"
 
-#include <QStringList>
+#include <cmath>
 
 void AnalyzerCommands::sendNumber(const char* format, double value)
 {
@@ -82,11 +82,30 @@ void AnalyzerCommands::presetChannelPower(double level)
     goToLocal();
 }
 
-std::array<double, 3> AnalyzerCommands::measureChannelPower()
+QStringList AnalyzerCommands::sweepAndAsk()
 {
     send(QStringLiteral("INIT:CONT OFF"));
     send(QStringLiteral("INIT;*WAI"));
-    const QStringList fields =
-        query(QStringLiteral("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP")).split(QLatin1Char(','));
+    return query(QStringLiteral("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP")).split(QLatin1Char(','));
+}
+
+std::array<double, 3> AnalyzerCommands::measureChannelPower()
+{
+    const QStringList fields = sweepAndAsk();
     return {fields.value(0).toDouble(), fields.value(1).toDouble(), fields.value(2).toDouble()};
+}
+
+std::optional<std::array<double, 3>> AnalyzerCommands::readChannelPower()
+{
+    constexpr double most = 1000.0; // dB; what stands for "no result" is far beyond
+    const QStringList fields = sweepAndAsk();
+    std::array<double, 3> numbers{};
+    for (std::size_t field = 0; field < numbers.size(); ++field) {
+        bool isNumber = false;
+        numbers[field] = fields.value(static_cast<int>(field)).toDouble(&isNumber);
+        if (!isNumber || !(std::abs(numbers[field]) < most)) {
+            return std::nullopt;
+        }
+    }
+    return numbers;
 }

@@ -5,7 +5,10 @@
 
 #include "remote/instrument_commands.h"
 
+#include <QStringList>
+
 #include <array>
+#include <optional>
 
 class AnalyzerCommands : public InstrumentCommands
 {
@@ -31,6 +34,10 @@ public:
     // dB relative to it; a field that the answer lacks is 0.
     std::array<double, 3> measureChannelPower();
 
+    // The same; none when the answer has fewer than three numbers.
+    std::optional<std::array<double, 3>> readChannelPower();
+
 private:
     void sendNumber(const char* format, double value);
+    QStringList sweepAndAsk();
 };

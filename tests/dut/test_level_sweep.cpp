@@ -111,12 +111,16 @@ void TestLevelSweep::aLinearDeviceAddsNothing()
 
 void TestLevelSweep::linesAreCounted()
 {
-    const LevelSweep sweep(chainOf(QStringLiteral("cubic")), stimulus(), channels);
-    QCOMPARE(sweep.lineCount(0), 81);  // 100 to 180
-    QCOMPARE(sweep.lineCount(1), 80);  // -60 to 19
-    QCOMPARE(sweep.lineCount(2), 101); // 2000 to 2100, beyond half the rate
-    QCOMPARE(sweep.lineCount(3), count);
-    QCOMPARE(sweep.lineCount(4), 0);
+    const auto linesOf = [](int channel, int all) {
+        const SomeLines::Range range = linesWithin(channels[channel], 1.0, all);
+        return QVector<int>{range.first, range.count};
+    };
+    QCOMPARE(linesOf(0, count), (QVector<int>{100, 81}));
+    QCOMPARE(linesOf(1, count), (QVector<int>{-60, 80}));
+    QCOMPARE(linesOf(2, count), (QVector<int>{2000, 48})); // 2047 is the last one
+    QCOMPARE(linesOf(2, 4 * count), (QVector<int>{2000, 101}));
+    QCOMPARE(linesOf(3, count), (QVector<int>{-2048, count}));
+    QCOMPARE(linesOf(4, count), (QVector<int>{50, 0}));
 }
 
 void TestLevelSweep::silenceLeavesTheNoise()

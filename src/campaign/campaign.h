@@ -1,0 +1,79 @@
+// Runs a plan on a bench and gives back what was measured, whatever ended it.
+#pragma once
+
+#include "campaign/bench.h"
+
+#include <QObject>
+
+#include <condition_variable>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+// Asks a campaign to end after the reading in progress. Any thread.
+class Interruption
+{
+public:
+    void raise();
+    bool isRaised() const;
+    // Waits so long, or until it is raised.
+    void waitFor(double seconds) const;
+
+private:
+    mutable std::mutex mutex;
+    mutable std::condition_variable changed;
+    bool raised = false;
+};
+
+struct CampaignProgress
+{
+    int readings = 0; // taken so far
+    int total = 0;
+    double level = 0.0; // of the last reading, dBm
+    int notch = 0;      // its number
+};
+
+struct CampaignOutcome
+{
+    enum class Ending { Done, Interrupted, Failed };
+
+    Ending ending = Ending::Failed;
+    QString failure = QStringLiteral("Not enough memory or no thread"); // of Ending::Failed
+    QString warning; // the bench could not be left as it should; empty otherwise
+    // Those that have a reading, by level and notch in the order of the plan.
+    QVector<NprPoint> points;
+    BenchNames bench;
+    QVector<quint32> seeds;
+};
+
+// On the calling thread. The first level and notch are begun anew for each stimulus, so that an
+// interrupted average has all points. progressed is called after each reading.
+CampaignOutcome runCampaign(const CampaignPlan& plan, Bench& bench,
+                            const Interruption& interruption,
+                            const std::function<void(const CampaignProgress&)>& progressed = {});
+
+// The same in the background. Main thread.
+class Campaign : public QObject
+{
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    ~Campaign() override; // interrupts; what was measured is dropped
+
+    // Once an object.
+    void start(const CampaignPlan& plan, const std::shared_ptr<Bench>& bench);
+    // Ends after the reading in progress; finished() follows.
+    void interrupt();
+
+    const CampaignOutcome& outcome() const { return result; }
+
+signals:
+    // Not every reading when they come quickly.
+    void progressed(const CampaignProgress& progress);
+    void finished();
+
+private:
+    std::shared_ptr<Interruption> interruption = std::make_shared<Interruption>();
+    CampaignOutcome result;
+};

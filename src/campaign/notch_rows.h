@@ -1,0 +1,24 @@
+// The notches of a campaign. Rows of a configuration come in no order, so notches are numbered from
+// 1 by rising centre, and results are matched by centre and width.
+#pragma once
+
+#include "setup/notch.h"
+
+#include <QVector>
+
+struct MeasurementSetup;
+
+struct NumberedNotch
+{
+    int number = 0; // from 1
+    Notch notch;
+    int lines = 0; // of the signal's spectrum in the channel that reads the notch
+};
+
+// All notches of the setup, whose signal has so many samples. None in carrier mode, where rows are
+// lone lines.
+QVector<NumberedNotch> numberedNotches(const MeasurementSetup& setup, int signalLength);
+
+// Whether two notches are the same: centre and width agree to a millionth of the width, which is
+// more than a file keeps.
+bool isSameNotch(double center, double width, double otherCenter, double otherWidth);

@@ -1,0 +1,9 @@
+// The points of a result as comma-separated values: a header line, then one line a point, in the C
+// locale with line feeds. Marks are joined by spaces, what is missing is empty.
+#pragma once
+
+#include "campaign/npr_result.h"
+
+#include <QByteArray>
+
+QByteArray pointsToCsv(const QVector<NprPoint>& points);

@@ -1,0 +1,23 @@
+// Results as JSON files. The form is described in docs/result.md and docs/result.schema.json.
+//
+// To add a member: its line in the writer, its line in the reader, its property in the schema. A
+// reader passes over members that it doesn't know.
+#pragma once
+
+#include "campaign/npr_result.h"
+
+#include <QByteArray>
+
+// Numbers with all their digits; a missing one is null. The same result gives the same bytes.
+QByteArray resultToJson(const NprResult& result);
+
+// Throws ResultError with what is wrong, for bytes that aren't such a result or are more than
+// mostResultBytes.
+NprResult resultFromJson(const QByteArray& json);
+
+constexpr int mostResultBytes = 256 * 1048576;
+
+struct ResultError
+{
+    QString text;
+};

@@ -1,0 +1,137 @@
+#include "campaign/simulated_bench.h"
+
+#include "base/parallel.h"
+#include "measurement/channels.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+// Levels that are worked off together, for each core: enough to keep the cores even, few enough for
+// a quick end.
+constexpr int levelsPerCore = 2;
+
+ChannelBand bandAround(double center, double bandwidth)
+{
+    return {center - bandwidth / 2.0, center + bandwidth / 2.0};
+}
+
+// Reference and notch channel of each, in turns.
+QVector<ChannelBand> bandsOf(const QVector<NumberedNotch>& notches)
+{
+    QVector<ChannelBand> bands;
+    for (const NumberedNotch& numbered : notches) {
+        const ReadingChannels channels = channelsOf(numbered.notch);
+        bands << bandAround(channels.reference, channels.bandwidth)
+              << bandAround(channels.notch(), channels.bandwidth);
+    }
+    return bands;
+}
+
+} // namespace
+
+SimulatedBench::SimulatedBench(MeasurementSetup itsSetup, Chain itsChain, QString itsDescription)
+    : setup(std::move(itsSetup)),
+      firstSeed(setup.seed),
+      chain(std::move(itsChain)),
+      description(std::move(itsDescription))
+{
+}
+
+QString SimulatedBench::objectionTo(const SignalData& signal)
+{
+    const int length = signal.length;
+    const bool isPowerOfTwo = length > 0 && (length & (length - 1)) == 0;
+    return isPowerOfTwo && length >= SomeLines::shortestPeriod
+               ? QString()
+               : QStringLiteral("a simulated device needs a signal of 64, 128, 256 ... points, "
+                                "this one has %1")
+                     .arg(length);
+}
+
+bool SimulatedBench::hasSeed() const
+{
+    return setup.customSource == SignalSource::Internal && setup.phaseMode == PhaseLaw::Seeded;
+}
+
+int SimulatedBench::stimulusCount(int averages) const
+{
+    return hasSeed() ? averages : 1;
+}
+
+void SimulatedBench::prepare(const CampaignPlan& plan)
+{
+    levels = plan.levels;
+    notches = plan.notches;
+}
+
+void SimulatedBench::play(int stimulus)
+{
+    if (stimulus > 0 || setup.signal.length == 0) {
+        setup.seed = firstSeed + static_cast<quint32>(stimulus);
+        setup.calculateSignal();
+    }
+    const QString objection = objectionTo(setup.signal);
+    if (!objection.isEmpty()) {
+        throw BenchFailure(objection);
+    }
+    SignalData signal = std::exchange(setup.signal, SignalData());
+    responses.clear();
+    sweep.reset(); // frees its memory before the next one takes as much
+    sweep = std::make_unique<LevelSweep>(
+        chain, Envelope{std::move(signal.iSamples), std::move(signal.qSamples), setup.sampleRate},
+        bandsOf(notches));
+    if (hasSeed()) {
+        played << setup.seed;
+    }
+}
+
+void SimulatedBench::setLevel(double dbm)
+{
+    level = levels.indexOf(dbm);
+    if (level < firstResponse || level >= firstResponse + responses.size()) {
+        respondFrom(level);
+    }
+}
+
+// This level and those that will be asked for next, each on one core.
+void SimulatedBench::respondFrom(int first)
+{
+    const int threads = usefulThreads();
+    const int count = std::min(levelsPerCore * threads, levels.size() - first);
+    firstResponse = first;
+    responses = QVector<LevelResponse>(count);
+    LevelResponse* const found = responses.data();
+    inParallel(static_cast<quint64>(count), threads, [this, first, count, found](Pieces& pieces) {
+        const std::unique_ptr<WorkAlone> alone =
+            count > 1 ? std::make_unique<WorkAlone>() : nullptr;
+        Envelope scratch;
+        for (quint64 piece = 0; pieces.take(piece);) {
+            found[piece] = sweep->at(levels.at(first + static_cast<int>(piece)), scratch);
+        }
+    });
+}
+
+void SimulatedBench::tune(const NumberedNotch& wanted)
+{
+    const auto isWanted = [&wanted](const NumberedNotch& n) { return n.number == wanted.number; };
+    notch = static_cast<int>(std::find_if(notches.cbegin(), notches.cend(), isWanted) -
+                             notches.cbegin());
+}
+
+BenchReading SimulatedBench::read()
+{
+    const LevelResponse& response = responses.at(level - firstResponse);
+    const ChannelContent& within = response.channels.at(2 * notch + 1);
+    BenchReading reading;
+    reading.reference = response.channels.at(2 * notch).power();
+    reading.notch = within.power();
+    reading.content = NotchContent{within.stimulus, within.noise, response.distortion};
+    return reading;
+}
+
+BenchNames SimulatedBench::names() const
+{
+    return {description, QStringLiteral("simulated"), QStringLiteral("simulated")};
+}

@@ -1,0 +1,12 @@
+// Takes the bench's own distortion and noise off a result: what filled the notches without the
+// device is subtracted, notch by notch at the same level, as powers relative to the signal. Any
+// thread.
+#pragma once
+
+#include "campaign/npr_result.h"
+
+// Changes ratios and sigmas of points by those of without, which was measured without the device. A
+// point that lies less than 3 dB below what was subtracted gets the mark "margin"; one from which
+// nothing is left keeps its ratio, as a lower bound, and the mark. Empty, or why it is refused, and
+// then nothing changes: without has to have all notches (by centre and width) and levels of points.
+QString subtractBench(const QVector<NprPoint>& without, QVector<NprPoint>& points);

@@ -1,0 +1,302 @@
+// Campaigns in the process against the figures of the physics page: converters, a cubic device with
+// a noise floor, how readings scatter, and that the cores change no bit.
+#include "base/parallel.h"
+#include "campaign/campaign.h"
+#include "campaign/npr_curve.h"
+#include "campaign/simulated_bench.h"
+#include "setup/notch_editing.h"
+
+#include <QtTest>
+
+Q_DECLARE_METATYPE(Chain*)
+
+namespace {
+
+// Nine notches of 1 % of the rate in a band of 80 %; 131072 points at 100 MHz.
+MeasurementSetup nineNotches(int lengthIndex = 5)
+{
+    MeasurementSetup setup;
+    setup.nbwSrate = 0.8;
+    setup.fftLengthIndex = lengthIndex;
+    setup.notchCount = 9;
+    setup.notchWidth = 1e6;
+    setup.notchOffset = 0.0;
+    autoCalculateNotches(setup);
+    return setup;
+}
+
+MeasurementSetup oneNotch(int lengthIndex = 5)
+{
+    MeasurementSetup setup = nineNotches(lengthIndex);
+    setup.nbwSrate = 1.0;
+    setup.notchCount = 1;
+    autoCalculateNotches(setup);
+    return setup;
+}
+
+CampaignPlan planOf(const MeasurementSetup& setup, const QVector<double>& levels, int averages = 1)
+{
+    CampaignPlan plan;
+    plan.levels = levels;
+    plan.averages = averages;
+    plan.notches = numberedNotches(setup, static_cast<int>(setup.fftLength()));
+    return plan;
+}
+
+CampaignOutcome measured(const MeasurementSetup& setup, const Chain& chain,
+                         const CampaignPlan& plan)
+{
+    SimulatedBench bench(setup.forOtherThread(), chain, QStringLiteral("device"));
+    return runCampaign(plan, bench, Interruption());
+}
+
+Chain deviceChain(const char* name)
+{
+    Chain chain;
+    chain.device.name = QLatin1String(name);
+    chain.device.saturationPower = 0.0;
+    chain.device.thirdOrderIntercept = 20.0;
+    return chain;
+}
+
+Chain converter(int bits)
+{
+    Chain chain = deviceChain("adc");
+    chain.device.bits = bits;
+    chain.device.fullScale = 0.0;
+    return chain;
+}
+
+// Sigma of the readings of seeds 1 to count in the notch numbered 1, over the sigma they tell.
+struct Scatter
+{
+    double seen;
+    double told; // mean square root
+    int fewPeaks;
+};
+
+Scatter scatterOf(const Chain& chain, double level, int seeds)
+{
+    MeasurementSetup setup = oneNotch(7);
+    double sum = 0.0;
+    double squares = 0.0;
+    double told = 0.0;
+    int marked = 0;
+    for (int seed = 1; seed <= seeds; ++seed) {
+        setup.seed = static_cast<quint32>(seed);
+        const NprPoint point = measured(setup, chain, planOf(setup, {level})).points.constFirst();
+        sum += *point.npr;
+        squares += *point.npr * *point.npr;
+        told += *point.sigma * *point.sigma;
+        marked += point.marks.contains(PointMark::fewPeaks) ? 1 : 0;
+    }
+    const double mean = sum / seeds;
+    return {std::sqrt((squares - sum * mean) / (seeds - 1)), std::sqrt(told / seeds), marked};
+}
+
+} // namespace
+
+class TestSimulatedBench : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void aLinearDeviceReadsTheDepthOfTheNotch();
+    void aConverterHasItsPeakAndRange_data();
+    void aConverterHasItsPeakAndRange();
+    void aCubicDeviceWithANoiseFloorPeaksWhereItMust();
+    void averagesTakeTheNextSeeds();
+    void aPhaseLawWithoutASeedRepeatsItsStimulus();
+    void sigmaIsWhatScatters_data();
+    void sigmaIsWhatScatters();
+    void theCoresChangeNoBit();
+    void aReadingDoesNotDependOnItsNeighbours();
+    void aSignalThatIsThereIsNotCalculatedAgain();
+    void aSignalOfOddLengthIsRefused();
+};
+
+// The notch is 40 dB deep: 39.9996 after turning back.
+void TestSimulatedBench::aLinearDeviceReadsTheDepthOfTheNotch()
+{
+    MeasurementSetup setup = nineNotches();
+    for (Notch& notch : setup.notches->items) {
+        notch.depth = -40.0;
+    }
+    const CampaignOutcome outcome =
+        measured(setup, deviceChain("linear"), planOf(setup, {-20.0, 3.0}));
+    QCOMPARE(outcome.ending, CampaignOutcome::Ending::Done);
+    QCOMPARE(outcome.points.size(), 18);
+    for (const NprPoint& point : outcome.points) {
+        QVERIFY(std::abs(*point.npr - 10.0 * std::log10(9999.0)) < 1e-6);
+        QVERIFY(*point.sigma < 1e-3);
+        // 0.75 MHz of the 71 MHz that are left of the band.
+        QVERIFY(std::abs(point.power - (point.level + 10.0 * std::log10(0.75 / 71.0))) < 0.02);
+    }
+    QCOMPARE(*outcome.bench.simulated, QString("device"));
+}
+
+void TestSimulatedBench::aConverterHasItsPeakAndRange_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<double>("npr");
+    QTest::addColumn<double>("level"); // 3.01 dB - 20 lg k
+    QTest::addColumn<double>("range"); // at 41 dB
+    QTest::newRow("12 bits") << 12 << 62.71 << -10.99 << 25.35;
+    QTest::newRow("8 bits") << 8 << 40.60 << -8.86 << 0.0;
+}
+
+void TestSimulatedBench::aConverterHasItsPeakAndRange()
+{
+    QFETCH(int, bits);
+    QFETCH(double, npr);
+    QFETCH(double, level);
+    QFETCH(double, range);
+    const MeasurementSetup setup = oneNotch();
+    const QVector<double> levels = levelSteps(-36.0, -5.0, 1.0);
+    const CampaignOutcome outcome = measured(setup, converter(bits), planOf(setup, levels, 16));
+    const NprCurve curve = curvesOf(outcome.points, {41.0}).constFirst();
+    QVERIFY2(std::abs(*curve.peakNpr - npr) < 0.5, qPrintable(QString::number(*curve.peakNpr)));
+    QVERIFY2(std::abs(*curve.peakLevel - level) < 0.7,
+             qPrintable(QString::number(*curve.peakLevel)));
+    QCOMPARE(curve.ranges[0].range().has_value(), range > 0.0);
+    if (range > 0.0) {
+        QVERIFY2(std::abs(*curve.ranges[0].range() - range) < 0.6,
+                 qPrintable(QString::number(*curve.ranges[0].range())));
+    }
+}
+
+// Best level (N IP3^2 / 3)^(1/3), peak 2/3 (IP3 - N) - 3.35 dB; IP3 of 20 dBm and a noise power in
+// the band (100 MHz) of N = -40 dBm: 10 (-4 + 4 - 0.477) / 3 = -1.59 dBm and 36.65 dB.
+void TestSimulatedBench::aCubicDeviceWithANoiseFloorPeaksWhereItMust()
+{
+    Chain chain = deviceChain("cubic");
+    chain.noiseFloor = -120.0;
+    const MeasurementSetup setup = oneNotch();
+    const CampaignOutcome outcome =
+        measured(setup, chain, planOf(setup, levelSteps(-12.0, 8.0, 1.0), 8));
+    const NprCurve curve = curvesOf(outcome.points, {}).constFirst();
+    QVERIFY2(std::abs(*curve.peakLevel - -1.59) < 0.3,
+             qPrintable(QString::number(*curve.peakLevel)));
+    // The notch, 1 % of the band, measures itself 0.1 dB higher.
+    QVERIFY2(std::abs(*curve.peakNpr - 36.65) < 0.25, qPrintable(QString::number(*curve.peakNpr)));
+}
+
+void TestSimulatedBench::averagesTakeTheNextSeeds()
+{
+    MeasurementSetup setup = oneNotch(9);
+    setup.seed = 41;
+    const CampaignOutcome outcome = measured(setup, deviceChain("cubic"), planOf(setup, {0.0}, 3));
+    QCOMPARE(outcome.seeds, (QVector<quint32>{41, 42, 43}));
+    // Their powers averaged, each measured by itself.
+    double reference = 0.0;
+    double notch = 0.0;
+    for (const quint32 seed : {41U, 42U, 43U}) {
+        setup.seed = seed;
+        const NprPoint point =
+            measured(setup, deviceChain("cubic"), planOf(setup, {0.0})).points.constFirst();
+        reference += milliwatts(point.power);
+        notch += milliwatts(point.power) / (1.0 + milliwatts(*point.npr));
+    }
+    const double expected = 10.0 * std::log10((reference - notch) / notch);
+    QVERIFY(std::abs(*outcome.points[0].npr - expected) < 1e-9);
+}
+
+void TestSimulatedBench::aPhaseLawWithoutASeedRepeatsItsStimulus()
+{
+    MeasurementSetup setup = oneNotch(9);
+    setup.phaseMode = PhaseLaw::Parabolic;
+    const CampaignOutcome once = measured(setup, deviceChain("rapp"), planOf(setup, {-6.0}));
+    const CampaignOutcome often = measured(setup, deviceChain("rapp"), planOf(setup, {-6.0}, 5));
+    QVERIFY(often.seeds.isEmpty());
+    QVERIFY(std::abs(*often.points[0].npr - *once.points[0].npr) < 1e-12);
+    QVERIFY(std::abs(*often.points[0].sigma - *once.points[0].sigma) < 1e-12);
+}
+
+void TestSimulatedBench::sigmaIsWhatScatters_data()
+{
+    QTest::addColumn<Chain*>("chain");
+    QTest::addColumn<double>("level");
+    QTest::addColumn<double>("factor");
+    QTest::addColumn<bool>("fewPeaks");
+    static Chain cubic = deviceChain("cubic");
+    static Chain rapp = deviceChain("rapp");
+    static Chain adc = converter(10);
+    static Chain soft = deviceChain("soft");
+    QTest::newRow("cubic 20 dB") << &cubic << 0.0 << 1.15 << false;
+    QTest::newRow("Rapp 6 dB") << &rapp << -6.0 << 1.15 << false;
+    QTest::newRow("rounding flank") << &adc << -25.0 << 1.15 << false;
+    QTest::newRow("soft limiter 8 dB") << &soft << -8.0 << 2.0 << true;
+}
+
+// 200 seeds tell a sigma to 5 %.
+void TestSimulatedBench::sigmaIsWhatScatters()
+{
+    QFETCH(Chain*, chain);
+    QFETCH(double, level);
+    QFETCH(double, factor);
+    QFETCH(bool, fewPeaks);
+    const Scatter scatter = scatterOf(*chain, level, 200);
+    const QString text = QString("seen %1 dB, told %2 dB").arg(scatter.seen).arg(scatter.told);
+    QVERIFY2(scatter.seen < factor * scatter.told, qPrintable(text));
+    QVERIFY2(scatter.seen > scatter.told / factor, qPrintable(text));
+    QCOMPARE(scatter.fewPeaks, fewPeaks ? 200 : 0);
+}
+
+void TestSimulatedBench::theCoresChangeNoBit()
+{
+    const MeasurementSetup setup = nineNotches();
+    const CampaignPlan plan = planOf(setup, levelSteps(-12.0, 0.0, 2.0), 2);
+    const CampaignOutcome many = measured(setup, deviceChain("rapp"), plan);
+    const WorkAlone alone;
+    const CampaignOutcome one = measured(setup, deviceChain("rapp"), plan);
+    QCOMPARE(one.points.size(), many.points.size());
+    for (int k = 0; k < one.points.size(); ++k) {
+        QVERIFY(*one.points[k].npr == *many.points[k].npr);
+        QVERIFY(*one.points[k].sigma == *many.points[k].sigma);
+        QVERIFY(one.points[k].power == many.points[k].power);
+    }
+}
+
+void TestSimulatedBench::aReadingDoesNotDependOnItsNeighbours()
+{
+    const MeasurementSetup setup = nineNotches(9);
+    const CampaignOutcome curve =
+        measured(setup, deviceChain("soft"), planOf(setup, levelSteps(-12.0, 0.0, 1.0)));
+    CampaignPlan plan = planOf(setup, {-5.0});
+    plan.notches = {plan.notches[6]};
+    const CampaignOutcome single = measured(setup, deviceChain("soft"), plan);
+    QCOMPARE(single.points.size(), 1);
+    QCOMPARE(single.points[0].notch, 7);
+    QVERIFY(*single.points[0].npr == *curve.points[7 * 9 + 6].npr);
+}
+
+void TestSimulatedBench::aSignalThatIsThereIsNotCalculatedAgain()
+{
+    MeasurementSetup setup = oneNotch(9);
+    setup.calculateSignal();
+    const CampaignOutcome expected =
+        measured(oneNotch(9), deviceChain("cubic"), planOf(setup, {0.0}));
+    const CampaignOutcome found = measured(setup, deviceChain("cubic"), planOf(setup, {0.0}));
+    QVERIFY(*found.points[0].npr == *expected.points[0].npr);
+    // Another one in its place is what is played then.
+    setup.signal = SignalData(setup.fftLength());
+    const CampaignOutcome silent = measured(setup, deviceChain("cubic"), planOf(setup, {0.0}));
+    QVERIFY(!silent.points[0].npr);
+}
+
+void TestSimulatedBench::aSignalOfOddLengthIsRefused()
+{
+    MeasurementSetup setup = oneNotch(9);
+    setup.signal = SignalData(1000);
+    SimulatedBench bench(setup.forOtherThread(), deviceChain("rapp"), QString());
+    const CampaignOutcome outcome = runCampaign(planOf(setup, {0.0}), bench, Interruption());
+    QCOMPARE(outcome.ending, CampaignOutcome::Ending::Failed);
+    QVERIFY(outcome.failure.contains("1000"));
+    QVERIFY(outcome.points.isEmpty());
+    QVERIFY(SimulatedBench::objectionTo(SignalData(64)).isEmpty());
+    QVERIFY(!SimulatedBench::objectionTo(SignalData(32)).isEmpty());
+    QVERIFY(!SimulatedBench::objectionTo(SignalData()).isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestSimulatedBench)
+#include "test_simulated_bench.moc"
