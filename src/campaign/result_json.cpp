@@ -11,17 +11,17 @@ namespace {
 const QString formatName = QStringLiteral("notchbench-npr");
 constexpr int formatVersion = 1;
 
-QJsonValue jsonOf(std::optional<double> number)
+QJsonValue numberOf(std::optional<double> number)
 {
     return number && std::isfinite(*number) ? QJsonValue(*number) : QJsonValue();
 }
 
-QJsonValue jsonOf(const std::optional<QString>& text)
+QJsonValue textOf(const std::optional<QString>& text)
 {
     return text ? QJsonValue(*text) : QJsonValue();
 }
 
-QJsonValue jsonOf(std::optional<bool> yes)
+QJsonValue truthOf(std::optional<bool> yes)
 {
     return yes ? QJsonValue(*yes) : QJsonValue();
 }
@@ -52,13 +52,13 @@ QJsonObject objectOf(const SignalFigures& signal)
 {
     QJsonObject ccdf;
     for (auto share = signal.ccdf.cbegin(); share != signal.ccdf.cend(); ++share) {
-        ccdf[QString::number(share.key())] = jsonOf(share.value());
+        ccdf[QString::number(share.key())] = numberOf(share.value());
     }
     return {
         {"length", signal.length},
         {"sample_rate_hz", signal.sampleRate},
-        {"crest_factor_db", jsonOf(signal.crestFactor)},
-        {"peak_between_samples_db", jsonOf(signal.peakBetweenSamples)},
+        {"crest_factor_db", numberOf(signal.crestFactor)},
+        {"peak_between_samples_db", numberOf(signal.peakBetweenSamples)},
         {"ccdf_db", ccdf},
         {"noise_like", signal.noiseLike},
         {"seeds", arrayOf(signal.seeds, [](quint32 seed) { return QJsonValue(qint64{seed}); })}};
@@ -66,7 +66,7 @@ QJsonObject objectOf(const SignalFigures& signal)
 
 QJsonObject objectOf(const BenchNames& bench)
 {
-    return {{"simulated", jsonOf(bench.simulated)},
+    return {{"simulated", textOf(bench.simulated)},
             {"generator", bench.generator},
             {"analyzer", bench.analyzer}};
 }
@@ -77,27 +77,27 @@ QJsonObject objectOf(const NprPoint& point)
             {"notch", point.notch},
             {"center_hz", point.center},
             {"width_hz", point.width},
-            {"power_dbm", jsonOf(point.power)},
-            {"npr_db", jsonOf(point.npr)},
-            {"sigma_db", jsonOf(point.sigma)},
-            {"evm_percent", jsonOf(point.evmPercent())},
+            {"power_dbm", numberOf(point.power)},
+            {"npr_db", numberOf(point.npr)},
+            {"sigma_db", numberOf(point.sigma)},
+            {"evm_percent", numberOf(point.evmPercent())},
             {"marks", QJsonArray::fromStringList(point.marks)},
-            {"passed", jsonOf(point.passed)}};
+            {"passed", truthOf(point.passed)}};
 }
 
 QJsonObject objectOf(const NprRange& range)
 {
     return {{"threshold_db", range.threshold},
-            {"from_dbm", jsonOf(range.from)},
-            {"to_dbm", jsonOf(range.to)},
-            {"range_db", jsonOf(range.range())}};
+            {"from_dbm", numberOf(range.from)},
+            {"to_dbm", numberOf(range.to)},
+            {"range_db", numberOf(range.range())}};
 }
 
 QJsonObject objectOf(const NprCurve& curve)
 {
     return {{"notch", curve.notch},
-            {"peak_npr_db", jsonOf(curve.peakNpr)},
-            {"peak_level_dbm", jsonOf(curve.peakLevel)},
+            {"peak_npr_db", numberOf(curve.peakNpr)},
+            {"peak_level_dbm", numberOf(curve.peakLevel)},
             {"ranges", arrayOf(curve.ranges, [](const NprRange& r) { return objectOf(r); })}};
 }
 
