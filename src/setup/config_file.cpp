@@ -3,7 +3,6 @@
 #include "base/regular_file.h"
 #include "base/truncation.h"
 #include "base/whole_file.h"
-#include "setup/config_text.h"
 
 #include <QDebug>
 #include <QDir>
@@ -11,7 +10,9 @@
 #include <QStandardPaths>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <new>
 
 namespace {
@@ -19,6 +20,7 @@ namespace {
 template <typename Record> struct Key
 {
     const char* name;
+    ConfigKind kind;
     QString (*write)(const Record& record);
     void (*read)(Record& record, const QString& value);
 };
@@ -26,6 +28,7 @@ template <typename Record> struct Key
 template <typename Record> struct ReadKey
 {
     const char* name;
+    ConfigKind kind;
     void (*read)(Record& record, const QString& value);
 };
 
@@ -53,102 +56,128 @@ qint32 rowOfLength(int length)
     return std::isfinite(row) ? truncatedToInt32(row) : 0;
 }
 
-constexpr qint64 mostConfigBytes = 16 * 1048576; // a table of 999 rows takes a fifth of one MiB
-
 const Key<MeasurementSetup> nprKeys[] = {
-    {"SRate", [](const MeasurementSetup& s) { return QString::number(s.sampleRate); },
+    {"SRate", ConfigKind::Real,
+     [](const MeasurementSetup& s) { return QString::number(s.sampleRate); },
      [](MeasurementSetup& s, const QString& v) { s.sampleRate = v.toDouble(); }},
-    {"NBW/SRate", [](const MeasurementSetup& s) { return QString::number(s.nbwSrate); },
+    {"NBW/SRate", ConfigKind::Real,
+     [](const MeasurementSetup& s) { return QString::number(s.nbwSrate); },
      [](MeasurementSetup& s, const QString& v) { s.nbwSrate = v.toDouble(); }},
-    {"FFT Len", [](const MeasurementSetup& s) { return QString::number(s.fftLength()); },
+    {"FFT Len", ConfigKind::Whole,
+     [](const MeasurementSetup& s) { return QString::number(s.fftLength()); },
      [](MeasurementSetup& s, const QString& v) { s.fftLengthIndex = rowOfLength(v.toInt()); }},
-    {"Notch Count", [](const MeasurementSetup& s) { return QString::number(s.notchCount); },
+    {"Notch Count", ConfigKind::Whole,
+     [](const MeasurementSetup& s) { return QString::number(s.notchCount); },
      [](MeasurementSetup& s, const QString& v) { s.notchCount = quint32(v.toInt()); }},
-    {"Notch Width", [](const MeasurementSetup& s) { return QString::number(s.notchWidth); },
+    {"Notch Width", ConfigKind::Real,
+     [](const MeasurementSetup& s) { return QString::number(s.notchWidth); },
      [](MeasurementSetup& s, const QString& v) { s.notchWidth = v.toDouble(); }},
-    {"Notch Offset", [](const MeasurementSetup& s) { return QString::number(s.notchOffset); },
+    {"Notch Offset", ConfigKind::Real,
+     [](const MeasurementSetup& s) { return QString::number(s.notchOffset); },
      [](MeasurementSetup& s, const QString& v) { s.notchOffset = v.toDouble(); }},
-    {"Notch Depth", [](const MeasurementSetup& s) { return QString::number(s.notchDepth); },
+    {"Notch Depth", ConfigKind::Real,
+     [](const MeasurementSetup& s) { return QString::number(s.notchDepth); },
      [](MeasurementSetup& s, const QString& v) { s.notchDepth = v.toDouble(); }},
-    {"Notch/Carrier", [](const MeasurementSetup& s) { return rowText(s.notchOrCarrier); },
+    {"Notch/Carrier", ConfigKind::Whole,
+     [](const MeasurementSetup& s) { return rowText(s.notchOrCarrier); },
      [](MeasurementSetup& s, const QString& v) { s.notchOrCarrier = NotchOrCarrier(v.toInt()); }},
-    {"Phase Mode", [](const MeasurementSetup& s) { return rowText(s.phaseMode); },
+    {"Phase Mode", ConfigKind::Whole,
+     [](const MeasurementSetup& s) { return rowText(s.phaseMode); },
      [](MeasurementSetup& s, const QString& v) { s.phaseMode = PhaseLaw(v.toInt()); }},
-    {"Custom", [](const MeasurementSetup& s) { return rowText(s.customSource); },
+    {"Custom", ConfigKind::Whole, [](const MeasurementSetup& s) { return rowText(s.customSource); },
      [](MeasurementSetup& s, const QString& v) { s.customSource = SignalSource(v.toInt()); }},
-    {"Seed", [](const MeasurementSetup& s) { return QString::number(s.seed); },
+    {"Seed", ConfigKind::Whole, [](const MeasurementSetup& s) { return QString::number(s.seed); },
      [](MeasurementSetup& s, const QString& v) { s.seed = quint32(v.toInt()); }},
 };
 
 const Key<MeasurementSetup> tcpKeys[] = {
-    {"Port", [](const MeasurementSetup& s) { return QString::number(s.tcpPort); },
+    {"Port", ConfigKind::Whole,
+     [](const MeasurementSetup& s) { return QString::number(s.tcpPort); },
      [](MeasurementSetup& s, const QString& v) { s.tcpPort = quint16(v.toInt()); }},
 };
 
 const Key<MeasurementSetup> displayKeys[] = {
-    {"Sinus(x)/x",
+    {"Sinus(x)/x", ConfigKind::Whole,
      [](const MeasurementSetup& s) { return QString::number(int{s.sinxCompensation}); },
      [](MeasurementSetup& s, const QString& v) { s.sinxCompensation = v.toInt() != 0; }},
 };
 
 const Key<MeasurementSetup> userKeys[] = {
-    {"PhaseMag File", [](const MeasurementSetup& s) { return quoted(s.phaseMagFile); },
+    {"PhaseMag File", ConfigKind::Text,
+     [](const MeasurementSetup& s) { return quoted(s.phaseMagFile); },
      [](MeasurementSetup& s, const QString& v) { s.phaseMagFile = unquoted(v); }},
-    {"I File", [](const MeasurementSetup& s) { return quoted(s.iFile); },
+    {"I File", ConfigKind::Text, [](const MeasurementSetup& s) { return quoted(s.iFile); },
      [](MeasurementSetup& s, const QString& v) { s.iFile = unquoted(v); }},
-    {"Q File", [](const MeasurementSetup& s) { return quoted(s.qFile); },
+    {"Q File", ConfigKind::Text, [](const MeasurementSetup& s) { return quoted(s.qFile); },
      [](MeasurementSetup& s, const QString& v) { s.qFile = unquoted(v); }},
 };
 
 const Key<Notch> notchKeys[] = {
-    {"fcenter", [](const Notch& n) { return QString::number(n.center); },
+    {"fcenter", ConfigKind::Real, [](const Notch& n) { return QString::number(n.center); },
      [](Notch& n, const QString& v) { n.center = v.toDouble(); }},
-    {"fspan", [](const Notch& n) { return QString::number(n.width); },
+    {"fspan", ConfigKind::Real, [](const Notch& n) { return QString::number(n.width); },
      [](Notch& n, const QString& v) { n.width = v.toDouble(); }},
-    {"fstart", [](const Notch& n) { return QString::number(n.startFreq); },
+    {"fstart", ConfigKind::Real, [](const Notch& n) { return QString::number(n.startFreq); },
      [](Notch& n, const QString& v) { n.startFreq = v.toDouble(); }},
-    {"fstop", [](const Notch& n) { return QString::number(n.stopFreq); },
+    {"fstop", ConfigKind::Real, [](const Notch& n) { return QString::number(n.stopFreq); },
      [](Notch& n, const QString& v) { n.stopFreq = v.toDouble(); }},
-    {"Start", [](const Notch& n) { return QString::number(n.startIndex); },
+    {"Start", ConfigKind::Whole, [](const Notch& n) { return QString::number(n.startIndex); },
      [](Notch& n, const QString& v) { n.startIndex = v.toInt(); }},
-    {"Stop", [](const Notch& n) { return QString::number(n.stopIndex); },
+    {"Stop", ConfigKind::Whole, [](const Notch& n) { return QString::number(n.stopIndex); },
      [](Notch& n, const QString& v) { n.stopIndex = v.toInt(); }},
     // Deliberate: written as a double but read as a whole number, so -40.5 comes back as 0.
-    {"Notch Depth", [](const Notch& n) { return QString::number(n.depth); },
+    {"Notch Depth", ConfigKind::Whole, [](const Notch& n) { return QString::number(n.depth); },
      [](Notch& n, const QString& v) { n.depth = v.toInt(); }},
 };
 
 const ReadKey<Instrument> instrumentKeys[] = {
-    {"Device", [](Instrument& i, const QString& v) { i.device = quint32(v.toInt()); }},
-    {"Interface",
+    {"Device", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.device = quint32(v.toInt()); }},
+    {"Interface", ConfigKind::Whole,
      [](Instrument& i, const QString& v) { i.interfaceKind = InterfaceKind(v.toInt()); }},
-    {"GPIB Addr", [](Instrument& i, const QString& v) { i.gpibAddress = quint32(v.toInt()); }},
-    {"IP Addr", [](Instrument& i, const QString& v) { i.ipAddress = unquoted(v); }},
-    {"RS232 Port", [](Instrument& i, const QString& v) { i.rs232Port = quint32(v.toInt()); }},
-    {"RS232 BaudRate",
+    {"GPIB Addr", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.gpibAddress = quint32(v.toInt()); }},
+    {"IP Addr", ConfigKind::Text,
+     [](Instrument& i, const QString& v) { i.ipAddress = unquoted(v); }},
+    {"RS232 Port", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.rs232Port = quint32(v.toInt()); }},
+    {"RS232 BaudRate", ConfigKind::Whole,
      [](Instrument& i, const QString& v) { i.rs232BaudRate = quint32(v.toInt()); }},
-    {"RS232 DataBits", [](Instrument& i, const QString& v) { i.rs232DataBits = v.toInt(); }},
-    {"RS232 Parity", [](Instrument& i, const QString& v) { i.rs232Parity = v.toInt(); }},
-    {"RS232 StopBits", [](Instrument& i, const QString& v) { i.rs232StopBits = v.toInt(); }},
-    {"RS232 FlowControl", [](Instrument& i, const QString& v) { i.rs232FlowControl = v.toInt(); }},
-    {"Frequency", [](Instrument& i, const QString& v) { i.frequency = v.toDouble(); }},
-    {"Level", [](Instrument& i, const QString& v) { i.level = v.toDouble(); }},
+    {"RS232 DataBits", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.rs232DataBits = v.toInt(); }},
+    {"RS232 Parity", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.rs232Parity = v.toInt(); }},
+    {"RS232 StopBits", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.rs232StopBits = v.toInt(); }},
+    {"RS232 FlowControl", ConfigKind::Whole,
+     [](Instrument& i, const QString& v) { i.rs232FlowControl = v.toInt(); }},
+    {"Frequency", ConfigKind::Real,
+     [](Instrument& i, const QString& v) { i.frequency = v.toDouble(); }},
+    {"Level", ConfigKind::Real, [](Instrument& i, const QString& v) { i.level = v.toDouble(); }},
 };
 
 const ReadKey<Analyzer> analyzerKeys[] = {
-    {"Span", [](Analyzer& a, const QString& v) { a.span = v.toDouble(); }},
-    {"Atten", [](Analyzer& a, const QString& v) { a.attenuation = quint32(v.toInt()); }},
-    {"AUTO Atten", [](Analyzer& a, const QString& v) { a.autoAttenuation = v.toInt() != 0; }},
-    {"Res BW", [](Analyzer& a, const QString& v) { a.setResolutionBandwidth(quint32(v.toInt())); }},
-    {"Video BW", [](Analyzer& a, const QString& v) { a.setVideoBandwidth(quint32(v.toInt())); }},
-    {"Sweeptime", [](Analyzer& a, const QString& v) { a.sweepTime = v.toDouble(); }},
+    {"Span", ConfigKind::Real, [](Analyzer& a, const QString& v) { a.span = v.toDouble(); }},
+    {"Atten", ConfigKind::Whole,
+     [](Analyzer& a, const QString& v) { a.attenuation = quint32(v.toInt()); }},
+    {"AUTO Atten", ConfigKind::Whole,
+     [](Analyzer& a, const QString& v) { a.autoAttenuation = v.toInt() != 0; }},
+    {"Res BW", ConfigKind::Whole,
+     [](Analyzer& a, const QString& v) { a.setResolutionBandwidth(quint32(v.toInt())); }},
+    {"Video BW", ConfigKind::Whole,
+     [](Analyzer& a, const QString& v) { a.setVideoBandwidth(quint32(v.toInt())); }},
+    {"Sweeptime", ConfigKind::Real,
+     [](Analyzer& a, const QString& v) { a.sweepTime = v.toDouble(); }},
     // Deliberate: switching to automatic clears the sweep time, whichever of the two comes later.
-    {"AUTO Swt", [](Analyzer& a, const QString& v) { a.setAutoSweepTime(v.toInt() != 0); }},
+    {"AUTO Swt", ConfigKind::Whole,
+     [](Analyzer& a, const QString& v) { a.setAutoSweepTime(v.toInt() != 0); }},
 };
 
 const ReadKey<MicrowaveGenerator> microwaveKeys[] = {
-    {"Atten", [](MicrowaveGenerator& m, const QString& v) { m.attenuation = quint32(v.toInt()); }},
-    {"IF Input", [](MicrowaveGenerator& m, const QString& v) { m.ifInput = v.toInt() != 0; }},
+    {"Atten", ConfigKind::Whole,
+     [](MicrowaveGenerator& m, const QString& v) { m.attenuation = quint32(v.toInt()); }},
+    {"IF Input", ConfigKind::Whole,
+     [](MicrowaveGenerator& m, const QString& v) { m.ifInput = v.toInt() != 0; }},
 };
 
 template <typename Record, typename Table>
@@ -172,55 +201,83 @@ void writeSection(QTextStream& out, const QString& name, const Table& table, con
     out << '\n';
 }
 
+template <typename Table> void listKeys(const Table& table, QVector<ConfigKey>& list)
+{
+    for (const auto& key : table) {
+        list.append({QLatin1String(key.name), key.kind});
+    }
+}
+
 struct SettingsSection
 {
     const char* name;
     void (*read)(const ConfigSection& section, MeasurementSetup& setup);
+    void (*list)(QVector<ConfigKey>& keys);
 };
 
+using Keys = QVector<ConfigKey>;
+
 const SettingsSection settingsSections[] = {
-    {"NPR", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, nprKeys, s); }},
-    {"TCP/IP", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, tcpKeys, s); }},
-    {"Display",
-     [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, displayKeys, s); }},
-    {"User", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, userKeys, s); }},
-    {"Generator1", [](const ConfigSection& c,
-                      MeasurementSetup& s) { readSection(c, instrumentKeys, s.generator); }},
+    {"NPR", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, nprKeys, s); },
+     [](Keys& list) { listKeys(nprKeys, list); }},
+    {"TCP/IP", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, tcpKeys, s); },
+     [](Keys& list) { listKeys(tcpKeys, list); }},
+    {"Display", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, displayKeys, s); },
+     [](Keys& list) { listKeys(displayKeys, list); }},
+    {"User", [](const ConfigSection& c, MeasurementSetup& s) { readSection(c, userKeys, s); },
+     [](Keys& list) { listKeys(userKeys, list); }},
+    {"Generator1",
+     [](const ConfigSection& c, MeasurementSetup& s) {
+         readSection(c, instrumentKeys, s.generator);
+     },
+     [](Keys& list) { listKeys(instrumentKeys, list); }},
     {"Analyzer",
      [](const ConfigSection& c, MeasurementSetup& s) {
          readSection(c, instrumentKeys, s.analyzer);
          readSection(c, analyzerKeys, s.analyzer);
+     },
+     [](Keys& list) {
+         listKeys(instrumentKeys, list);
+         listKeys(analyzerKeys, list);
      }},
     {"Generator2",
      [](const ConfigSection& c, MeasurementSetup& s) {
          readSection(c, instrumentKeys, s.microwave);
          readSection(c, microwaveKeys, s.microwave);
+     },
+     [](Keys& list) {
+         listKeys(instrumentKeys, list);
+         listKeys(microwaveKeys, list);
      }},
 };
 
-bool applySettings(const QString& name, const ConfigSection& section, MeasurementSetup& setup)
+const SettingsSection* settingsSection(const QString& name)
 {
-    for (const SettingsSection& known : settingsSections) {
-        if (name == QLatin1String(known.name)) {
-            known.read(section, setup);
-            return true;
-        }
-    }
-    return false;
+    const auto* const known =
+        std::find_if(std::begin(settingsSections), std::end(settingsSections),
+                     [&](const SettingsSection& s) { return name == QLatin1String(s.name); });
+    return known != std::end(settingsSections) ? known : nullptr;
+}
+
+// Deliberate: anything named "... Notch 3" counts.
+QRegularExpressionMatch notchSection(const QString& name)
+{
+    static const QRegularExpression pattern(QStringLiteral("Notch\\ (\\d+)"));
+    return pattern.match(name);
 }
 
 // Deliberate: sections are applied in the order of the hash and a row goes to list position n,
 // counted from 0, while the writer counts from 1. So the rows come in any order, and a value that
-// a section does not name stays from the row read before. Anything named "... Notch 3" counts.
+// a section does not name stays from the row read before.
 void apply(const ConfigText& sections, MeasurementSetup& setup)
 {
-    const QRegularExpression notchName(QStringLiteral("Notch\\ (\\d+)"));
     Notch scratch;
     for (auto section = sections.begin(); section != sections.end(); ++section) {
-        if (applySettings(section.key(), section.value(), setup)) {
+        if (const SettingsSection* known = settingsSection(section.key())) {
+            known->read(section.value(), setup);
             continue;
         }
-        const QRegularExpressionMatch match = notchName.match(section.key());
+        const QRegularExpressionMatch match = notchSection(section.key());
         if (match.hasMatch()) {
             readSection(section.value(), notchKeys, scratch);
             setup.notches->insert(match.captured(1).toInt(), scratch);
@@ -250,17 +307,9 @@ QString defaultPath(const QString& name)
 
 // In the encoding of the system. Made whole first: a stream over the file writes once more when it
 // goes, and ends the program if there is no memory for that.
-QByteArray configBytes(const MeasurementSetup& setup)
-{
-    QString text;
-    QTextStream out(&text);
-    writeAll(out, setup);
-    return text.toLocal8Bit();
-}
-
 void writeConfig(const MeasurementSetup& setup, const QString& path)
 {
-    const QByteArray bytes = configBytes(setup);
+    const QByteArray bytes = configTextOf(setup).toLocal8Bit();
     WholeFile file(path);
     if (file.open(QIODevice::WriteOnly | QIODevice::Text)) {
         file.write(bytes);
@@ -269,6 +318,41 @@ void writeConfig(const MeasurementSetup& setup, const QString& path)
 }
 
 } // namespace
+
+QString configTextOf(const MeasurementSetup& setup)
+{
+    QString text;
+    QTextStream out(&text);
+    writeAll(out, setup);
+    return text;
+}
+
+MeasurementSetup configOf(const ConfigText& sections)
+{
+    MeasurementSetup setup;
+    apply(sections, setup);
+    return setup;
+}
+
+QStringList configSections()
+{
+    QStringList names;
+    for (const SettingsSection& section : settingsSections) {
+        names.append(QLatin1String(section.name));
+    }
+    return names;
+}
+
+QVector<ConfigKey> configKeys(const QString& section)
+{
+    QVector<ConfigKey> keys;
+    if (const SettingsSection* known = settingsSection(section)) {
+        known->list(keys);
+    } else if (notchSection(section).hasMatch()) {
+        listKeys(notchKeys, keys);
+    }
+    return keys;
+}
 
 MeasurementSetup loadConfig(const QString& path)
 {
@@ -281,8 +365,7 @@ MeasurementSetup loadConfig(const QString& path)
     if (file.size() > mostConfigBytes) {
         return setup;
     }
-    apply(parseConfigText(QTextStream(&file).readAll()), setup);
-    return setup;
+    return configOf(parseConfigText(QTextStream(&file).readAll()));
 }
 
 void saveConfig(const MeasurementSetup& setup, const QString& path)

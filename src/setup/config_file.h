@@ -9,9 +9,14 @@
 // changed; each such place is marked deliberate, because stored files rely on it.
 #pragma once
 
+#include "setup/config_text.h"
 #include "setup/measurement_setup.h"
 
 #include <QString>
+#include <QStringList>
+#include <QVector>
+
+constexpr qint64 mostConfigBytes = 16 * 1048576; // a table of 999 rows takes a fifth of one MiB
 
 // A new record; whatever the file does not carry has its default. Never fails: without a readable
 // file the record is the default one. A file of more than 16 MiB counts as one without a section.
@@ -24,3 +29,18 @@ void saveConfig(const MeasurementSetup& setup, const QString& path);
 // The same with a file in the application's local data directory, which saving makes if needed.
 MeasurementSetup loadDefaultConfig(const QString& name);
 void saveDefaultConfig(const MeasurementSetup& setup, const QString& name);
+
+// The same without a file.
+MeasurementSetup configOf(const ConfigText& sections);
+QString configTextOf(const MeasurementSetup& setup);
+
+// What the reader knows: the names of the sections, but for the rows of the notch table, which are
+// "Notch 1", "Notch 2" and so on; and the keys of one, none for a name that it doesn't know.
+enum class ConfigKind { Whole, Real, Text }; // whole number, number, text in quotes
+struct ConfigKey
+{
+    QString name;
+    ConfigKind kind;
+};
+QStringList configSections();
+QVector<ConfigKey> configKeys(const QString& section);

@@ -1,7 +1,6 @@
 #include "setup/config_text.h"
 
 #include <QStringView>
-#include <QVector>
 
 namespace {
 
@@ -11,12 +10,20 @@ constexpr int separatorLength = 3;
 struct Line
 {
     QStringView text;
+    int number;      // from 1
     bool terminated; // by CR or LF; the last line of a file may not be
 };
 
 bool isLineEnd(QChar c)
 {
     return c == QLatin1Char('\r') || c == QLatin1Char('\n');
+}
+
+// CR and LF together end one line.
+bool endsLine(QStringView text, qsizetype at)
+{
+    return text[at] == QLatin1Char('\n') || at + 1 == text.size() ||
+           text[at + 1] != QLatin1Char('\n');
 }
 
 bool isDigit(QStringView text, qsizetype at)
@@ -30,16 +37,17 @@ QVector<Line> linesOf(const QString& text)
     QVector<Line> lines;
     const QStringView all(text);
     qsizetype at = 0;
+    int number = 1;
     while (at < all.size()) {
         const qsizetype start = at;
         while (at < all.size() && !isLineEnd(all[at])) {
             ++at;
         }
         if (at > start) {
-            lines.append({all.mid(start, at - start), at < all.size()});
+            lines.append({all.mid(start, at - start), number, at < all.size()});
         }
-        while (at < all.size() && isLineEnd(all[at])) {
-            ++at;
+        for (; at < all.size() && isLineEnd(all[at]); ++at) {
+            number += endsLine(all, at) ? 1 : 0;
         }
     }
     return lines;
@@ -120,40 +128,56 @@ QStringView valueAt(QStringView text, qsizetype lastQuote)
 
 // Deliberate: the last separator that a value follows divides the line, even inside quotes, so a
 // path with " = 5" in it is cut there. Every reader of these files does the same.
-void readKey(QStringView line, ConfigSection& section)
+ConfigLine keyLine(const Line& line, const QString& section)
 {
-    const qsizetype lastQuote = line.lastIndexOf(QLatin1Char('"'));
-    qsizetype at = line.lastIndexOf(separator);
+    const QStringView text = line.text;
+    const qsizetype lastQuote = text.lastIndexOf(QLatin1Char('"'));
+    qsizetype at = text.lastIndexOf(separator);
     while (at >= 1) {
         const qsizetype start = at + separatorLength;
-        const QStringView value = valueAt(line.mid(start), lastQuote - start);
+        const QStringView value = valueAt(text.mid(start), lastQuote - start);
         if (!value.isNull()) {
-            section.insert(line.left(at).toString(), value.toString());
-            return;
+            return {line.number, ConfigLine::Role::Key, section, text.left(at).toString(),
+                    value.toString()};
         }
-        at = line.lastIndexOf(separator, at - 1);
+        at = text.lastIndexOf(separator, at - 1);
     }
+    return {line.number, ConfigLine::Role::Key, section, {}, {}};
 }
 
 } // namespace
 
-ConfigText parseConfigText(const QString& text)
+QVector<ConfigLine> configLines(const QString& text)
 {
-    ConfigText sections;
+    QVector<ConfigLine> result;
     const QVector<Line> lines = linesOf(text);
     int at = 0;
     while (at < lines.size()) {
         const QStringView name = sectionName(lines.at(at));
+        const int number = lines.at(at).number;
         ++at;
         if (name.isNull() || at == lines.size() || !isKeyLine(lines.at(at))) {
+            result.append({number, ConfigLine::Role::Other, {}, {}, {}});
             continue;
         }
-        ConfigSection section;
-        while (at < lines.size() && isKeyLine(lines.at(at))) {
-            readKey(lines.at(at).text, section);
-            ++at;
+        const QString section = name.toString();
+        result.append({number, ConfigLine::Role::Section, section, {}, {}});
+        for (; at < lines.size() && isKeyLine(lines.at(at)); ++at) {
+            result.append(keyLine(lines.at(at), section));
         }
-        sections.insert(name.toString(), section);
+    }
+    return result;
+}
+
+ConfigText parseConfigText(const QString& text)
+{
+    ConfigText sections;
+    for (const ConfigLine& line : configLines(text)) {
+        if (line.role == ConfigLine::Role::Section) {
+            sections.insert(line.section, {});
+        } else if (!line.key.isEmpty()) {
+            sections[line.section].insert(line.key, line.value);
+        }
     }
     return sections;
 }

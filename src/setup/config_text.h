@@ -13,9 +13,28 @@
 
 #include <QHash>
 #include <QString>
+#include <QVector>
 
 using ConfigSection = QHash<QString, QString>;    // key -> value, quotes kept
 using ConfigText = QHash<QString, ConfigSection>; // section name -> section
 
 // A repeated section replaces the earlier one as a whole, a repeated key the earlier value.
 ConfigText parseConfigText(const QString& text);
+
+// What becomes of one line that holds anything, in the order of the text.
+struct ConfigLine
+{
+    enum class Role {
+        Section, // its name stands in section
+        Key,     // of section; key is empty when the line is taken but carries no value
+        Other    // not read
+    };
+
+    int number; // from 1
+    Role role;
+    QString section;
+    QString key;
+    QString value; // quotes kept
+};
+
+QVector<ConfigLine> configLines(const QString& text);

@@ -85,6 +85,7 @@ private slots:
     void repeatedSectionReplacesTheEarlierOne();
     void emptyQuotedValueIsAbsent();
     void separatorInsideQuotesDividesTheLine();
+    void everyLineHasItsNumberAndItsPart();
     void hugeLinesTakeLinearTime_data();
     void hugeLinesTakeLinearTime();
 };
@@ -139,6 +140,31 @@ void TestConfigText::separatorInsideQuotesDividesTheLine()
 {
     const ConfigText text = parseConfigText("[A]\nI File = \"/a = 5/b\"\n");
     QCOMPARE(text.value("A").value("I File = \"/a"), QString("5"));
+}
+
+void TestConfigText::everyLineHasItsNumberAndItsPart()
+{
+    using Role = ConfigLine::Role;
+    const QVector<ConfigLine> lines =
+        configLines("\nx = 1\r\n\r\n[A]\nx = 1\nText = \"\"\n[B]\ny = 2");
+    const struct
+    {
+        int number;
+        Role role;
+        const char* section;
+        const char* key;
+    } expected[] = {
+        {2, Role::Other, "", ""}, {4, Role::Section, "A", ""}, {5, Role::Key, "A", "x"},
+        {6, Role::Key, "A", ""},  {7, Role::Other, "", ""}, // nothing below it is read
+        {8, Role::Other, "", ""},                           // not ended
+    };
+    QCOMPARE(lines.size(), int(std::size(expected)));
+    for (int i = 0; i < lines.size(); ++i) {
+        QCOMPARE(lines.at(i).number, expected[i].number);
+        QCOMPARE(lines.at(i).role, expected[i].role);
+        QCOMPARE(lines.at(i).section, QString(expected[i].section));
+        QCOMPARE(lines.at(i).key, QString(expected[i].key));
+    }
 }
 
 void TestConfigText::hugeLinesTakeLinearTime_data()
