@@ -1,6 +1,6 @@
 // The bench of simulated instruments, see --help.
+#include "base/stop_signals.h"
 #include "simulator/simulator.h"
-#include "simulator/stop_signals.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

@@ -1,5 +1,6 @@
-#include "simulator/stop_signals.h"
+#include "base/stop_signals.h"
 
+#include <atomic>
 #include <csignal>
 #include <system_error>
 
@@ -9,13 +10,22 @@
 
 namespace {
 
-// A signal handler is given nothing but the signal's number, so the way out of it is global.
-volatile sig_atomic_t handlerEnd = -1;
+// A signal handler is given nothing but the signal's number, so what it needs is global.
+std::atomic<int> handlerEnd{-1};
+std::atomic<int> firstSignal{0};
+std::atomic<bool> secondEnds{false};
+static_assert(std::atomic<int>::is_always_lock_free && std::atomic<bool>::is_always_lock_free,
+              "a handler may not wait for a lock");
 
-// Only what may be called at any moment: writing one byte, without waiting.
-void wakeEventLoop(int /*signal*/)
+// Only what may be called at any moment: ending, and writing one byte without waiting.
+void takeSignal(int signal)
 {
+    constexpr int statusOfSignals = 128; // what a shell adds to the number
     const int savedError = errno;
+    int none = 0;
+    if (!firstSignal.compare_exchange_strong(none, signal) && secondEnds) {
+        _exit(statusOfSignals + signal);
+    }
     const char byte = 0;
     const ssize_t written = write(handlerEnd, &byte, sizeof(byte));
     static_cast<void>(written); // a full socket means that the loop is being woken already
@@ -34,7 +44,7 @@ void handle(void (*handler)(int))
 
 } // namespace
 
-StopSignals::StopSignals(QObject* parent) : QObject(parent)
+StopSignals::StopSignals(Second second, QObject* parent) : QObject(parent)
 {
     if (socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) {
         throw std::system_error(errno, std::generic_category(), "socketpair");
@@ -46,7 +56,9 @@ StopSignals::StopSignals(QObject* parent) : QObject(parent)
     notifier = std::make_unique<QSocketNotifier>(ends[1], QSocketNotifier::Read);
     connect(notifier.get(), &QSocketNotifier::activated, this, &StopSignals::takeByte);
     handlerEnd = ends[0];
-    handle(wakeEventLoop);
+    firstSignal = 0;
+    secondEnds = second == Second::EndsTheProcess;
+    handle(takeSignal);
 }
 
 StopSignals::~StopSignals()
@@ -56,6 +68,11 @@ StopSignals::~StopSignals()
     notifier.reset();
     close(ends[0]);
     close(ends[1]);
+}
+
+int StopSignals::received() const
+{
+    return firstSignal;
 }
 
 void StopSignals::takeByte()

@@ -1,0 +1,35 @@
+// SIGINT and SIGTERM as a Qt signal and as a number to ask for, so that a program ends in its own
+// order: through its event loop, or between two steps of its work.
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <memory>
+
+class StopSignals : public QObject
+{
+    Q_OBJECT
+
+public:
+    // What the second one does.
+    enum class Second { IsLikeTheFirst, EndsTheProcess };
+
+    // At most one in a process at a time. Main thread.
+    explicit StopSignals(Second second = Second::IsLikeTheFirst, QObject* parent = nullptr);
+    ~StopSignals() override;
+    StopSignals(const StopSignals&) = delete;
+    StopSignals& operator=(const StopSignals&) = delete;
+
+    // The number of the first one that came, 0 before. Any thread.
+    int received() const;
+
+signals:
+    void requested();
+
+private:
+    void takeByte();
+
+    int ends[2] = {-1, -1}; // the handler writes into the first, the notifier reads the second
+    std::unique_ptr<QSocketNotifier> notifier;
+};
