@@ -91,21 +91,20 @@ bool WholeFile::isOnDisk()
 #endif
 }
 
-void WholeFile::putInPlace()
+bool WholeFile::putInPlace()
 {
     const bool complete = isOnDisk();
     close();
-    if (isBeside && complete && replace(target, fileName())) {
-        isBeside = false;
+    if (!isBeside) {
+        return complete; // written in place
     }
+    isBeside = !(complete && replace(target, fileName()));
+    return !isBeside;
 }
 
-void putBothInPlace(WholeFile& one, WholeFile& other)
+bool putBothInPlace(WholeFile& one, WholeFile& other)
 {
-    if (one.isWhole() && other.isWhole()) {
-        one.putInPlace();
-        other.putInPlace();
-    }
+    return one.isWhole() && other.isWhole() && one.putInPlace() && other.putInPlace();
 }
 
 // A disk that fills up takes a part of a write, which alone the base class does not call a failure.

@@ -21,8 +21,8 @@ public:
     // Whether everything written so far has been taken. Empties the buffers.
     bool isWhole();
 
-    // Closes the file. It replaces the former one if it is whole, or is dropped.
-    void putInPlace();
+    // Closes the file. It replaces the former one if it is whole, or is dropped; whether it stands.
+    bool putInPlace();
 
 protected:
     qint64 writeData(const char* data, qint64 size) override;
@@ -37,4 +37,4 @@ private:
 };
 
 // Two files that belong together: both take their places or neither does.
-void putBothInPlace(WholeFile& one, WholeFile& other);
+bool putBothInPlace(WholeFile& one, WholeFile& other);

@@ -37,7 +37,7 @@ void writeLines(QIODevice& file, const QVector<double>& samples, double factor)
 
 } // namespace
 
-void writeIQTextFiles(SignalData signal, const QString& baseName)
+bool writeIQTextFiles(SignalData signal, const QString& baseName)
 {
     // An all-zero signal has an infinite factor and is written as "nan"; no guard, by design.
     const double factor = writtenPeak / std::max(peakOf(signal.iData()), peakOf(signal.qData()));
@@ -45,7 +45,7 @@ void writeIQTextFiles(SignalData signal, const QString& baseName)
     WholeFile qFile(baseName + QLatin1String(".q"));
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Text;
     if (!iFile.open(mode) || !qFile.open(mode)) {
-        return;
+        return false;
     }
     inParallel(2, usefulThreads(), [&](Pieces& files) {
         for (quint64 file = 0; files.take(file);) {
@@ -53,5 +53,5 @@ void writeIQTextFiles(SignalData signal, const QString& baseName)
                        factor);
         }
     });
-    putBothInPlace(iFile, qFile);
+    return putBothInPlace(iFile, qFile);
 }

@@ -51,13 +51,13 @@ void writeSamples(QFileDevice& file, const QVector<double>& samples, double posi
 
 } // namespace
 
-void writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
+bool writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
 {
     WholeFile iFile(baseName + QLatin1String(".i.wav"));
     WholeFile qFile(baseName + QLatin1String(".q.wav"));
     const QIODevice::OpenMode mode = QIODevice::WriteOnly | QIODevice::Truncate;
     if (!iFile.open(mode) || !qFile.open(mode)) {
-        return;
+        return false;
     }
     const double spanI = spanOf(signal.iData());
     const double spanQ = spanOf(signal.qData());
@@ -69,5 +69,5 @@ void writeIQWaveFiles(SignalData signal, const QString& baseName, quint32 clock)
     writeSamples(qFile, signal.qData(), positive, negative);
     qDebug() << "I File Size:" << iFile.pos();
     qDebug() << "Q File Size:" << qFile.pos();
-    putBothInPlace(iFile, qFile);
+    return putBothInPlace(iFile, qFile);
 }

@@ -54,14 +54,14 @@ QByteArray wvHeader(const QDateTime& now, double rms, qint32 length, quint32 clo
         .toUtf8();
 }
 
-void writeWvFile(SignalData signal, const QString& baseName, quint32 clock)
+bool writeWvFile(SignalData signal, const QString& baseName, quint32 clock)
 {
     const int count = std::min({signal.length, signal.iData().size(), signal.qData().size()});
     const Level level = levelOf(signal, count);
     const double scale = 32767.0 / level.peak;
     WholeFile file(baseName + QLatin1String(".wv"));
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-        return;
+        return false;
     }
     file.write(wvHeader(QDateTime::currentDateTime(), level.rms, signal.length, clock));
     const double* i = signal.iData().constData();
@@ -73,5 +73,5 @@ void writeWvFile(SignalData signal, const QString& baseName, quint32 clock)
         }
     });
     file.write("}");
-    file.putInPlace();
+    return file.putInPlace();
 }
