@@ -34,7 +34,8 @@ const QStringList rooms = {"base",
                            "signal/dialogs",
                            "fit/dialogs",
                            "support/dialogs",
-                           "app"};
+                           "app",
+                           "cli"};
 
 bool mayHaveWidgets(const QString& room)
 {

@@ -1,0 +1,9 @@
+// The help texts.
+#pragma once
+
+#include <QString>
+
+struct Command;
+
+QString helpOfProgram();
+QString helpOf(const Command& command);

@@ -1,0 +1,198 @@
+#include "cli/setup_arguments.h"
+
+#include "base/regular_file.h"
+#include "cli/exit_status.h"
+#include "cli/nearest_name.h"
+#include "cli/values.h"
+#include "setup/config_check.h"
+#include "setup/config_file.h"
+#include "setup/notch_editing.h"
+
+#include <QTextStream>
+
+#include <algorithm>
+#include <cstdio>
+#include <tuple>
+
+namespace {
+
+QString textOf(QIODevice& source, const QString& name)
+{
+    const QByteArray bytes = source.read(mostConfigBytes + 1);
+    if (bytes.size() > mostConfigBytes) {
+        failFile(QStringLiteral("%1 is no configuration: it has more than 16 MiB").arg(name));
+    }
+    return QTextStream(bytes).readAll();
+}
+
+QString textOfConfig(const QString& path)
+{
+    QFile file(path);
+    if (path == "-") {
+        (void)file.open(stdin, QIODevice::ReadOnly);
+        return textOf(file, QStringLiteral("standard input"));
+    }
+    if (!openRegular(file)) {
+        const QString reason = !file.exists()              ? "there is no such file"
+                               : !QFileInfo(path).isFile() ? "it is no file; - reads standard input"
+                                                           : file.errorString();
+        failFile(QStringLiteral("can't read configuration %1: %2").arg(path, reason));
+    }
+    return textOf(file, path);
+}
+
+void tellIgnoredLines(const QString& name, const QString& text, Console& console)
+{
+    constexpr int mostLines = 20;
+    const QVector<ConfigComplaint> complaints = ignoredConfigLines(text);
+    for (const ConfigComplaint& one : complaints.mid(0, mostLines)) {
+        console.warn(QStringLiteral("%1:%2: %3").arg(name).arg(one.line).arg(one.text));
+    }
+    if (complaints.size() > mostLines) {
+        console.warn(QStringLiteral("%1: %2 more lines like these")
+                         .arg(name)
+                         .arg(complaints.size() - mostLines));
+    }
+}
+
+// All that can be set, as SECTION/KEY.
+QStringList settableNames(const QStringList& sections)
+{
+    QStringList names;
+    for (const QString& section : sections) {
+        for (const ConfigKey& key : configKeys(section)) {
+            names.append(section + '/' + key.name);
+        }
+    }
+    return names;
+}
+
+// The section that a SECTION/KEY begins with, or nothing.
+QString sectionOf(const QString& name, const QStringList& sections)
+{
+    for (const QString& section : sections) {
+        if (name.startsWith(section + '/')) {
+            return section;
+        }
+    }
+    return {};
+}
+
+QString quoted(const QString& text)
+{
+    const bool isQuoted = fitsConfigKind(text, ConfigKind::Text);
+    return isQuoted ? text : '"' + text + '"';
+}
+
+void set(ConfigText& config, const QString& word)
+{
+    const int equals = word.indexOf('=');
+    if (equals < 0) {
+        failUsage("--set takes SECTION/KEY=VALUE, such as NPR/Seed=7, not \"" + word + '"');
+    }
+    QStringList sections = configSections();
+    for (auto section = config.begin(); section != config.end(); ++section) {
+        if (!sections.contains(section.key()) && !configKeys(section.key()).isEmpty()) {
+            sections.append(section.key()); // a row of the notch table
+        }
+    }
+    const QString name = word.left(equals);
+    const QString section = sectionOf(name, sections);
+    const QString keyName = name.mid(section.size() + 1);
+    const QVector<ConfigKey> keys = configKeys(section);
+    const auto* const key = std::find_if(keys.begin(), keys.end(),
+                                         [&](const ConfigKey& k) { return k.name == keyName; });
+    if (key == keys.end()) {
+        failUsage("--set: unknown key " + name + didYouMean(name, settableNames(sections)));
+    }
+    const QString text = word.mid(equals + 1);
+    const QString value = key->kind == ConfigKind::Text ? quoted(text) : text;
+    if (!fitsConfigKind(value, key->kind)) {
+        failUsage("--set: " + name + " takes a " + nameOf(key->kind) + ", not \"" + text + '"');
+    }
+    config[section].insert(keyName, value);
+}
+
+void makeNotches(const QString& text, MeasurementSetup& setup, Console& console)
+{
+    const QStringList fields = text.split(',');
+    if (fields.size() < 3 || fields.size() > 4) {
+        failUsage(
+            "--notches takes COUNT,WIDTH_HZ,DEPTH_DB[,OFFSET_HZ], such as 9,1e6,-100, not \"" +
+            text + '"');
+    }
+    const int count = wholeNumberOf(fields.at(0), "--notches COUNT", 1, int(maxNotchCount));
+    setup.notchCount = quint32(count);
+    setup.notchWidth = numberOf(fields.at(1), "--notches WIDTH_HZ", {1e-6, 1e12, "Hz"});
+    setup.notchDepth = numberOf(fields.at(2), "--notches DEPTH_DB", {-100.0, 0.0, "dB"});
+    if (fields.size() == 4) {
+        setup.notchOffset = numberOf(fields.at(3), "--notches OFFSET_HZ", {-1e12, 1e12, "Hz"});
+    }
+    autoCalculateNotches(setup);
+    const int made = setup.notches->items.size();
+    if (made < count) {
+        console.warn(
+            QStringLiteral("--notches: only %1 of %2 rows were made; no more of this width "
+                           "fit the noise band at an offset of %3 Hz")
+                .arg(made)
+                .arg(count)
+                .arg(setup.notchOffset));
+    }
+}
+
+// The order of rows in a file says nothing, and the reader's differs from run to run.
+void sortByCenter(QList<Notch>& rows)
+{
+    const auto order = [](const Notch& n) {
+        return std::make_tuple(n.center, n.width, n.depth, n.startIndex, n.stopIndex);
+    };
+    std::sort(rows.begin(), rows.end(),
+              [&](const Notch& a, const Notch& b) { return order(a) < order(b); });
+}
+
+} // namespace
+
+Options setupOptions()
+{
+    return {{"set", "SECTION/KEY=VALUE",
+             "Override a line of CONFIG, for example --set \"NPR/FFT Len=4096\". Text needs no "
+             "quotes.",
+             true},
+            {"notches", "COUNT,WIDTH_HZ,DEPTH_DB[,OFFSET_HZ]",
+             "Lay the notches out as \"Auto-Calculate\" of the window does, in place of CONFIG's; "
+             "the offset is CONFIG's when left out."}};
+}
+
+MeasurementSetup readSetup(const Arguments& arguments, Console& console)
+{
+    const QStringList& names = arguments.positional();
+    if (names.size() != 1) {
+        failUsage(names.isEmpty() ? "CONFIG is missing: a .cfg file, - or default"
+                                  : "unexpected argument " + names.at(1));
+    }
+    const QString& name = names.constFirst();
+    ConfigText config;
+    if (name != "default") {
+        const QString text = textOfConfig(name);
+        tellIgnoredLines(name == "-" ? "standard input" : name, text, console);
+        config = parseConfigText(text);
+    }
+    for (const QString& word : arguments.values("set")) {
+        set(config, word);
+    }
+    MeasurementSetup setup = configOf(config);
+    if (arguments.has("notches")) {
+        makeNotches(arguments.value("notches"), setup, console);
+    }
+    sortByCenter(setup.notches->items);
+    return setup;
+}
+
+const QList<Notch>& requireNotches(const MeasurementSetup& setup)
+{
+    if (setup.notches->items.isEmpty()) {
+        failUsage("CONFIG has no notch; add some with --notches COUNT,WIDTH_HZ,DEPTH_DB, such as "
+                  "--notches 9,1e6,-100,0");
+    }
+    return setup.notches->items;
+}
