@@ -3,9 +3,9 @@
 #include "base/background.h"
 #include "campaign/point_sums.h"
 
-#include <atomic>
 #include <chrono>
 #include <new>
+#include <utility>
 
 namespace {
 
@@ -110,30 +110,28 @@ void measure(Run& run, CampaignOutcome& outcome)
     }
 }
 
-// The newest progress on its way to the main thread; at most one is.
-struct Messenger
-{
-    std::mutex mutex;
-    CampaignProgress newest;
-    bool isUnderway = false;
+} // namespace
 
-    // Whether one has to be sent.
-    bool put(const CampaignProgress& progress)
+// The newest progress, left by the campaign and fetched by the main thread.
+class Campaign::Letterbox
+{
+public:
+    void put(const CampaignProgress& progress)
     {
         const std::lock_guard<std::mutex> lock(mutex);
         newest = progress;
-        return !std::exchange(isUnderway, true);
     }
-
-    CampaignProgress take()
+    // None when it was fetched before.
+    std::optional<CampaignProgress> fetch()
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        isUnderway = false;
-        return newest;
+        return std::exchange(newest, std::nullopt);
     }
-};
 
-} // namespace
+private:
+    std::mutex mutex;
+    std::optional<CampaignProgress> newest;
+};
 
 void Interruption::raise()
 {
@@ -167,6 +165,13 @@ CampaignOutcome runCampaign(const CampaignPlan& plan, Bench& bench,
     return outcome;
 }
 
+Campaign::Campaign(QObject* parent) : QObject(parent), letterbox(std::make_shared<Letterbox>())
+{
+    constexpr int interval = 50; // ms, as often as a person can follow
+    look.setInterval(interval);
+    connect(&look, &QTimer::timeout, this, &Campaign::tellProgress);
+}
+
 Campaign::~Campaign()
 {
     interruption->raise();
@@ -177,19 +182,25 @@ void Campaign::interrupt()
     interruption->raise();
 }
 
+void Campaign::tellProgress()
+{
+    if (const std::optional<CampaignProgress> progress = letterbox->fetch()) {
+        emit progressed(*progress);
+    }
+}
+
 void Campaign::start(const CampaignPlan& plan, const std::shared_ptr<Bench>& bench)
 {
-    const auto messenger = std::make_shared<Messenger>();
-    const auto tell = [this, messenger,
-                       home = QPointer<QObject>(this)](const CampaignProgress& progress) {
-        if (messenger->put(progress)) {
-            inMainThreadFor(home, [this, messenger] { emit progressed(messenger->take()); });
-        }
-    };
+    look.start();
     inBackground(
         this,
-        [plan, bench, tell, stop = interruption] { return runCampaign(plan, *bench, *stop, tell); },
+        [plan, bench, box = letterbox, stop = interruption] {
+            return runCampaign(plan, *bench, *stop,
+                               [&box](const CampaignProgress& progress) { box->put(progress); });
+        },
         [this](const CampaignOutcome& outcome) {
+            look.stop();
+            tellProgress();
             result = outcome;
             emit finished();
         });

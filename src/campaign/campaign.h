@@ -4,6 +4,7 @@
 #include "campaign/bench.h"
 
 #include <QObject>
+#include <QTimer>
 
 #include <condition_variable>
 #include <functional>
@@ -58,7 +59,7 @@ class Campaign : public QObject
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit Campaign(QObject* parent = nullptr);
     ~Campaign() override; // interrupts; what was measured is dropped
 
     // Once an object.
@@ -74,6 +75,12 @@ signals:
     void finished();
 
 private:
+    class Letterbox;
+
+    void tellProgress();
+
+    QTimer look;
+    std::shared_ptr<Letterbox> letterbox;
     std::shared_ptr<Interruption> interruption = std::make_shared<Interruption>();
     CampaignOutcome result;
 };

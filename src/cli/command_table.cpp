@@ -1,4 +1,6 @@
 #include "cli/command.h"
+#include "cli/curve_command.h"
+#include "cli/measure_command.h"
 #include "cli/serve_command.h"
 #include "cli/signal_command.h"
 #include "cli/trim_command.h"
@@ -8,6 +10,8 @@ const QVector<Command>& commandTable()
     static const QVector<Command> commands = {
         signalCommand(),
         trimCommand(),
+        measureCommand(),
+        curveCommand(),
         serveCommand(),
     };
     return commands;

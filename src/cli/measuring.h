@@ -1,0 +1,18 @@
+// What the commands that measure share: their options, the run, and what follows from it.
+#pragma once
+
+#include "cli/command.h"
+
+#include <functional>
+
+Options measuringOptions();
+
+// levels: none for the present one. thresholds: of the curves; none are drawn up without levels.
+struct Measuring
+{
+    QVector<double> levels;
+    QVector<double> thresholds;
+};
+
+// Reads CONFIG, measures, writes. Throws Failure.
+ExitStatus measure(const Session& session, const Measuring& wanted);

@@ -1,0 +1,172 @@
+#include "cli/result_output.h"
+
+#include "base/whole_file.h"
+#include "campaign/result_csv.h"
+#include "campaign/result_json.h"
+#include "cli/exit_status.h"
+#include "cli/text_table.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+const QString none = QStringLiteral("-");
+const QString standardOutput = QStringLiteral("-");
+
+struct Form
+{
+    const char* option;
+    QByteArray (*bytes)(const NprResult& result);
+};
+
+const Form forms[] = {
+    {"csv", [](const NprResult& result) { return pointsToCsv(result.points); }},
+    {"json", [](const NprResult& result) { return resultToJson(result); }},
+};
+
+// Decimals that a number with this standard deviation is worth.
+int decimalsFor(std::optional<double> sigma)
+{
+    constexpr int usual = 2;
+    if (!sigma || !(*sigma > 0.0)) {
+        return usual;
+    }
+    return std::clamp(static_cast<int>(std::ceil(-std::log10(*sigma))), 0, usual);
+}
+
+QString rounded(std::optional<double> value, int decimals)
+{
+    return value && std::isfinite(*value) ? QString::number(*value, 'f', decimals) : none;
+}
+
+QString sigmaText(std::optional<double> sigma)
+{
+    return sigma ? QString::number(*sigma, 'f', 2) : none;
+}
+
+Colour colourOf(const NprPoint& point)
+{
+    if (point.passed) {
+        return *point.passed ? Colour::Good : Colour::Bad;
+    }
+    return point.marks.isEmpty() ? Colour::Plain : Colour::Warning;
+}
+
+QString verdict(const NprPoint& point)
+{
+    return !point.passed   ? QString()
+           : *point.passed ? QStringLiteral("pass")
+                           : QStringLiteral("FAIL");
+}
+
+bool writesTo(const Arguments& arguments, const QString& file)
+{
+    return std::any_of(std::begin(forms), std::end(forms), [&](const Form& form) {
+        return arguments.values(form.option).contains(file);
+    });
+}
+
+bool hasWritten(const QByteArray& bytes, const QString& path)
+{
+    WholeFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    file.write(bytes);
+    const bool isWhole = file.isWhole();
+    file.putInPlace();
+    return isWhole;
+}
+
+} // namespace
+
+Options resultOptions()
+{
+    return {{"csv", "FILE",
+             "Write the points as comma-separated values with a header; - is standard output. A "
+             "spreadsheet with a decimal comma needs to be told that the point is the decimal sign "
+             "(import as English).",
+             true},
+            {"json", "FILE",
+             "Write everything as JSON, which --subtract reads; - is standard output.", true}};
+}
+
+void checkResultOptions(const Arguments& arguments)
+{
+    int toStandardOutput = 0;
+    for (const Form& form : forms) {
+        toStandardOutput += arguments.values(form.option).count(standardOutput);
+        if (arguments.values(form.option).contains(QString())) {
+            failUsage(QStringLiteral("--%1 needs the name of a file").arg(form.option));
+        }
+    }
+    if (toStandardOutput > 1) {
+        failUsage(QStringLiteral("standard output takes one result only: give - once"));
+    }
+}
+
+void putOut(const NprResult& result, const Arguments& arguments, Console& console)
+{
+    QString unwritten;
+    for (const Form& form : forms) {
+        for (const QString& file : arguments.values(form.option)) {
+            const QByteArray bytes = form.bytes(result);
+            if (file == standardOutput) {
+                console.printBytes(bytes);
+            } else if (!hasWritten(bytes, file) && unwritten.isEmpty()) {
+                unwritten = file;
+            }
+        }
+    }
+    if (!writesTo(arguments, standardOutput)) {
+        console.print(pointTable(result.points, console));
+        if (!result.curves.isEmpty()) {
+            console.print('\n' + curveTable(result.curves, console));
+        }
+    }
+    if (!unwritten.isEmpty()) {
+        failFile("can't write " + unwritten + "; is there such a folder, and room on its disk?");
+    }
+}
+
+QString pointTable(const QVector<NprPoint>& points, const Console& console)
+{
+    TextTable table({Align::Right, Align::Right, Align::Right, Align::Right, Align::Right,
+                     Align::Right, Align::Right, Align::Left, Align::Left},
+                    {"level/dBm", "notch", "center/MHz", "power/dBm", "NPR/dB", "sigma/dB", "EVM/%",
+                     "", "marks"});
+    for (const NprPoint& point : points) {
+        const int decimals = decimalsFor(point.sigma);
+        table.addRow({rounded(point.level, 2), QString::number(point.notch),
+                      rounded(point.center / 1e6, 3), rounded(point.power, 2),
+                      rounded(point.npr, decimals), sigmaText(point.sigma),
+                      point.npr ? QString::number(*point.evmPercent(), 'g', 3) : none,
+                      verdict(point), point.marks.join(' ')},
+                     colourOf(point));
+    }
+    return table.text(console);
+}
+
+QString curveTable(const QVector<NprCurve>& curves, const Console& console)
+{
+    QVector<Align> columns{Align::Right, Align::Right, Align::Right};
+    QStringList headings{"notch", "peak/dB", "at/dBm"};
+    for (const NprRange& range : curves.constFirst().ranges) {
+        const QString threshold = QString::number(range.threshold);
+        columns << Align::Right << Align::Right << Align::Right;
+        headings << "from/dBm"
+                 << "to/dBm"
+                 << "over " + threshold + " dB/dB";
+    }
+    TextTable table(columns, headings);
+    for (const NprCurve& curve : curves) {
+        QStringList cells{QString::number(curve.notch), rounded(curve.peakNpr, 1),
+                          rounded(curve.peakLevel, 2)};
+        for (const NprRange& range : curve.ranges) {
+            cells << rounded(range.from, 2) << rounded(range.to, 2) << rounded(range.range(), 2);
+        }
+        table.addRow(cells);
+    }
+    return table.text(console);
+}
