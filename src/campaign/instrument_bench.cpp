@@ -176,24 +176,21 @@ void InstrumentBench::bringUp(const Instrument& instrument, const Conversation& 
     });
 }
 
-// The source last: until all is in its place, nothing is switched on.
+// The analyzer first: until it is in its place, nothing is switched on.
 void InstrumentBench::prepare(const CampaignPlan& plan)
 {
     highest = plan.highestLevel();
     follow(plan.lowestLevel());
     bringUp(chain.analyzer, [this] { setUpAnalyzer(); });
     benchNames.analyzer = chain.analyzer.deviceMessage();
-    if (chain.microwave.device != 0) {
-        hasSource = hasSource || microwaveSetsLevel();
-        bringUp(chain.microwave, [this] { setUpSource(chain.microwave); });
-        benchNames.generator = chain.microwave.deviceMessage();
-    }
     hasSource = true;
     bringUp(chain.generator, [this] { setUpSource(chain.generator); });
-    benchNames.generator =
-        chain.microwave.device == 0
-            ? chain.generator.deviceMessage()
-            : chain.generator.deviceMessage() + QStringLiteral(" + ") + benchNames.generator;
+    benchNames.generator = chain.generator.deviceMessage();
+    if (chain.microwave.device != 0) {
+        bringUp(chain.microwave, [this] { setUpSource(chain.microwave); });
+        benchNames.generator += QStringLiteral(" + ") + chain.microwave.deviceMessage();
+    }
+    sourceAnswers = !levelled().deviceMessage().isEmpty();
 }
 
 // The analyzer hears of a rising level before the generator does, so that it is never overdriven.

@@ -62,7 +62,8 @@ private:
     const double signalBandwidth; // Hz, without the notches
     const QVector<quint32> playedSeeds;
     BenchNames benchNames;
-    double highest = 0.0;   // of the plan
-    bool hasSource = false; // the last generator has been brought up
+    double highest = 0.0;       // of the plan
+    bool hasSource = false;     // the last generator may have been switched on
+    bool sourceAnswers = false; // it says who it is, as not every model does
     Notch tuned;
 };

@@ -1,0 +1,184 @@
+// JSON and CSV of a result: what stands in them, and that JSON reads back.
+#include "campaign/result_csv.h"
+#include "campaign/result_json.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QtTest>
+
+#include <limits>
+
+namespace {
+
+NprPoint goodPoint()
+{
+    NprPoint point;
+    point.level = -20.5;
+    point.notch = 1;
+    point.center = -31999969.482421875;
+    point.width = 1e6;
+    point.power = -39.75;
+    point.npr = 20.0;
+    point.sigma = 0.125;
+    point.marks = QStringList{"margin", "few-peaks"};
+    point.passed = true;
+    return point;
+}
+
+NprPoint missingPoint()
+{
+    NprPoint point;
+    point.level = 0.1;
+    point.notch = 2;
+    point.width = 2.5;
+    point.power = -std::numeric_limits<double>::infinity();
+    point.marks = QStringList{"below-zero"};
+    return point;
+}
+
+NprResult result()
+{
+    NprResult made;
+    made.program = "program 1.0";
+    made.started = "2026-11-21T14:00:00Z";
+    made.config["NPR"]["SRate"] = "1e+08";
+    made.config["User"]["I File"] = "a \"b\"";
+    made.signal.length = 131072;
+    made.signal.sampleRate = 1e8;
+    made.signal.crestFactor = 10.63;
+    made.signal.peakBetweenSamples = 11.02;
+    made.signal.ccdf = {{10.0, 3.62}, {1.0, 6.63}, {0.1, 8.39}, {0.01, 9.64}};
+    made.signal.seeds = {1, 4294967295U};
+    made.bench = {QString("adc,bits=12"), "G", "A"};
+    made.points = {goodPoint(), missingPoint()};
+    made.curves = {{1, 62.7, -10.99, {{41.0, -33.0, -7.5}, {60.0, {}, -9.0}}}, {2, {}, {}, {}}};
+    return made;
+}
+
+QString errorOf(const QByteArray& json)
+{
+    try {
+        (void)resultFromJson(json);
+    } catch (const ResultError& error) {
+        return error.text;
+    }
+    return "none";
+}
+
+} // namespace
+
+class TestResultFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void jsonHasItsMembers();
+    void whatIsMissingIsNull();
+    void jsonReadsBack();
+    void unknownMembersArePassedOver();
+    void otherFilesAreRefused_data();
+    void otherFilesAreRefused();
+    void csvHasALineAPoint();
+};
+
+void TestResultFiles::jsonHasItsMembers()
+{
+    const QJsonObject json = QJsonDocument::fromJson(resultToJson(result())).object();
+    QCOMPARE(json["format"].toString(), QString("notchbench-npr"));
+    QCOMPARE(json["version"].toInt(), 1);
+    QCOMPARE(json["config"].toObject()["NPR"].toObject()["SRate"].toString(), QString("1e+08"));
+    const QJsonObject signal = json["signal"].toObject();
+    QCOMPARE(signal["ccdf_db"].toObject().keys(), (QStringList{"0.01", "0.1", "1", "10"}));
+    QCOMPARE(signal["ccdf_db"].toObject()["0.1"].toDouble(), 8.39);
+    QCOMPARE(signal["seeds"].toArray()[1].toDouble(), 4294967295.0);
+    const QJsonObject point = json["points"].toArray()[0].toObject();
+    QCOMPARE(point["npr_db"].toDouble(), 20.0);
+    QCOMPARE(point["evm_percent"].toDouble(), 10.0);
+    QCOMPARE(point["center_hz"].toDouble(), -31999969.482421875);
+    QCOMPARE(point["marks"].toArray(), (QJsonArray{"margin", "few-peaks"}));
+    QCOMPARE(point["passed"], QJsonValue(true));
+    const QJsonObject curve = json["curves"].toArray()[0].toObject();
+    QCOMPARE(curve["ranges"].toArray()[0].toObject()["range_db"].toDouble(), 25.5);
+}
+
+void TestResultFiles::whatIsMissingIsNull()
+{
+    const QJsonObject json = QJsonDocument::fromJson(resultToJson(result())).object();
+    const QJsonObject point = json["points"].toArray()[1].toObject();
+    for (const char* name : {"npr_db", "sigma_db", "evm_percent", "passed", "power_dbm"}) {
+        QVERIFY2(point[name].isNull(), name);
+    }
+    const QJsonObject curve = json["curves"].toArray()[1].toObject();
+    QVERIFY(curve["peak_npr_db"].isNull() && curve["peak_level_dbm"].isNull());
+    const QJsonObject range =
+        json["curves"].toArray()[0].toObject()["ranges"].toArray()[1].toObject();
+    QVERIFY(range["from_dbm"].isNull() && range["range_db"].isNull());
+    QCOMPARE(range["to_dbm"].toDouble(), -9.0);
+    NprResult real = result();
+    real.bench.simulated.reset();
+    QVERIFY(QJsonDocument::fromJson(resultToJson(real))
+                .object()["bench"]
+                .toObject()["simulated"]
+                .isNull());
+}
+
+void TestResultFiles::jsonReadsBack()
+{
+    const QByteArray json = resultToJson(result());
+    const NprResult back = resultFromJson(json);
+    QCOMPARE(resultToJson(back), json);
+    QCOMPARE(back.points[0].level, -20.5);
+    QCOMPARE(*back.points[0].passed, true);
+    QVERIFY(!back.points[1].npr && !back.points[1].passed);
+    QCOMPARE(back.signal.ccdf[0.01], 9.64);
+    QCOMPARE(*back.bench.simulated, QString("adc,bits=12"));
+    QCOMPARE(*back.curves[0].ranges[0].from, -33.0);
+    QCOMPARE(back.config["User"]["I File"], QString("a \"b\""));
+}
+
+void TestResultFiles::unknownMembersArePassedOver()
+{
+    QByteArray json = resultToJson(result());
+    json.replace("\"format\"", "\"later\": {\"x\": [1]}, \"format\"");
+    QCOMPARE(resultFromJson(json).points.size(), 2);
+}
+
+void TestResultFiles::otherFilesAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::addColumn<QString>("words");
+    const QByteArray good = resultToJson(result());
+    QTest::newRow("empty") << QByteArray() << "no JSON";
+    QTest::newRow("cut off") << good.left(good.size() / 2) << "no JSON";
+    QTest::newRow("a list") << QByteArray("[]") << "version 1";
+    QTest::newRow("another format") << QByteArray(R"({"format": "x", "version": 1})") << "version";
+    const auto spoilt = [&good](const char* from, const char* to) {
+        return QByteArray(good).replace(from, to);
+    };
+    QTest::newRow("another version") << spoilt("\"version\": 1", "\"version\": 2") << "version 1";
+    QTest::newRow("text for a number") << spoilt("\"notch\": 2", "\"notch\": \"2\"") << "notch";
+    QTest::newRow("half a notch") << spoilt("\"notch\": 2", "\"notch\": 2.5") << "whole number";
+    QTest::newRow("no points") << spoilt("\"points\"", "\"dots\"") << "points";
+    QTest::newRow("no list") << spoilt("\"seeds\": [", "\"seeds\": 1, \"s\": [") << "seeds";
+}
+
+void TestResultFiles::otherFilesAreRefused()
+{
+    QFETCH(QByteArray, json);
+    QFETCH(QString, words);
+    QVERIFY2(errorOf(json).contains(words), qPrintable(errorOf(json)));
+}
+
+void TestResultFiles::csvHasALineAPoint()
+{
+    QCOMPARE(
+        pointsToCsv({goodPoint(), missingPoint()}),
+        QByteArray("level_dbm,notch,center_hz,width_hz,power_dbm,npr_db,sigma_db,evm_percent,"
+                   "marks,passed\n"
+                   "-20.5,1,-31999969.482421875,1e+06,-39.75,20,0.125,10,margin few-peaks,true\n"
+                   "0.1,2,0,2.5,,,,,below-zero,\n"));
+}
+
+QTEST_APPLESS_MAIN(TestResultFiles)
+#include "test_result_files.moc"

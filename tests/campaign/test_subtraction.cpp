@@ -1,0 +1,113 @@
+// Subtraction worked by hand.
+#include "campaign/subtraction.h"
+
+#include <QtTest>
+
+namespace {
+
+NprPoint point(double level, double center, std::optional<double> npr, double sigma = 0.1)
+{
+    NprPoint made;
+    made.level = level;
+    made.notch = 1;
+    made.center = center;
+    made.width = 1e6;
+    made.npr = npr;
+    made.sigma = sigma;
+    return made;
+}
+
+bool isClose(std::optional<double> value, double expected)
+{
+    return value && std::abs(*value - expected) < 1e-6;
+}
+
+} // namespace
+
+class TestSubtraction : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void powersAreSubtracted();
+    void littleMarginIsMarked();
+    void nothingLeftKeepsTheBound();
+    void aBenchWithoutARatioIsNoMargin();
+    void anotherOrderIsTheSame();
+    void otherPlacesAreRefused_data();
+    void otherPlacesAreRefused();
+};
+
+// 40 dB and 50 dB: 1e-4 - 1e-5 = 9e-5, 40.4576 dB. Sigma sqrt((10 x 0.1)^2 + 0.1^2) / 9.
+void TestSubtraction::powersAreSubtracted()
+{
+    QVector<NprPoint> points{point(-10, 2e6, 40.0)};
+    QVERIFY(subtractBench({point(-10, 2e6, 50.0)}, points).isEmpty());
+    QVERIFY(isClose(points[0].npr, 40.45757491));
+    QVERIFY(isClose(points[0].sigma, std::sqrt(1.01) / 9.0));
+    QVERIFY(points[0].marks.isEmpty());
+}
+
+// 43 - 40.1 dB is 2.9 dB; 43.1 - 40 dB is enough.
+void TestSubtraction::littleMarginIsMarked()
+{
+    QVector<NprPoint> points{point(-10, 2e6, 40.1), point(-5, 2e6, 40.0)};
+    QVERIFY(subtractBench({point(-10, 2e6, 43.0), point(-5, 2e6, 43.1)}, points).isEmpty());
+    QCOMPARE(points[0].marks, QStringList{"margin"});
+    QVERIFY(points[1].marks.isEmpty());
+    QVERIFY(isClose(points[1].npr, -10.0 * std::log10(1e-4 - std::pow(10.0, -4.31))));
+}
+
+void TestSubtraction::nothingLeftKeepsTheBound()
+{
+    QVector<NprPoint> points{point(-10, 2e6, 50.0)};
+    QVERIFY(subtractBench({point(-10, 2e6, 49.0)}, points).isEmpty());
+    QVERIFY(isClose(points[0].npr, 50.0));
+    QCOMPARE(points[0].marks, QStringList{"margin"});
+}
+
+void TestSubtraction::aBenchWithoutARatioIsNoMargin()
+{
+    QVector<NprPoint> points{point(-10, 2e6, 20.0), point(-5, 2e6, {})};
+    QVERIFY(subtractBench({point(-10, 2e6, {}), point(-5, 2e6, 30.0)}, points).isEmpty());
+    QVERIFY(isClose(points[0].npr, 20.0));
+    QCOMPARE(points[0].marks, QStringList{"margin"});
+    QVERIFY(!points[1].npr);
+}
+
+// Notches are matched by centre and width, for numbers say nothing between two configurations.
+void TestSubtraction::anotherOrderIsTheSame()
+{
+    QVector<NprPoint> points{point(-10, 2e6, 40.0), point(-10, 7e6, 30.0)};
+    points[1].notch = 2;
+    QVERIFY(subtractBench(
+                {point(-5, 2e6, 10.0), point(-10, 7e6 + 0.4, 40.0), point(-10, 2e6, 50.0)}, points)
+                .isEmpty());
+    QVERIFY(isClose(points[0].npr, 40.45757491));
+    QVERIFY(isClose(points[1].npr, 30.45757491));
+}
+
+void TestSubtraction::otherPlacesAreRefused_data()
+{
+    QTest::addColumn<double>("level");
+    QTest::addColumn<double>("center");
+    QTest::addColumn<double>("width");
+    QTest::newRow("level") << -10.5 << 2e6 << 1e6;
+    QTest::newRow("notch") << -10.0 << 3e6 << 1e6;
+    QTest::newRow("bandwidth") << -10.0 << 2e6 << 2e6;
+}
+
+void TestSubtraction::otherPlacesAreRefused()
+{
+    QFETCH(double, level);
+    QFETCH(double, center);
+    QFETCH(double, width);
+    NprPoint other = point(level, center, 50.0);
+    other.width = width;
+    QVector<NprPoint> points{point(-10, 2e6, 40.0)};
+    QVERIFY(subtractBench({other}, points).contains("-10 dBm"));
+    QVERIFY(isClose(points[0].npr, 40.0));
+}
+
+QTEST_APPLESS_MAIN(TestSubtraction)
+#include "test_subtraction.moc"
