@@ -78,6 +78,14 @@ QString sectionOf(const QString& name, const QStringList& sections)
     return {};
 }
 
+// Some keys alone would make a row that gets the others from a row read before.
+void requireRow(const QString& unknownSection)
+{
+    if (!configKeys(unknownSection).isEmpty()) {
+        failUsage("--set: CONFIG has no [" + unknownSection + "]; --notches makes rows");
+    }
+}
+
 QString quoted(const QString& text)
 {
     const bool isQuoted = fitsConfigKind(text, ConfigKind::Text);
@@ -98,6 +106,7 @@ void set(ConfigText& config, const QString& word)
     }
     const QString name = word.left(equals);
     const QString section = sectionOf(name, sections);
+    requireRow(section.isEmpty() ? name.section('/', 0, 0) : QString());
     const QString keyName = name.mid(section.size() + 1);
     const QVector<ConfigKey> keys = configKeys(section);
     const auto* const key = std::find_if(keys.begin(), keys.end(),

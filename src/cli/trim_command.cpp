@@ -63,7 +63,7 @@ Command trimCommand()
             "Lower the crest factor by cutting the peaks and restoring the magnitudes, and write "
             "the spectrum for \"Load Mag/Pha\".",
             "CONFIG",
-            "trim default --notches 9,1e6,-100,0 --target 9 --out trimmed.pmc",
+            "trim default --target 9 --out trimmed.pmc",
             Options{{"target", "DB",
                      "Peak of the envelope over its mean, between the samples too. Below 8 dB the "
                      "signal is no noise any more, and what it measures no NPR."},

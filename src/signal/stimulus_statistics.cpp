@@ -104,7 +104,7 @@ bool hasPeaksOfNoise(double peak, double lines)
 {
     constexpr double usefulPeak = 7.9; // dB; a trim to 8 dB ends just below
     const double low = inDecibels(std::log(lines) - 2.0);
-    const double high = inDecibels(std::log(lines) + 8.0);
+    const double high = inDecibels(std::log(lines) + 12.0);
     return peak >= std::min(usefulPeak, low) && peak <= high;
 }
 

@@ -12,7 +12,7 @@
 //   and three times the scatter that so many lines have by chance. A share that fewer than 10
 //   independent samples make up says nothing and isn't asked;
 // - the peak lies where that of noise of n lines lies all but surely, 10 lg(ln n - 2) to
-//   10 lg(ln n + 8) dB over the mean, or was trimmed no further down than to 8 dB. Cutting the
+//   10 lg(ln n + 12) dB over the mean, or was trimmed no further down than to 8 dB. Cutting the
 //   peaks of noise to 9 dB raises a reading by some tenths of a dB, to 8 dB by one to three dB,
 //   below that by more than the reading is worth.
 #pragma once

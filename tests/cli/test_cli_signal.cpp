@@ -1,0 +1,152 @@
+// "signal" and "trim": the numbers and the files.
+#include "cli/cli_process.h"
+#include "files/signal_input.h"
+#include "files/waveform_output.h"
+#include "setup/config_file.h"
+#include "setup/notch_editing.h"
+
+#include <QFile>
+#include <QtTest>
+
+#include <cmath>
+#include <csignal>
+
+namespace {
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+double numberOf(const CliRun& run, const QString& row)
+{
+    return QRegularExpression(row + " +(\\S+)").match(run.out).captured(1).toDouble();
+}
+
+} // namespace
+
+class TestCliSignal : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { cli = std::make_unique<CliProcess>(); }
+    void numbersAreThoseOfTheSignal();
+    void filesHaveTheBytesOfTheWindow();
+    void aSignalThatIsNoNoiseIsTold();
+    void aTrimmedSignalIsReadBackAsItWasWritten();
+    void aTargetThatCannotBeIsToldAndStatusOne();
+    void ctrlCEndsATrimWithoutAFile_data();
+    void ctrlCEndsATrimWithoutAFile();
+
+private:
+    std::unique_ptr<CliProcess> cli;
+};
+
+// 10 lg N for all energy in one sample.
+void TestCliSignal::numbersAreThoseOfTheSignal()
+{
+    const CliRun run = cli->run({"signal", "default", "--set", "NPR/Phase Mode=3"});
+    QCOMPARE(run.status, 0);
+    QVERIFY2(run.out.contains("crest factor                51.1751  dB\n"), qPrintable(run.out));
+    QVERIFY2(run.out.contains("peak between samples          51.18  dB\n"), qPrintable(run.out));
+}
+
+void TestCliSignal::filesHaveTheBytesOfTheWindow()
+{
+    const CliRun run =
+        cli->run({"signal", "default", "--notches", "9,1e6,-100,0", "--set", "NPR/NBW/SRate=0.8",
+                  "--out", "cli", "--format", "text", "--format", "wav", "--format=wv"});
+    QCOMPARE(run.status, 0);
+    QVERIFY(run.out.endsWith("wrote cli.i and cli.q\nwrote cli.i.wav and cli.q.wav\n"
+                             "wrote cli.wv\n"));
+    MeasurementSetup setup;
+    setup.nbwSrate = 0.8;
+    setup.notchCount = 9;
+    setup.notchWidth = 1e6;
+    setup.notchOffset = 0.0;
+    autoCalculateNotches(setup);
+    setup.calculateSignal();
+    for (const char* form : {".i", ".i.wav", ".wv"}) {
+        saveWaveform(cli->path("window") + form, setup.signal, setup.sampleRate);
+    }
+    for (const char* form : {".i", ".q", ".i.wav", ".q.wav"}) {
+        QCOMPARE(bytesOf(cli->path("cli") + form), bytesOf(cli->path("window") + form));
+    }
+    // Behind the date.
+    const auto samples = [](const QByteArray& file) { return file.mid(file.indexOf("{LEVEL")); };
+    const QByteArray wv = samples(bytesOf(cli->path("cli.wv")));
+    QVERIFY(wv.size() > 4 * 131072);
+    QCOMPARE(wv, samples(bytesOf(cli->path("window.wv"))));
+}
+
+void TestCliSignal::aSignalThatIsNoNoiseIsTold()
+{
+    const CliRun run = cli->run({"signal", "default", "--set", "NPR/Phase Mode=2"});
+    QCOMPARE(run.status, 0);
+    QVERIFY(QRegularExpression("\nnoise-like +no\n").match(run.out).hasMatch());
+    QCOMPARE(run.err, QString("notchbench-cli: warning: the signal isn't noise-like: what it "
+                              "measures is no NPR\n"));
+}
+
+void TestCliSignal::aTrimmedSignalIsReadBackAsItWasWritten()
+{
+    const QStringList notches{"--notches", "9,1e6,-100,0", "--set", "NPR/NBW/SRate=0.8"};
+    const CliRun trim =
+        cli->run(QStringList{"trim", "default", "--target", "9", "--out", "t.pmc"} + notches);
+    QCOMPARE(trim.err, QString());
+    QCOMPARE(trim.status, 0);
+    const CliRun again = cli->run(QStringList{"signal", "default", "--set", "NPR/Custom=1", "--set",
+                                              "User/PhaseMag File=t.pmc"} +
+                                  notches);
+    QCOMPARE(again.status, 0);
+    // What is 100 dB down, below the band and in the notches, is cut twice.
+    QVERIFY(std::abs(numberOf(again, "crest factor") - numberOf(trim, "crest factor")) < 0.001);
+    const double peak = numberOf(trim, "peak between samples");
+    QVERIFY(peak <= 9.0 && peak > 8.9);
+    QVERIFY(std::abs(numberOf(again, "peak between samples") - peak) < 0.011);
+    const SignalData written = loadMagnitudePhaseFile(cli->path("t.pmc"));
+    QCOMPARE(written.length, 131072);
+    QCOMPARE(written.magnitude.at(70000), 1.0); // a line of the band
+}
+
+void TestCliSignal::aTargetThatCannotBeIsToldAndStatusOne()
+{
+    const CliRun run = cli->run({"trim", "default", "--set", "NPR/FFT Len=256", "--set",
+                                 "NPR/NBW/SRate=0.8", "--target", "0.2", "--out", "t.pmc"});
+    QCOMPARE(run.status, 1);
+    QCOMPARE(run.errLines().size(), 2); // the other one: no noise any more
+    QVERIFY2(run.errLines().at(1).contains("the target of 0.20 dB can't be reached; t.pmc has "),
+             qPrintable(run.err));
+    QVERIFY(QFile::exists(cli->path("t.pmc")));
+}
+
+void TestCliSignal::ctrlCEndsATrimWithoutAFile_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<int>("status");
+    QTest::newRow("Ctrl+C") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+}
+
+void TestCliSignal::ctrlCEndsATrimWithoutAFile()
+{
+    QFETCH(int, number);
+    QFETCH(int, status);
+    cli->process.start(NOTCHBENCH_CLI, {"trim", "-", "--target", "0.2", "--out", "t.pmc"});
+    QVERIFY(cli->process.waitForStarted());
+    // It waits for its configuration, so it catches signals by the time that it has read this.
+    cli->process.write("[NPR]\nFFT Len = 1048576\nx\n");
+    cli->process.closeWriteChannel();
+    cli->process.setReadChannel(QProcess::StandardError);
+    QVERIFY(cli->process.waitForReadyRead(20000)); // the warning of the bad line
+    QCOMPARE(kill(pid_t(cli->process.processId()), number), 0);
+    QVERIFY(cli->process.waitForFinished(60000));
+    QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(cli->process.exitCode(), status);
+    QVERIFY(!QFile::exists(cli->path("t.pmc")));
+}
+
+QTEST_GUILESS_MAIN(TestCliSignal)
+#include "test_cli_signal.moc"
