@@ -12,7 +12,9 @@ struct NumberedNotch
 {
     int number = 0; // from 1
     Notch notch;
-    int lines = 0; // of the signal's spectrum in the channel that reads the notch
+    // Of the signal's spectrum in the channel that reads the notch; 0 if that or the reference
+    // channel is too narrow to have one.
+    int lines = 0;
 };
 
 // All notches of the setup, whose signal has so many samples. None in carrier mode, where rows are

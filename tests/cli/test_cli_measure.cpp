@@ -1,0 +1,390 @@
+// The commands that measure: tables, files, statuses, interruptions; simulated and on instruments.
+#include "cli/cli_process.h"
+#include "kit/json_schema.h"
+#include "kit/scripted_instrument.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/types.h>
+
+namespace {
+
+const QStringList smallSignal{"default",           "--set",     "NPR/FFT Len=8192", "--set",
+                              "NPR/NBW/SRate=0.8", "--notches", "3,2e6,-100,0"};
+const QStringList rapp{"--simulate", "rapp,saturation=0"};
+
+QStringList measuring(const QStringList& options)
+{
+    return QStringList{"measure"} + smallSignal + options;
+}
+
+QStringList curve(const QStringList& options)
+{
+    return QStringList{"curve"} + smallSignal + options;
+}
+
+// CONFIG's instruments at addresses of their own.
+const QStringList instruments{"--set",    "Generator1/IP Addr=127.0.0.2",
+                              "--set",    "Analyzer/IP Addr=127.0.0.3",
+                              "--settle", "0"};
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QJsonObject jsonOf(const QByteArray& bytes)
+{
+    return QJsonDocument::fromJson(bytes).object();
+}
+
+QStringList schemaErrors(const QByteArray& bytes)
+{
+    const JsonSchema schema(jsonOf(bytesOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
+    return schema.errorsIn(jsonOf(bytes));
+}
+
+QJsonObject pointOf(const QJsonObject& result, int point)
+{
+    return result["points"].toArray()[point].toObject();
+}
+
+} // namespace
+
+class TestCliMeasure : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init() { cli = std::make_unique<CliProcess>(); }
+    void aMeasurementIsATable();
+    void everyKindOfResultFitsTheSchema_data();
+    void everyKindOfResultFitsTheSchema();
+    void theSchemaRefusesWhatIsWrong();
+    void aCurveHasItsPeakAndRanges();
+    void notchesAreChosenByTheirNumber();
+    void averagesTellTheirSeeds();
+    void aMissedLimitIsStatusOne();
+    void aSignalThatIsNoNoiseIsMarked();
+    void standardOutputTakesOneResult();
+    void theSameCommandGivesTheSameBytes();
+    void aResultIsSubtracted();
+    void anotherResultIsNotSubtracted();
+    void mistakesAreStatusTwo_data();
+    void mistakesAreStatusTwo();
+    void aFileThatCannotBeWrittenIsStatusThree_data();
+    void aFileThatCannotBeWrittenIsStatusThree();
+    void anInterruptionKeepsWhatWasMeasured_data();
+    void anInterruptionKeepsWhatWasMeasured();
+    void instrumentsAreMeasuredWith();
+    void aLostInstrumentIsStatusFour();
+    void withoutInstrumentsItIsStatusFour();
+
+private:
+    std::unique_ptr<CliProcess> cli;
+};
+
+void TestCliMeasure::aMeasurementIsATable()
+{
+    const CliRun run = cli->run(measuring(rapp));
+    QCOMPARE(run.status, 0);
+    QCOMPARE(run.err, QString());
+    const QStringList lines = run.out.split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 4);
+    QVERIFY(lines[0].contains("NPR/dB") && lines[0].contains("sigma/dB"));
+    const QStringList cells = lines[2].simplified().split(' ');
+    QCOMPARE(cells.mid(0, 3), (QStringList{"-20.00", "2", "0.000"}));
+    QVERIFY(!run.out.contains('\x1b')); // no colour in pipes
+}
+
+void TestCliMeasure::everyKindOfResultFitsTheSchema_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::newRow("measure") << measuring(rapp + QStringList{"--limit", "30"});
+    QTest::newRow("curve") << curve(rapp + QStringList{"--levels", "-20:0:4", "--threshold", "25",
+                                                       "--threshold", "99", "--average", "2"});
+    QTest::newRow("below zero") << measuring(
+        {"--simulate", "rapp,saturation=-60,noise-floor=-20", "--limit", "10"});
+    QTest::newRow("few peaks") << curve({"--simulate", "soft,saturation=0", "--levels", "-9:-8:1"});
+    QTest::newRow("not noise-like") << measuring(QStringList{"--set", "NPR/Phase Mode=2"} + rapp);
+    QTest::newRow("linear") << measuring({"--simulate", "linear"});
+}
+
+void TestCliMeasure::everyKindOfResultFitsTheSchema()
+{
+    QFETCH(QStringList, words);
+    const CliRun run = cli->run(words + QStringList{"--json", "-"});
+    QVERIFY(run.status == 0 || run.status == 1);
+    const QStringList errors = schemaErrors(run.out.toUtf8());
+    QVERIFY2(errors.isEmpty(), qPrintable(errors.join('\n')));
+}
+
+void TestCliMeasure::theSchemaRefusesWhatIsWrong()
+{
+    const QByteArray good = cli->run(measuring(rapp + QStringList{"--json", "-"})).out.toUtf8();
+    QVERIFY(schemaErrors(good).isEmpty());
+    for (const char* wrong : {"\"npr_db\": null, \"x\"", "\"npr_db\": \"1\", \"y\""}) {
+        QVERIFY(!schemaErrors(QByteArray(good).replace("\"npr_db\"", wrong)).isEmpty());
+    }
+    QVERIFY(
+        !schemaErrors(QByteArray(good).replace("\"marks\": [\n", "\"marks\": [\"x\"")).isEmpty());
+    QVERIFY(!schemaErrors("{}").isEmpty());
+}
+
+// 12 bits: 62.71 dB at -10.99 dBm; 0.97 dB more in a band of 80 %.
+void TestCliMeasure::aCurveHasItsPeakAndRanges()
+{
+    const CliRun run = cli->run({"curve", "default", "--notches", "1,1e6,-100,0", "--set",
+                                 "NPR/NBW/SRate=1", "--simulate", "adc,bits=12,full-scale=0",
+                                 "--levels", "-36:-5:1", "--threshold", "41", "--average", "16",
+                                 "--json", cli->path("r.json"), "--csv", cli->path("r.csv")});
+    QCOMPARE(run.status, 0);
+    QVERIFY(run.out.contains("over 41 dB"));
+    const QJsonObject result = jsonOf(bytesOf(cli->path("r.json")));
+    const QJsonObject found = result["curves"].toArray()[0].toObject();
+    QVERIFY(std::abs(found["peak_npr_db"].toDouble() - 62.71) < 0.5);
+    const QJsonObject range = found["ranges"].toArray()[0].toObject();
+    QVERIFY(std::abs(range["range_db"].toDouble() - 25.35) < 0.6);
+    QCOMPARE(result["points"].toArray().size(), 32);
+    QCOMPARE(bytesOf(cli->path("r.csv")).count('\n'), 33);
+}
+
+void TestCliMeasure::notchesAreChosenByTheirNumber()
+{
+    const QByteArray json =
+        cli->run(measuring(rapp + QStringList{"--notch", "3,1", "--json", "-"})).out.toUtf8();
+    const QJsonObject result = jsonOf(json);
+    QCOMPARE(result["points"].toArray().size(), 2);
+    QCOMPARE(pointOf(result, 0)["notch"].toInt(), 1);
+    QCOMPARE(pointOf(result, 1)["notch"].toInt(), 3);
+    QVERIFY(pointOf(result, 0)["center_hz"].toDouble() <
+            pointOf(result, 1)["center_hz"].toDouble());
+}
+
+void TestCliMeasure::averagesTellTheirSeeds()
+{
+    const QByteArray json = cli->run(measuring(rapp + QStringList{"--average", "3", "--set",
+                                                                  "NPR/Seed=7", "--json", "-"}))
+                                .out.toUtf8();
+    QCOMPARE(jsonOf(json)["signal"].toObject()["seeds"].toArray(), (QJsonArray{7, 8, 9}));
+}
+
+void TestCliMeasure::aMissedLimitIsStatusOne()
+{
+    QCOMPARE(cli->run(measuring(rapp + QStringList{"--limit", "10"})).status, 0);
+    const CliRun missed = cli->run(measuring(rapp + QStringList{"--limit", "90"}));
+    QCOMPARE(missed.status, 1);
+    QVERIFY(missed.out.contains("FAIL"));
+}
+
+void TestCliMeasure::aSignalThatIsNoNoiseIsMarked()
+{
+    const CliRun run = cli->run(measuring(QStringList{"--set", "NPR/Phase Mode=2"} + rapp));
+    QCOMPARE(run.status, 0);
+    QVERIFY(run.err.contains("isn't noise-like"));
+    QCOMPARE(run.out.count("not-noise-like"), 3);
+}
+
+void TestCliMeasure::standardOutputTakesOneResult()
+{
+    const CliRun csv = cli->run(measuring(rapp + QStringList{"--csv", "-"}));
+    QVERIFY(csv.out.startsWith("level_dbm,"));
+    QCOMPARE(csv.out.count('\n'), 4);
+    const CliRun both = cli->run(measuring(rapp + QStringList{"--csv", "-", "--json", "-"}));
+    QCOMPARE(both.status, 2);
+}
+
+void TestCliMeasure::theSameCommandGivesTheSameBytes()
+{
+    const QStringList words = curve(rapp + QStringList{"--levels", "-9:0:3", "--json", "-"});
+    QString first = cli->run(words).out;
+    QString second = cli->run(words).out;
+    const QRegularExpression started("\"started\": \"[^\"]*\"");
+    QVERIFY(first.contains(started));
+    QCOMPARE(first.remove(started), second.remove(started));
+}
+
+void TestCliMeasure::aResultIsSubtracted()
+{
+    const QString bench = cli->path("bench.json");
+    const QStringList levels{"--levels", "-12:-4:4"};
+    QCOMPARE(cli->run(curve(levels +
+                            QStringList{"--simulate", "linear,noise-floor=-133", "--json", bench}))
+                 .status,
+             0);
+    const QStringList device{"--simulate", "cubic,intercept=20,noise-floor=-133"};
+    const QJsonObject plain =
+        jsonOf(cli->run(curve(levels + device + QStringList{"--json", "-"})).out.toUtf8());
+    const QJsonObject subtracted =
+        jsonOf(cli->run(curve(levels + device + QStringList{"--json", "-", "--subtract", bench}))
+                   .out.toUtf8());
+    const QJsonObject clean = jsonOf(
+        cli->run(curve(levels + QStringList{"--simulate", "cubic,intercept=20", "--json", "-"}))
+            .out.toUtf8());
+    // -4 dBm, where distortion lies above the noise.
+    const double npr = pointOf(subtracted, 7)["npr_db"].toDouble();
+    QVERIFY(npr > pointOf(plain, 7)["npr_db"].toDouble() + 0.1);
+    QVERIFY(std::abs(npr - pointOf(clean, 7)["npr_db"].toDouble()) < 0.1);
+    // -12 dBm, where noise is nearly all.
+    QCOMPARE(pointOf(subtracted, 1)["marks"].toArray(), QJsonArray{"margin"});
+}
+
+void TestCliMeasure::anotherResultIsNotSubtracted()
+{
+    const QString bench = cli->path("bench.json");
+    (void)cli->run(measuring(rapp + QStringList{"--json", bench}));
+    const CliRun other =
+        cli->run(curve(rapp + QStringList{"--levels", "-12:-4:4", "--subtract", bench}));
+    QCOMPARE(other.status, 2);
+    QVERIFY2(other.err.contains("--subtract") && other.err.contains("-12 dBm"),
+             qPrintable(other.err));
+    QFile(bench).resize(20);
+    const CliRun broken = cli->run(measuring(rapp + QStringList{"--subtract", bench}));
+    QCOMPARE(broken.status, 3);
+    QVERIFY(broken.err.contains("is no result"));
+}
+
+void TestCliMeasure::mistakesAreStatusTwo_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("says");
+    const auto device = [](const char* text) { return measuring({"--simulate", text}); };
+    QTest::newRow("device") << device("rap") << "rapp";
+    QTest::newRow("key") << device("rapp,saturatoin=3") << "saturation";
+    QTest::newRow("other's key") << device("rapp,bits=12") << "bits";
+    QTest::newRow("value") << device("adc,bits=99") << "bits takes a whole number";
+    QTest::newRow("no value") << device("adc,bits") << "bits";
+    QTest::newRow("both scales") << device("adc,full-scale=0,loading=5") << "exclude";
+    QTest::newRow("ripple") << device("soft,ripple=3") << "DB:PERIOD";
+    QTest::newRow("notch 4") << measuring(rapp + QStringList{"--notch", "4"}) << "--notch";
+    QTest::newRow("no notch") << (QStringList{"measure", "default"} + rapp) << "--notches";
+    QTest::newRow("carriers") << measuring(QStringList{"--set", "NPR/Notch/Carrier=1"} + rapp)
+                              << "carrier mode";
+    QTest::newRow("narrow") << (QStringList{"measure", "default", "--notches", "1,10,-100,0"} +
+                                rapp)
+                            << "too narrow";
+    QTest::newRow("no levels") << curve(rapp) << "--levels";
+    QTest::newRow("two numbers") << curve(rapp + QStringList{"--levels", "0:1"}) << "FROM:TO:STEP";
+    QTest::newRow("no step") << curve(rapp + QStringList{"--levels", "0:1:0"}) << "step";
+    QTest::newRow("average") << measuring(rapp + QStringList{"--average", "0"}) << "--average";
+    QTest::newRow("settle") << measuring(rapp + QStringList{"--settle", "-1"}) << "--settle";
+    QTest::newRow("limit") << measuring(rapp + QStringList{"--limit", "x"}) << "--limit";
+}
+
+void TestCliMeasure::mistakesAreStatusTwo()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QString, says);
+    const CliRun run = cli->run(words);
+    QCOMPARE(run.status, 2);
+    QCOMPARE(run.errLines().size(), 1);
+    QVERIFY2(run.err.contains(says), qPrintable(run.err));
+    QVERIFY(run.out.isEmpty());
+}
+
+void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree_data()
+{
+    QTest::addColumn<QString>("option");
+    QTest::addColumn<QString>("file");
+    for (const char* option : {"--csv", "--json"}) {
+        QTest::addRow("%s, no folder", option) << option << "/nowhere/at/all";
+        QTest::addRow("%s, full", option) << option << "/dev/full";
+    }
+}
+
+// The table is printed all the same: what was measured isn't lost.
+void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree()
+{
+    QFETCH(QString, option);
+    QFETCH(QString, file);
+    const CliRun run = cli->run(measuring(rapp + QStringList{option, file}));
+    QCOMPARE(run.status, 3);
+    QVERIFY(run.err.contains(file));
+    QVERIFY(run.out.contains("NPR/dB"));
+}
+
+void TestCliMeasure::anInterruptionKeepsWhatWasMeasured_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::addColumn<int>("status");
+    QTest::newRow("Ctrl+C") << SIGINT << 130;
+    QTest::newRow("SIGTERM") << SIGTERM << 143;
+}
+
+// A campaign that would take hours; the first file tells that it has begun.
+void TestCliMeasure::anInterruptionKeepsWhatWasMeasured()
+{
+    QFETCH(int, signal);
+    QFETCH(int, status);
+    ScriptedInstrument generator(5025, "127.0.0.2");
+    ScriptedInstrument analyzer(5025, "127.0.0.3");
+    generator.answer("*IDN?", "a generator\n");
+    analyzer.answer("*IDN?", "an analyzer\n");
+    analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-40.0,-20.0,-20.0\n");
+    const QString file = cli->path("r.json");
+    cli->process.start(NOTCHBENCH_CLI,
+                       curve(instruments + QStringList{"--levels", "-40:-30:1", "--average",
+                                                       "100000", "--json", file}));
+    // The third reading is asked for.
+    QByteArray received;
+    QTRY_VERIFY_WITH_TIMEOUT((received += analyzer.takeReceived()).count("RES? ACP") > 2, 20000);
+    ::kill(static_cast<pid_t>(cli->process.processId()), signal);
+    QVERIFY(cli->process.waitForFinished(20000));
+    QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(cli->process.exitCode(), status);
+    const QByteArray json = bytesOf(file);
+    QVERIFY(schemaErrors(json).isEmpty());
+    QCOMPARE(jsonOf(json)["points"].toArray().size(), 1);
+    // CONFIG's -20 dBm is above the highest level.
+    QVERIFY(generator.takeReceivedUpTo("POW -30.000000\n*IDN?\n&GTL\n")
+                .endsWith("POW -30.000000\n*IDN?\n&GTL\n"));
+}
+
+void TestCliMeasure::instrumentsAreMeasuredWith()
+{
+    ScriptedInstrument generator(5025, "127.0.0.2");
+    ScriptedInstrument analyzer(5025, "127.0.0.3");
+    generator.answer("*IDN?", "a generator\n");
+    analyzer.answer("*IDN?", "an analyzer\n");
+    analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-40.0,-20.0,-20.0\n");
+    const CliRun run = cli->run(measuring(instruments + QStringList{"--json", "-"}));
+    QCOMPARE(run.status, 0);
+    QVERIFY2(run.err.contains("must already play") && run.err.contains("3 readings, about 7 s"),
+             qPrintable(run.err));
+    QVERIFY(schemaErrors(run.out.toUtf8()).isEmpty());
+    const QJsonObject result = jsonOf(run.out.toUtf8());
+    QVERIFY(result["bench"].toObject()["simulated"].isNull());
+    QCOMPARE(result["bench"].toObject()["generator"].toString(), QString("a generator"));
+    QVERIFY(std::abs(pointOf(result, 0)["npr_db"].toDouble() - 10.0 * std::log10(99.0)) < 1e-9);
+    QCOMPARE(pointOf(result, 0)["level_dbm"].toDouble(), -20.0);
+}
+
+void TestCliMeasure::aLostInstrumentIsStatusFour()
+{
+    ScriptedInstrument generator(5025, "127.0.0.2");
+    ScriptedInstrument analyzer(5025, "127.0.0.3");
+    generator.answer("*IDN?", "a generator\n");
+    analyzer.answer("*IDN?", "an analyzer\n");
+    analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-40.0\n");
+    const QString file = cli->path("r.json");
+    const CliRun run = cli->run(measuring(instruments + QStringList{"--json", file}));
+    QCOMPARE(run.status, 4);
+    QVERIFY2(run.err.contains("analyzer 127.0.0.3: its answer has fewer than three numbers"),
+             qPrintable(run.err));
+    QVERIFY(schemaErrors(bytesOf(file)).isEmpty());
+    QVERIFY(jsonOf(bytesOf(file))["points"].toArray().isEmpty());
+}
+
+void TestCliMeasure::withoutInstrumentsItIsStatusFour()
+{
+    const CliRun run = cli->run(measuring(instruments));
+    QCOMPARE(run.status, 4);
+    QVERIFY2(run.err.contains("127.0.0.3"), qPrintable(run.err));
+}
+
+QTEST_GUILESS_MAIN(TestCliMeasure)
+#include "test_cli_measure.moc"
