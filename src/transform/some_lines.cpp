@@ -14,6 +14,8 @@ constexpr int parts = SomeLines::shortestPeriod; // into which a period is dealt
 constexpr int lanes = 8;                         // parts that are transformed side by side
 constexpr int runLength = 512; // lines between two exact starts of the recurrence of twiddles
 
+constexpr int cachedRows = 8192; // of lanes, a MiB
+
 static_assert(parts % lanes == 0);
 
 struct Turn
@@ -90,29 +92,58 @@ inline void lastPairs(double* re, double* im, int rows)
     }
 }
 
-// Transforms the rows (time) of all lanes at once, in place; row f ends at the bit-reversed f.
-VECTOR_CLONES void transformRows(double* re, double* im, int rows, const double* turnRe,
-                                 const double* turnIm)
+// Rows (time) of all lanes, side by side.
+struct Rows
 {
-    int size = rows;
-    for (; size >= 4; size /= 4) {
-        const int quarter = size / 4;
-        const int step = rows / size;
-        for (int start = 0; start < rows; start += size) {
-            for (int j = 0; j < quarter; ++j) {
-                const std::ptrdiff_t at = std::ptrdiff_t{start + j} * lanes;
-                const int t = j * step;
-                butterfly({re + at,
-                           im + at,
-                           std::ptrdiff_t{quarter} * lanes,
-                           {turnRe[t], turnIm[t]},
-                           {turnRe[2 * t], turnIm[2 * t]},
-                           {turnRe[3 * t], turnIm[3 * t]}});
-            }
+    double* re;
+    double* im;
+    int count;
+};
+
+struct Twiddles
+{
+    const double* re;
+    const double* im;
+    int count; // of a whole turn
+};
+
+// One stage of butterflies over blocks of size rows.
+inline void stage(Rows rows, int size, Twiddles twiddles)
+{
+    const int quarter = size / 4;
+    const int step = twiddles.count / size;
+    for (int start = 0; start < rows.count; start += size) {
+        for (int j = 0; j < quarter; ++j) {
+            const std::ptrdiff_t at = std::ptrdiff_t{start + j} * lanes;
+            const int t = j * step;
+            butterfly({rows.re + at,
+                       rows.im + at,
+                       std::ptrdiff_t{quarter} * lanes,
+                       {twiddles.re[t], twiddles.im[t]},
+                       {twiddles.re[2 * t], twiddles.im[2 * t]},
+                       {twiddles.re[3 * t], twiddles.im[3 * t]}});
         }
     }
-    if (size == 2) {
-        lastPairs(re, im, rows);
+}
+
+// Transforms in place; row f ends at the bit-reversed f. A block that fits the cache goes through
+// all its stages before the next one.
+VECTOR_CLONES void transformRows(Rows rows, Twiddles twiddles)
+{
+    int size = rows.count;
+    for (; size > cachedRows; size /= 4) {
+        stage(rows, size, twiddles);
+    }
+    for (int start = 0; start < rows.count; start += size) {
+        const std::ptrdiff_t at = std::ptrdiff_t{start} * lanes;
+        const Rows block{rows.re + at, rows.im + at, size};
+        int within = size;
+        for (; within >= 4; within /= 4) {
+            stage(block, within, twiddles);
+        }
+        if (within == 2) {
+            lastPairs(block.re, block.im, block.count);
+        }
     }
 }
 
@@ -224,8 +255,8 @@ QVector<double> SomeLines::powers(const double* re, const double* im) const
     for (int lane = 0; lane < parts; lane += lanes) {
         takeLanes(re + lane, rows.re.data(), shortPeriod);
         takeLanes(im + lane, rows.im.data(), shortPeriod);
-        transformRows(rows.re.data(), rows.im.data(), shortPeriod, twiddles.re.data(),
-                      twiddles.im.data());
+        transformRows({rows.re.data(), rows.im.data(), shortPeriod},
+                      {twiddles.re.data(), twiddles.im.data(), shortPeriod});
         addLanes(lane, rows, sums);
     }
     QVector<double> result;
