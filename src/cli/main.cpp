@@ -1,12 +1,29 @@
 // The bench without a window, see --help.
 #include "base/large_pages.h"
 #include "base/stop_signals.h"
+#include "chart/chart_file.h"
 #include "cli/program.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
 
 #include <csignal>
+#include <memory>
+
+namespace {
+
+// Widgets are touched for a picture alone.
+std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
+{
+    QStringList words;
+    for (int i = 1; i < argc; ++i) {
+        words.append(QString::fromLocal8Bit(argv[i]));
+    }
+    return asksForPicture(words) ? makeDrawingApplication(argc, argv)
+                                 : std::make_unique<QCoreApplication>(argc, argv);
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
@@ -15,7 +32,7 @@ int main(int argc, char* argv[])
     // A limit on the size of files is a failed write and not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
-    const QCoreApplication application(argc, argv);
+    const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName("notchbench-cli");
     QLoggingCategory::setFilterRules("*.debug=false"); // messages are for people
     const StopSignals stop(StopSignals::Second::EndsTheProcess);

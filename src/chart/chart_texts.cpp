@@ -1,0 +1,97 @@
+#include "chart/chart_texts.h"
+
+#include <algorithm>
+
+namespace {
+
+const QChar minus(0x2212);
+
+// With the sign of print.
+QString number(double value, int decimals)
+{
+    return QString::number(value, 'f', decimals).replace('-', minus);
+}
+
+QString upTo(const QVector<double>& values)
+{
+    const auto [least, most] = std::minmax_element(values.begin(), values.end());
+    return number(*least, 2) + (*least < *most ? " to " + number(*most, 2) : QString());
+}
+
+QString rangeText(const ChartRange& range)
+{
+    if (range.from && range.to) {
+        return number(*range.to - *range.from, 2) + " dB, from " + number(*range.from, 2) + " to " +
+               number(*range.to, 2) + " dBm";
+    }
+    if (range.from) {
+        return "from " + number(*range.from, 2) + " dBm on";
+    }
+    return range.to ? "up to " + number(*range.to, 2) + " dBm" : "not crossed";
+}
+
+} // namespace
+
+QString titleHtml(const NprChartData& data)
+{
+    const QString what =
+        data.isNoiseLike ? "NPR of " : "Not an NPR (the signal isn't noise-like): ";
+    return "<div align=\"center\"><b>" + what + data.device.toHtmlEscaped() + "</b><br>" +
+           data.date.toHtmlEscaped() + "</div>";
+}
+
+QString levelTitle()
+{
+    return QStringLiteral("Level of the signal / dBm");
+}
+
+QString ratioTitle(const NprChartData& data)
+{
+    return data.isNoiseLike ? QStringLiteral("NPR / dB")
+                            : QStringLiteral("Ratio / dB (not an NPR)");
+}
+
+QString peakText(const QPointF& peak)
+{
+    return number(peak.y(), 2) + " dB at " + number(peak.x(), 2) + " dBm";
+}
+
+QString legendText(const ChartLine& line)
+{
+    const QString name = QString(line.name).replace('-', minus);
+    return line.peak ? name + ": peak " + peakText(*line.peak) : name;
+}
+
+QString thresholdText(double threshold, const QVector<ChartLine>& lines)
+{
+    QVector<ChartRange> ranges;
+    QVector<double> widths;
+    for (const ChartLine& line : lines) {
+        for (const ChartRange& range : line.ranges) {
+            if (range.threshold == threshold) {
+                ranges.append(range);
+            }
+            if (range.threshold == threshold && range.from && range.to) {
+                widths.append(*range.to - *range.from);
+            }
+        }
+    }
+    const QString above = "above " + number(threshold, 1).remove(".0") + " dB: ";
+    if (ranges.size() == 1) {
+        return above + rangeText(ranges.constFirst());
+    }
+    if (widths.isEmpty()) {
+        return above + "not crossed";
+    }
+    return above + upTo(widths) + " dB" + (widths.size() < ranges.size() ? ", or not crossed" : "");
+}
+
+QString limitText(double limit)
+{
+    return "limit " + number(limit, 1).remove(".0") + " dB";
+}
+
+QString bandText()
+{
+    return QStringLiteral("scatter to be expected, %1 one sigma").arg(QChar(0x00B1));
+}
