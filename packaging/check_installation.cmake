@@ -12,6 +12,18 @@ foreach(path IN LISTS EXPECTED)
     endif()
 endforeach()
 
+find_program(man man)
+if(man)
+    file(GLOB pages ${root}/share/man/man1/*.1)
+    foreach(page IN LISTS pages)
+        execute_process(COMMAND ${man} --warnings=w -l ${page} OUTPUT_QUIET
+            ERROR_VARIABLE complaints COMMAND_ERROR_IS_FATAL ANY)
+        if(complaints)
+            message(SEND_ERROR "${page}: ${complaints}")
+        endif()
+    endforeach()
+endif()
+
 find_program(desktop_file_validate desktop-file-validate)
 if(desktop_file_validate)
     execute_process(COMMAND ${desktop_file_validate} ${root}/share/applications/notchbench.desktop

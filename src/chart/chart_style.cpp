@@ -93,7 +93,9 @@ QPen theoryPen()
 
 QPen bandSample(double width)
 {
-    return pen(bandColour(0), width);
+    QPen sample = pen(bandColour(0), width);
+    sample.setCapStyle(Qt::FlatCap);
+    return sample;
 }
 
 QPen limitPen()

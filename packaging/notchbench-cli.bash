@@ -1,0 +1,35 @@
+# Completion for notchbench-cli. Commands and options are those that the program itself tells.
+_notchbench_cli() {
+    local program=${COMP_WORDS[0]} current=${COMP_WORDS[COMP_CWORD]}
+    local previous=${COMP_WORDS[COMP_CWORD - 1]} command=${COMP_WORDS[1]}
+    COMPREPLY=()
+    if [ "$COMP_CWORD" -eq 1 ]; then
+        mapfile -t COMPREPLY < <(compgen -W "--help --version $("$program" --help 2>/dev/null |
+            sed -n '/^Commands:/,/^$/s/^  \([a-z]\{1,\}\) .*/\1/p')" -- "$current")
+        return
+    fi
+    case $previous in
+    --format)
+        mapfile -t COMPREPLY < <(compgen -W "text wav wv" -- "$current")
+        return ;;
+    --simulate | --theory)
+        mapfile -t COMPREPLY < <(compgen -W "linear rapp soft saleh cubic adc same" -- "$current")
+        return ;;
+    --out | --json | --csv | --plot | --subtract)
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        return ;;
+    esac
+    if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$("$program" "$command" --help 2>/dev/null |
+            sed -n 's/^  \(--[a-z]\{1,\}\).*/\1/p')" -- "$current")
+    elif [ "$COMP_CWORD" -eq 2 ]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(
+            compgen -f -X '!*.cfg' -- "$current"
+            compgen -d -- "$current"
+            compgen -W "default" -- "$current"
+        )
+    fi
+}
+complete -F _notchbench_cli notchbench-cli

@@ -1,0 +1,116 @@
+// Man page and completion keep up with what the program itself tells.
+#include "cli/cli_process.h"
+
+#include <QFile>
+#include <QRegularExpression>
+#include <QtTest>
+
+namespace {
+
+QString textOf(const char* path)
+{
+    QFile file(QString(NOTCHBENCH_SOURCE_DIR "/packaging/") + path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+QStringList captures(const QString& text, const char* pattern)
+{
+    QStringList found;
+    auto match = QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(text);
+    while (match.hasNext()) {
+        found.append(match.next().captured(1));
+    }
+    return found;
+}
+
+} // namespace
+
+class TestCliPapers : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void theManPageTellsEveryCommandAndOption();
+    void completionOffersCommands();
+    void completionOffersOptionsOfTheCommand();
+    void completionOffersConfigurationsAndFormats();
+
+private:
+    QStringList options(const QString& command)
+    {
+        return captures(cli.run({command, "--help"}).out, "^  (--[a-z]+)");
+    }
+    QStringList complete(const QStringList& words);
+
+    CliProcess cli;
+    QStringList commands;
+};
+
+void TestCliPapers::initTestCase()
+{
+    const QString help = cli.run({"--help"}).out;
+    commands = captures(help.section("Commands:\n", 1).section("\n\n", 0, 0), "^  ([a-z]+) ");
+    QVERIFY(commands.size() >= 3);
+}
+
+// What bash offers for the last word.
+QStringList TestCliPapers::complete(const QStringList& words)
+{
+    QString list;
+    for (const QString& word : words) {
+        list += " '" + word + "'";
+    }
+    const QString script =
+        QString("source " NOTCHBENCH_SOURCE_DIR "/packaging/notchbench-cli.bash; "
+                "COMP_WORDS=('%1'%2); COMP_CWORD=%3; _notchbench_cli; "
+                "printf '%s\\n' \"${COMPREPLY[@]}\"")
+            .arg(NOTCHBENCH_CLI, list)
+            .arg(words.size());
+    cli.process.start("bash", {"-c", script});
+    cli.process.waitForFinished(20000);
+    return QString(cli.process.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
+}
+
+void TestCliPapers::theManPageTellsEveryCommandAndOption()
+{
+    const QString page = textOf("notchbench-cli.1").replace("\\-", "-");
+    for (const QString& command : qAsConst(commands)) {
+        QVERIFY2(page.contains(".B " + command + '\n'), qPrintable(command));
+        const QStringList itsOptions = options(command);
+        QVERIFY(itsOptions.size() >= 4);
+        for (const QString& option : itsOptions) {
+            QVERIFY2(QRegularExpression(option + "\\b").match(page).hasMatch(), qPrintable(option));
+        }
+    }
+}
+
+void TestCliPapers::completionOffersCommands()
+{
+    QCOMPARE(complete({"si"}), QStringList{"signal"});
+    const QStringList all = complete({""});
+    for (const QString& command : qAsConst(commands)) {
+        QVERIFY2(all.contains(command), qPrintable(command));
+    }
+}
+
+void TestCliPapers::completionOffersOptionsOfTheCommand()
+{
+    for (const QString& command : qAsConst(commands)) {
+        QCOMPARE(complete({command, "default", "--"}), options(command));
+    }
+    QCOMPARE(complete({"trim", "default", "--ta"}), QStringList{"--target"});
+}
+
+void TestCliPapers::completionOffersConfigurationsAndFormats()
+{
+    for (const char* name : {"bench.cfg", "other.txt"}) {
+        QFile file(cli.path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QCOMPARE(complete({"signal", ""}), (QStringList{"bench.cfg", "default"}));
+    QCOMPARE(complete({"signal", "default", "--format", "w"}), (QStringList{"wav", "wv"}));
+}
+
+QTEST_GUILESS_MAIN(TestCliPapers)
+#include "test_cli_papers.moc"
