@@ -6,6 +6,7 @@
 #include "campaign/result_json.h"
 #include "campaign/simulated_bench.h"
 #include "campaign/subtraction.h"
+#include "campaign/theory.h"
 #include "cli/device_argument.h"
 #include "cli/made_signal.h"
 #include "cli/progress.h"
@@ -34,7 +35,31 @@ struct Request
     double settleSeconds = 0.0;
     std::optional<double> limit;
     std::optional<NprResult> without; // the device
+    std::optional<Chain> theory;
 };
+
+// The chain of "--theory"; a converter has the full scale of the simulated one unless it is given.
+Chain theoryChain(const QString& text, const std::optional<Chain>& simulated)
+{
+    if (text == "same" && !simulated) {
+        failUsage(QStringLiteral("--theory same is that of the device of --simulate; name one"));
+    }
+    Chain chain = text == "same" ? *simulated : chainOf(text, "--theory");
+    if (!Theory::isIn(chain.device)) {
+        failUsage("--theory: there is none of " + chain.device.name);
+    }
+    const bool isConverter = chain.device.name == "adc";
+    const bool hasScale =
+        text == "same" || text.contains("full-scale=") || text.contains("loading=");
+    if (isConverter && !hasScale) {
+        if (!simulated || simulated->device.name != "adc") {
+            failUsage(QStringLiteral("--theory adc needs full-scale=DBM"));
+        }
+        chain.device.fullScale = simulated->device.fullScale;
+        chain.device.loadingFactor = simulated->device.loadingFactor;
+    }
+    return chain;
+}
 
 NprResult readResult(const QString& path)
 {
@@ -62,6 +87,9 @@ Request requestOf(const Arguments& arguments)
                                      request.simulated ? 0.0 : usualSettling);
     if (arguments.has("limit")) {
         request.limit = numberOf(arguments.value("limit"), "--limit", {-300.0, 300.0, "dB"});
+    }
+    if (arguments.has("theory")) {
+        request.theory = theoryChain(arguments.value("theory"), request.simulated);
     }
     if (arguments.has("subtract")) {
         request.without = readResult(arguments.value("subtract"));
@@ -111,6 +139,18 @@ void requireNotchMode(const MeasurementSetup& setup)
     (void)requireNotches(setup);
 }
 
+CampaignPlan planOf(const MeasurementSetup& setup, const Request& request, const Measuring& wanted,
+                    double presentLevel, const Session& session)
+{
+    CampaignPlan plan;
+    plan.levels = wanted.levels.isEmpty() ? QVector<double>{presentLevel} : wanted.levels;
+    plan.notches = chosenNotches(session.arguments, setup);
+    requireLines(plan.notches);
+    plan.averages = request.averages;
+    plan.settleSeconds = request.settleSeconds;
+    return plan;
+}
+
 ConfigSections configSectionsOf(const MeasurementSetup& setup)
 {
     ConfigSections sections;
@@ -154,6 +194,38 @@ ChosenBench simulatedBench(const MeasurementSetup& setup, const Request& request
     return {std::make_shared<SimulatedBench>(setup.forOtherThread(), *request.simulated,
                                              request.simulatedText),
             InstrumentBench(setup).presentLevel()};
+}
+
+QVector<NprPoint> theoryPoints(const MeasurementSetup& setup, const Chain& chain,
+                               const CampaignPlan& plan)
+{
+    const Theory theory(setup.signal, setup.sampleRate, chain, plan.notches);
+    QVector<NprPoint> points;
+    for (const double level : plan.levels) {
+        const QVector<std::optional<double>> ratios = theory.at(level);
+        for (int k = 0; k < ratios.size(); ++k) {
+            NprPoint point;
+            point.level = level;
+            point.notch = plan.notches.at(k).number;
+            point.npr = ratios.at(k);
+            points << point;
+        }
+    }
+    return points;
+}
+
+ResultContext contextOf(const MeasurementSetup& setup, const Request& request,
+                        const CampaignPlan& plan, const Session& session, const Measuring& wanted)
+{
+    ResultContext context;
+    context.limit = request.limit;
+    context.thresholds = wanted.thresholds;
+    if (request.theory) {
+        const QString name = session.arguments.value("theory");
+        context.theoryName = "theory " + (name == "same" ? request.simulatedText : name);
+        context.theory = theoryPoints(setup, *request.theory, plan);
+    }
+    return context;
 }
 
 QString durationText(double seconds)
@@ -254,25 +326,18 @@ void conclude(NprResult& result, const CampaignOutcome& outcome, const Request& 
     }
 }
 
-ExitStatus measureOn(const ChosenBench& chosen, CampaignPlan plan, NprResult result,
-                     const Request& request, const Measuring& wanted, const Session& session)
+// Writes what was measured whatever the campaign's end; the first failure decides the status.
+void putOutAfter(ExitStatus status, const NprResult& result, const ResultContext& context,
+                 const Session& session)
 {
-    plan.levels = wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels;
-    if (const auto* instruments = dynamic_cast<const InstrumentBench*>(chosen.bench.get())) {
-        tellBeforehand(*instruments, plan, session.console);
-    }
-    const CampaignOutcome outcome = run(plan, chosen.bench, session);
-    conclude(result, outcome, request, wanted, session);
-    const ExitStatus status = statusOf(outcome, result, request, session);
     try {
-        putOut(result, session.arguments, session.console);
+        putOut(result, context, session.arguments, session.console);
     } catch (const Failure& failure) {
         if (status == ExitStatus::Done || status == ExitStatus::LimitMissed) {
             throw;
         }
-        session.console.message(failure.text); // the first failure decides the status
+        session.console.message(failure.text);
     }
-    return status;
 }
 
 } // namespace
@@ -290,6 +355,8 @@ Options measuringOptions()
                {"settle", "SECONDS",
                 "Wait after each change of level; 0 in simulation, 0.1 otherwise."},
                {"limit", "DB", "A reading below it fails, and the status is 1."},
+               {"theory", "DEVICE[,KEY=VALUE...]|same",
+                "Add the closed form of a device, or of the same one that is simulated."},
                {"subtract", "FILE.json",
                 "A result measured without the device, whose distortion and noise are subtracted."},
            } +
@@ -303,21 +370,26 @@ ExitStatus measure(const Session& session, const Measuring& wanted)
     requireNotchMode(setup);
     NprResult result;
     result.program = QStringLiteral("notchbench-cli " NOTCHBENCH_VERSION);
+    // Deliberate: in whole seconds and UTC, the only member that two runs of a command differ in.
     result.started = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
     result.config = configSectionsOf(setup);
     makeSignal(setup);
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     warnUnlessNoiseLike(statistics, session.console);
     result.signal = figuresOf(setup, statistics);
-    CampaignPlan plan;
-    plan.notches = chosenNotches(session.arguments, setup);
-    requireLines(plan.notches);
-    plan.averages = request.averages;
-    plan.settleSeconds = request.settleSeconds;
     const ChosenBench chosen = request.simulated
                                    ? simulatedBench(setup, request)
                                    : ChosenBench{std::make_shared<InstrumentBench>(setup),
                                                  InstrumentBench(setup).presentLevel()};
+    const CampaignPlan plan = planOf(setup, request, wanted, chosen.presentLevel, session);
+    const ResultContext context = contextOf(setup, request, plan, session, wanted);
     setup.signal = SignalData(); // the bench has it, where it plays it
-    return measureOn(chosen, plan, result, request, wanted, session);
+    if (const auto* instruments = dynamic_cast<const InstrumentBench*>(chosen.bench.get())) {
+        tellBeforehand(*instruments, plan, session.console);
+    }
+    const CampaignOutcome outcome = run(plan, chosen.bench, session);
+    conclude(result, outcome, request, wanted, session);
+    const ExitStatus status = statusOf(outcome, result, request, session);
+    putOutAfter(status, result, context, session);
+    return status;
 }

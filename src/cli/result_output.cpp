@@ -3,6 +3,7 @@
 #include "base/whole_file.h"
 #include "campaign/result_csv.h"
 #include "campaign/result_json.h"
+#include "chart/chart_file.h"
 #include "cli/exit_status.h"
 #include "cli/text_table.h"
 
@@ -60,6 +61,15 @@ QString verdict(const NprPoint& point)
                            : QStringLiteral("FAIL");
 }
 
+std::optional<double> ratioAt(const NprPoint& place, const QVector<NprPoint>& points)
+{
+    const auto* const found =
+        std::find_if(points.begin(), points.end(), [&place](const NprPoint& point) {
+            return point.level == place.level && point.notch == place.notch;
+        });
+    return found == points.end() ? std::nullopt : found->npr;
+}
+
 bool writesTo(const Arguments& arguments, const QString& file)
 {
     return std::any_of(std::begin(forms), std::end(forms), [&](const Form& form) {
@@ -89,7 +99,8 @@ Options resultOptions()
              "(import as English).",
              true},
             {"json", "FILE",
-             "Write everything as JSON, which --subtract reads; - is standard output.", true}};
+             "Write everything as JSON, which --subtract reads; - is standard output.", true},
+            {"plot", "FILE.png|FILE.svg", "Draw NPR over level.", true}};
 }
 
 void checkResultOptions(const Arguments& arguments)
@@ -101,49 +112,70 @@ void checkResultOptions(const Arguments& arguments)
             failUsage(QStringLiteral("--%1 needs the name of a file").arg(form.option));
         }
     }
+    for (const QString& file : arguments.values("plot")) {
+        if (!isChartFile(file)) {
+            failUsage("--plot takes a name that ends in .png or .svg, not \"" + file + '"');
+        }
+    }
     if (toStandardOutput > 1) {
         failUsage(QStringLiteral("standard output takes one result only: give - once"));
     }
 }
 
-void putOut(const NprResult& result, const Arguments& arguments, Console& console)
+void putOut(const NprResult& result, const ResultContext& context, const Arguments& arguments,
+            Console& console)
 {
-    QString unwritten;
+    QStringList unwritten;
     for (const Form& form : forms) {
         for (const QString& file : arguments.values(form.option)) {
             const QByteArray bytes = form.bytes(result);
             if (file == standardOutput) {
                 console.printBytes(bytes);
-            } else if (!hasWritten(bytes, file) && unwritten.isEmpty()) {
-                unwritten = file;
+            } else if (!hasWritten(bytes, file)) {
+                unwritten << file;
             }
         }
     }
+    for (const QString& file : arguments.values("plot")) {
+        if (!saveChart(chartOf(result, context), file)) {
+            unwritten << file;
+        }
+    }
     if (!writesTo(arguments, standardOutput)) {
-        console.print(pointTable(result.points, console));
+        console.print(pointTable(result.points, context.theory, console));
         if (!result.curves.isEmpty()) {
             console.print('\n' + curveTable(result.curves, console));
         }
     }
     if (!unwritten.isEmpty()) {
-        failFile("can't write " + unwritten + "; is there such a folder, and room on its disk?");
+        failFile("can't write " + unwritten.join(", ") +
+                 "; is there such a folder, and room on its disk?");
     }
 }
 
-QString pointTable(const QVector<NprPoint>& points, const Console& console)
+QString pointTable(const QVector<NprPoint>& points, const QVector<NprPoint>& theory,
+                   const Console& console)
 {
-    TextTable table({Align::Right, Align::Right, Align::Right, Align::Right, Align::Right,
-                     Align::Right, Align::Right, Align::Left, Align::Left},
-                    {"level/dBm", "notch", "center/MHz", "power/dBm", "NPR/dB", "sigma/dB", "EVM/%",
-                     "", "marks"});
+    QVector<Align> columns(8, Align::Right);
+    QStringList headings{"level/dBm", "notch",    "center/MHz", "power/dBm",
+                         "NPR/dB",    "sigma/dB", "theory/dB",  "EVM/%"};
+    if (theory.isEmpty()) {
+        columns.removeLast();
+        headings.removeAll("theory/dB");
+    }
+    TextTable table(columns << Align::Left << Align::Left, headings << ""
+                                                                    << "marks");
     for (const NprPoint& point : points) {
         const int decimals = decimalsFor(point.sigma);
-        table.addRow({rounded(point.level, 2), QString::number(point.notch),
-                      rounded(point.center / 1e6, 3), rounded(point.power, 2),
-                      rounded(point.npr, decimals), sigmaText(point.sigma),
-                      point.npr ? QString::number(*point.evmPercent(), 'g', 3) : none,
-                      verdict(point), point.marks.join(' ')},
-                     colourOf(point));
+        QStringList cells{rounded(point.level, 2),        QString::number(point.notch),
+                          rounded(point.center / 1e6, 3), rounded(point.power, 2),
+                          rounded(point.npr, decimals),   sigmaText(point.sigma)};
+        if (!theory.isEmpty()) {
+            cells << rounded(ratioAt(point, theory), 2);
+        }
+        cells << (point.npr ? QString::number(*point.evmPercent(), 'g', 3) : none) << verdict(point)
+              << point.marks.join(' ');
+        table.addRow(cells, colourOf(point));
     }
     return table.text(console);
 }

@@ -78,6 +78,8 @@ private slots:
     void mistakesAreStatusTwo();
     void aFileThatCannotBeWrittenIsStatusThree_data();
     void aFileThatCannotBeWrittenIsStatusThree();
+    void theoryStandsBesideTheReading();
+    void aPictureNeedsNoDisplay();
     void anInterruptionKeepsWhatWasMeasured_data();
     void anInterruptionKeepsWhatWasMeasured();
     void instrumentsAreMeasuredWith();
@@ -272,6 +274,13 @@ void TestCliMeasure::mistakesAreStatusTwo_data()
     QTest::newRow("no step") << curve(rapp + QStringList{"--levels", "0:1:0"}) << "step";
     QTest::newRow("average") << measuring(rapp + QStringList{"--average", "0"}) << "--average";
     QTest::newRow("settle") << measuring(rapp + QStringList{"--settle", "-1"}) << "--settle";
+    const auto theory = [](const char* text) {
+        return measuring(rapp + QStringList{"--theory", text});
+    };
+    QTest::newRow("no theory") << theory("linear") << "there is none of linear";
+    QTest::newRow("theory's scale") << theory("adc,bits=8") << "full-scale";
+    QTest::newRow("same of nothing") << measuring({"--theory", "same"}) << "--simulate";
+    QTest::newRow("plot") << measuring(rapp + QStringList{"--plot", "a.pdf"}) << ".svg";
     QTest::newRow("limit") << measuring(rapp + QStringList{"--limit", "x"}) << "--limit";
 }
 
@@ -294,6 +303,8 @@ void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree_data()
         QTest::addRow("%s, no folder", option) << option << "/nowhere/at/all";
         QTest::addRow("%s, full", option) << option << "/dev/full";
     }
+    QTest::newRow("--plot, no folder") << "--plot"
+                                       << "/nowhere/at/all.png";
 }
 
 // The table is printed all the same: what was measured isn't lost.
@@ -305,6 +316,30 @@ void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree()
     QCOMPARE(run.status, 3);
     QVERIFY(run.err.contains(file));
     QVERIFY(run.out.contains("NPR/dB"));
+}
+
+void TestCliMeasure::theoryStandsBesideTheReading()
+{
+    const CliRun run =
+        cli->run(measuring(rapp + QStringList{"--theory", "same", "--set", "Generator1/Level=-6"}));
+    QCOMPARE(run.status, 0);
+    const QStringList row = run.out.split('\n')[2].simplified().split(' ');
+    const double npr = row[4].toDouble();
+    const double sigma = row[5].toDouble();
+    const double theory = row[6].toDouble();
+    QVERIFY2(std::abs(npr - theory) < 4.0 * sigma, qPrintable(run.out));
+    QVERIFY(theory > 24.49 && theory < 25.2); // 24.49 dB for a notch without width
+}
+
+void TestCliMeasure::aPictureNeedsNoDisplay()
+{
+    const QStringList pictures{"--plot", cli->path("c.png"), "--plot", cli->path("c.svg")};
+    const CliRun run = cli->run(
+        curve(rapp + pictures +
+              QStringList{"--levels", "-12:0:2", "--threshold", "25", "--theory", "same"}));
+    QCOMPARE(run.status, 0);
+    QVERIFY(bytesOf(cli->path("c.png")).startsWith("\x89PNG"));
+    QVERIFY(bytesOf(cli->path("c.svg")).contains("<svg"));
 }
 
 void TestCliMeasure::anInterruptionKeepsWhatWasMeasured_data()

@@ -1,0 +1,86 @@
+#include "cli/result_chart.h"
+
+#include <algorithm>
+
+namespace {
+
+QVector<NprPoint> pointsOf(int notch, const QVector<NprPoint>& points)
+{
+    QVector<NprPoint> found;
+    std::copy_if(points.begin(), points.end(), std::back_inserter(found),
+                 [notch](const NprPoint& point) { return point.notch == notch; });
+    std::stable_sort(found.begin(), found.end(),
+                     [](const NprPoint& a, const NprPoint& b) { return a.level < b.level; });
+    return found;
+}
+
+QVector<int> notchesOf(const QVector<NprPoint>& points)
+{
+    QVector<int> numbers;
+    for (const NprPoint& point : points) {
+        if (!numbers.contains(point.notch)) {
+            numbers << point.notch;
+        }
+    }
+    return numbers;
+}
+
+ChartLine lineOf(const QVector<NprPoint>& points)
+{
+    const NprPoint& first = points.constFirst();
+    ChartLine line;
+    line.name = QStringLiteral("notch %1, %2 MHz")
+                    .arg(first.notch)
+                    .arg(QString::number(first.center / 1e6, 'g', 4));
+    for (const NprPoint& point : points) {
+        line.points << ChartPoint{point.level, point.npr, point.sigma};
+    }
+    return line;
+}
+
+void addCurve(const NprCurve& curve, ChartLine& line)
+{
+    if (curve.peakNpr && curve.peakLevel) {
+        line.peak = QPointF(*curve.peakLevel, *curve.peakNpr);
+    }
+    for (const NprRange& range : curve.ranges) {
+        line.ranges << ChartRange{range.threshold, range.from, range.to};
+    }
+}
+
+ChartTheory theoryOf(const QString& name, const QVector<NprPoint>& points)
+{
+    ChartTheory theory;
+    theory.name = name;
+    for (const NprPoint& point : points) {
+        if (point.npr) {
+            theory.points << QPointF(point.level, *point.npr);
+        }
+    }
+    return theory;
+}
+
+} // namespace
+
+NprChartData chartOf(const NprResult& result, const ResultContext& context)
+{
+    NprChartData chart;
+    chart.device = result.bench.simulated.value_or("device measured with " + result.bench.analyzer);
+    chart.date = result.started.section('T', 0, 0);
+    chart.isNoiseLike = result.signal.noiseLike;
+    chart.limit = context.limit;
+    chart.thresholds = context.thresholds;
+    for (const int notch : notchesOf(result.points)) {
+        ChartLine line = lineOf(pointsOf(notch, result.points));
+        for (const NprCurve& curve : result.curves) {
+            if (curve.notch == notch) {
+                addCurve(curve, line);
+            }
+        }
+        chart.lines << line;
+    }
+    for (const int notch : notchesOf(context.theory)) {
+        chart.theories << theoryOf(context.theoryName, pointsOf(notch, context.theory));
+    }
+    return chart;
+}
