@@ -16,7 +16,7 @@ def load(name):
     return {run["name"].split("/iterations")[0]: run for run in report["benchmarks"]}
 
 
-runs = {name: load(name) for name in ("transform", "calculation", "files", "program")}
+runs = {name: load(name) for name in ("transform", "calculation", "curve", "files", "program")}
 
 FFT = "transform/exponent:{}/threads:{}/manual_time"
 # What is measured, benchmark, run and counter, the bound, and the unit of both.
@@ -31,6 +31,12 @@ TARGETS = [
      "calculation", "againstPeers/22/9", "against_literal", "at least", 5, "x faster"),
     ("The same against the numpy and scipy script",
      "calculation", "againstPeers/22/9", "against_numpy", "at least", 2, "x faster"),
+    ("Curve of 61 levels and 9 notches, 2^17 points, against the numpy and scipy script",
+     "curve", "curve", "against_script", "at least", 2, "x faster"),
+    ("The same, against its 61 transforms alone by FFTW on both cores",
+     "curve", "curveAndTransforms", "against_transforms", "at most", 1.3, "x its time"),
+    ("The same, peak memory of the benchmark",
+     "curve", "curve", "peak_mib", "at most", 300, "MiB"),
     ("Peak memory of the whole program, two such calculations",
      "program", "memory", "peak_MiB", "at most", 400, "MiB"),
     ("Text files of 2^22 samples, against one Qt conversion after the other",
