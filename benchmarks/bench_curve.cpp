@@ -49,7 +49,7 @@ void measureCurve(int lengthIndex)
 double scriptSeconds()
 {
     QProcess script;
-    script.start(QStringLiteral(NOTCHBENCH_NUMPY_SCRIPT), {});
+    script.start(QStringLiteral(NOTCHBENCH_NUMPY_SCRIPT), QStringList());
     script.waitForFinished(-1);
     const double seconds = script.readAllStandardOutput().trimmed().toDouble();
     return script.exitCode() == 0 ? seconds : 0.0;
