@@ -4,6 +4,7 @@
 #include "measurement/channels.h"
 
 #include <algorithm>
+#include <atomic>
 #include <utility>
 
 namespace {
@@ -103,10 +104,12 @@ void SimulatedBench::respondFrom(int first)
     firstResponse = first;
     responses = QVector<LevelResponse>(count);
     LevelResponse* const found = responses.data();
-    inParallel(static_cast<quint64>(count), threads, [this, first, count, found](Pieces& pieces) {
+    scratches.resize(static_cast<std::size_t>(threads));
+    std::atomic<std::size_t> worker{0};
+    inParallel(static_cast<quint64>(count), threads, [&, first, count, found](Pieces& pieces) {
         const std::unique_ptr<WorkAlone> alone =
             count > 1 ? std::make_unique<WorkAlone>() : nullptr;
-        Envelope scratch;
+        Envelope& scratch = scratches[worker++];
         for (quint64 piece = 0; pieces.take(piece);) {
             found[piece] = sweep->at(levels.at(first + static_cast<int>(piece)), scratch);
         }

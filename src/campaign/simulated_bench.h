@@ -7,6 +7,8 @@
 #include "dut/level_sweep.h"
 #include "setup/measurement_setup.h"
 
+#include <vector>
+
 class SimulatedBench : public Bench
 {
 public:
@@ -39,6 +41,7 @@ private:
     QVector<NumberedNotch> notches;
     std::unique_ptr<LevelSweep> sweep;
     QVector<LevelResponse> responses; // of neighbouring levels
+    std::vector<Envelope> scratches;  // one a thread
     int firstResponse = 0;            // level of the first of them
     int level = 0;
     int notch = 0;

@@ -37,26 +37,46 @@ template <typename Gain> void scaleByPower(Envelope& envelope, Gain gain)
 
 void passLinear(const DeviceSettings& /*device*/, Envelope& /*envelope*/) {}
 
+// The gains of the usual smoothnesses, several samples at once.
+VECTOR_CLONES void bendOnce(double* i, double* q, quint64 count, double saturation)
+{
+    IN_ANY_ORDER
+    for (quint64 k = 0; k < count; ++k) {
+        const double gain = 1.0 / std::sqrt(1.0 + (i[k] * i[k] + q[k] * q[k]) / saturation);
+        i[k] *= gain;
+        q[k] *= gain;
+    }
+}
+
+VECTOR_CLONES void bendTwice(double* i, double* q, quint64 count, double saturation)
+{
+    IN_ANY_ORDER
+    for (quint64 k = 0; k < count; ++k) {
+        const double over = (i[k] * i[k] + q[k] * q[k]) / saturation;
+        const double gain = 1.0 / std::sqrt(std::sqrt(1.0 + over * over));
+        i[k] *= gain;
+        q[k] *= gain;
+    }
+}
+
 // Amplitude a becomes a / (1 + (a/A)^2p)^(1/2p) with the saturation amplitude A; the phase stays.
 // The usual smoothnesses go without powers, which take ten times as long.
 void passRapp(const DeviceSettings& device, Envelope& envelope)
 {
     const double saturation = milliwatts(device.saturationPower);
     const double p = device.smoothness;
-    if (p == 1.0) {
-        scaleByPower(envelope, [saturation](double power) {
-            return 1.0 / std::sqrt(1.0 + power / saturation);
+    if (p == 1.0 || p == 2.0) {
+        double* const iSamples = envelope.iSamples.data();
+        double* const qSamples = envelope.qSamples.data();
+        const auto bend = p == 1.0 ? bendOnce : bendTwice;
+        inRuns(static_cast<quint64>(envelope.size()), [=](quint64 first, quint64 last) {
+            bend(iSamples + first, qSamples + first, last - first, saturation);
         });
-    } else if (p == 2.0) {
-        scaleByPower(envelope, [saturation](double power) {
-            const double over = power / saturation;
-            return 1.0 / std::sqrt(std::sqrt(1.0 + over * over));
-        });
-    } else {
-        scaleByPower(envelope, [saturation, p](double power) {
-            return std::pow(1.0 + std::pow(power / saturation, p), -0.5 / p);
-        });
+        return;
     }
+    scaleByPower(envelope, [saturation, p](double power) {
+        return std::pow(1.0 + std::pow(power / saturation, p), -0.5 / p);
+    });
 }
 
 // Linear up to the saturation amplitude, constant above.

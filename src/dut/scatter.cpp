@@ -1,5 +1,7 @@
 #include "dut/scatter.h"
 
+#include "transform/vector_clones.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -49,7 +51,7 @@ DistortionEnergy& DistortionEnergy::operator+=(const DistortionEnergy& other)
     return *this;
 }
 
-std::complex<double> correlatedGain(const Envelope& input, const Envelope& output)
+VECTOR_CLONES std::complex<double> correlatedGain(const Envelope& input, const Envelope& output)
 {
     const Parts x(input);
     const Parts y(output);

@@ -14,7 +14,7 @@ constexpr int parts = SomeLines::shortestPeriod; // into which a period is dealt
 constexpr int lanes = 8;                         // parts that are transformed side by side
 constexpr int runLength = 512; // lines between two exact starts of the recurrence of twiddles
 
-constexpr int cachedRows = 8192; // of lanes, a MiB
+constexpr int cachedRows = 4096; // of lanes, half a MiB
 
 static_assert(parts % lanes == 0);
 

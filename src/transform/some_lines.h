@@ -1,5 +1,5 @@
 // Some lines of the spectrum of a long period, for a fraction of what all of them cost: the period
-// is dealt out to 64 short ones, whose transforms run eight abreast in the cache, and only the
+// is dealt out to 32 short ones, whose transforms run eight abreast in the cache, and only the
 // lines that are asked for are put together from them.
 //
 // The result depends on the samples alone, not on the number of cores. Any number of threads may
@@ -20,7 +20,7 @@ public:
         int count;
     };
 
-    static constexpr int shortestPeriod = 64;
+    static constexpr int shortestPeriod = 32;
 
     // period: number of samples, a power of two of at least shortestPeriod.
     SomeLines(int period, QVector<Range> ranges);
