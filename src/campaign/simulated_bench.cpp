@@ -46,7 +46,7 @@ QString SimulatedBench::objectionTo(const SignalData& signal)
     const bool isPowerOfTwo = length > 0 && (length & (length - 1)) == 0;
     return isPowerOfTwo && length >= SomeLines::shortestPeriod
                ? QString()
-               : QStringLiteral("a simulated device needs a signal of 64, 128, 256 ... points, "
+               : QStringLiteral("a simulated device needs a signal of 32, 64, 128 ... points, "
                                 "this one has %1")
                      .arg(length);
 }

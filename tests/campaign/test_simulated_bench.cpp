@@ -297,8 +297,8 @@ void TestSimulatedBench::aSignalOfOddLengthIsRefused()
     QCOMPARE(outcome.ending, CampaignOutcome::Ending::Failed);
     QVERIFY(outcome.failure.contains("1000"));
     QVERIFY(outcome.points.isEmpty());
-    QVERIFY(SimulatedBench::objectionTo(SignalData(64)).isEmpty());
-    QVERIFY(!SimulatedBench::objectionTo(SignalData(32)).isEmpty());
+    QVERIFY(SimulatedBench::objectionTo(SignalData(32)).isEmpty());
+    QVERIFY(!SimulatedBench::objectionTo(SignalData(16)).isEmpty());
     QVERIFY(!SimulatedBench::objectionTo(SignalData()).isEmpty());
 }
 

@@ -67,7 +67,7 @@ private slots:
 void TestSomeLines::linesAreThoseOfTheDefinition_data()
 {
     QTest::addColumn<int>("count");
-    for (const int count : {64, 128, 256, 512, 1024, 2048}) {
+    for (const int count : {32, 64, 128, 256, 512, 1024, 2048}) {
         QTest::newRow(qPrintable(QString::number(count))) << count;
     }
 }
