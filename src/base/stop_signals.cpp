@@ -70,7 +70,7 @@ StopSignals::~StopSignals()
     close(ends[1]);
 }
 
-int StopSignals::received() const
+int StopSignals::received()
 {
     return firstSignal;
 }

@@ -21,8 +21,8 @@ public:
     StopSignals(const StopSignals&) = delete;
     StopSignals& operator=(const StopSignals&) = delete;
 
-    // The number of the first one that came, 0 before. Any thread.
-    int received() const;
+    // The number of the first one that came since an object was made, 0 before. Any thread.
+    static int received();
 
 signals:
     void requested();

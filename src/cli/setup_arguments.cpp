@@ -1,6 +1,7 @@
 #include "cli/setup_arguments.h"
 
 #include "base/regular_file.h"
+#include "base/stop_signals.h"
 #include "cli/exit_status.h"
 #include "cli/nearest_name.h"
 #include "cli/values.h"
@@ -11,26 +12,50 @@
 #include <QTextStream>
 
 #include <algorithm>
-#include <cstdio>
 #include <tuple>
+
+#include <poll.h>
+#include <unistd.h>
 
 namespace {
 
-QString textOf(QIODevice& source, const QString& name)
+QString textOf(const QByteArray& bytes, const QString& name)
 {
-    const QByteArray bytes = source.read(mostConfigBytes + 1);
     if (bytes.size() > mostConfigBytes) {
         failFile(QStringLiteral("%1 is no configuration: it has more than 16 MiB").arg(name));
     }
     return QTextStream(bytes).readAll();
 }
 
+// Up to its end. Somebody who forgot that it is awaited ends the wait by Ctrl+C.
+QByteArray readStandardInput()
+{
+    constexpr int patience = 200; // ms, for a signal that came just before the wait
+    QByteArray all;
+    char piece[65536];
+    while (all.size() <= mostConfigBytes) {
+        pollfd input{STDIN_FILENO, POLLIN, 0};
+        const int ready = poll(&input, 1, patience);
+        if (StopSignals::received() != 0) {
+            throw Failure{statusOfSignal(StopSignals::received()), "interrupted"};
+        }
+        if (ready <= 0) {
+            continue;
+        }
+        const ssize_t count = read(STDIN_FILENO, piece, sizeof(piece));
+        if (count <= 0) {
+            break;
+        }
+        all.append(piece, static_cast<int>(count));
+    }
+    return all;
+}
+
 QString textOfConfig(const QString& path)
 {
     QFile file(path);
     if (path == "-") {
-        (void)file.open(stdin, QIODevice::ReadOnly);
-        return textOf(file, QStringLiteral("standard input"));
+        return textOf(readStandardInput(), QStringLiteral("standard input"));
     }
     if (!openRegular(file)) {
         const QString reason = !file.exists()              ? "there is no such file"
@@ -38,7 +63,7 @@ QString textOfConfig(const QString& path)
                                                            : file.errorString();
         failFile(QStringLiteral("can't read configuration %1: %2").arg(path, reason));
     }
-    return textOf(file, path);
+    return textOf(file.read(mostConfigBytes + 1), path);
 }
 
 void tellIgnoredLines(const QString& name, const QString& text, Console& console)

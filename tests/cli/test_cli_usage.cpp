@@ -4,6 +4,8 @@
 #include <QFile>
 #include <QtTest>
 
+#include <csignal>
+
 namespace {
 
 const char oneNotch[] = "[NPR]\nFFT Len = 4096\nNBW/SRate = 0.8\n\n[Notch 1]\nfcenter = 1e+07\n"
@@ -21,6 +23,14 @@ QString valueOf(const CliRun& run, const QString& row)
     return "no row";
 }
 
+bool catches(qint64 process, int signal)
+{
+    QFile state(QString("/proc/%1/status").arg(process));
+    const QByteArray text = state.open(QIODevice::ReadOnly) ? state.readAll() : QByteArray();
+    const QByteArray mask = text.mid(text.indexOf("SigCgt:") + 7).simplified().split(' ').value(0);
+    return ((mask.toULongLong(nullptr, 16) >> (signal - 1)) & 1U) != 0;
+}
+
 } // namespace
 
 class TestCliUsage : public QObject
@@ -35,6 +45,7 @@ private slots:
     void mistakesAreOneLineAndStatusTwo_data();
     void mistakesAreOneLineAndStatusTwo();
     void configComesFromAFileOrFromStandardInput();
+    void theWaitForStandardInputEndsByASignal();
     void setOverridesALineOfTheConfiguration();
     void aRowOfTheNotchTableCanBeOverridden();
     void ignoredLinesAreNamedWithTheirNumber();
@@ -158,6 +169,19 @@ void TestCliUsage::configComesFromAFileOrFromStandardInput()
     QCOMPARE(valueOf(fromFile, "notches"), QString("1"));
     QCOMPARE(cli->run({"signal", "-"}, oneNotch).out, fromFile.out);
     QCOMPARE(valueOf(cli->run({"signal", "default"}), "length"), QString("131072"));
+}
+
+void TestCliUsage::theWaitForStandardInputEndsByASignal()
+{
+    cli->process.start(NOTCHBENCH_CLI, {"signal", "-"});
+    QVERIFY(cli->process.waitForStarted());
+    // The program catches signals by the time that it waits for its input.
+    const qint64 process = cli->process.processId();
+    QTRY_VERIFY(catches(process, SIGTERM) && catches(process, SIGINT));
+    QCOMPARE(kill(pid_t(cli->process.processId()), SIGTERM), 0);
+    QVERIFY(cli->process.waitForFinished(10000));
+    QCOMPARE(cli->process.exitCode(), 143);
+    QCOMPARE(cli->process.readAllStandardError(), QByteArray("notchbench-cli: interrupted\n"));
 }
 
 void TestCliUsage::setOverridesALineOfTheConfiguration()

@@ -1,5 +1,6 @@
 // Every file that is written, onto disks that are full and into places that take nothing: no word,
 // no end of the program, and what stood there before stands there still.
+#include "files/magnitude_phase_output.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
 #include "setup/config_file.h"
@@ -86,6 +87,8 @@ struct Form
 
 const QMap<QByteArray, Form> forms = {
     {"configuration", {[](const QString& base) { saveLongConfig(base + ".cfg"); }, {".cfg"}}},
+    {"spectrum",
+     {[](const QString& base) { saveMagnitudePhaseFile(longSignal(), base + ".pmc"); }, {".pmc"}}},
     {"text",
      {[](const QString& base) { saveWaveform(base + ".i", longSignal(), 1e8); }, {".i", ".q"}}},
     {"WAV",
@@ -122,6 +125,7 @@ private slots:
     void fullDiskLeavesTheFormerFiles();
     void nothingIsLeftOnAFullDisk_data() { allForms(); }
     void nothingIsLeftOnAFullDisk();
+    void writersOfSignalsTellWhetherTheyWrote();
     void fullSecondFileLeavesTheFirstAsItWas();
     void placesThatTakeNothingGoUnnoticed_data() { allForms(); }
     void placesThatTakeNothingGoUnnoticed();
@@ -211,6 +215,22 @@ void TestFullDisk::nothingIsLeftOnAFullDisk()
         forms[name].save(base());
     }
     QVERIFY(QDir(folder->path()).isEmpty());
+}
+
+void TestFullDisk::writersOfSignalsTellWhetherTheyWrote()
+{
+    const SignalData signal = longSignal();
+    for (const char* ending : {".i", ".q.wav", ".wv"}) {
+        QVERIFY(saveWaveform(base() + ending, signal, 1e8));
+        QVERIFY(!saveWaveform(base() + "/none" + ending, signal, 1e8));
+        const SizeLimit limit(diskSize);
+        QVERIFY(!saveWaveform(base() + ending, signal, 1e8));
+    }
+    QVERIFY(!saveWaveform(base() + ".txt", signal, 1e8));
+    QVERIFY(saveMagnitudePhaseFile(signal, base() + ".pmc"));
+    QVERIFY(!saveMagnitudePhaseFile(signal, base() + "/none.pmc"));
+    const SizeLimit limit(diskSize);
+    QVERIFY(!saveMagnitudePhaseFile(signal, base() + ".pmc"));
 }
 
 // The sign makes the second file longer than the first.

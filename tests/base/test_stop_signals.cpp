@@ -1,0 +1,98 @@
+// What the first and the second signal do, in processes of their own.
+#include "base/stop_signals.h"
+
+#include <QCoreApplication>
+#include <QSignalSpy>
+#include <QtTest>
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+// The status that a child ends with.
+template <typename Work> int statusOf(Work work)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(work());
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+} // namespace
+
+class TestStopSignals : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void theFirstIsToldAndKept_data();
+    void theFirstIsToldAndKept();
+    void theSecondEndsTheProcessWhereAsked();
+    void theSecondIsLikeTheFirstOtherwise();
+    void anewOneHasReceivedNothing();
+};
+
+void TestStopSignals::theFirstIsToldAndKept_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void TestStopSignals::theFirstIsToldAndKept()
+{
+    QFETCH(int, number);
+    const StopSignals stop;
+    QSignalSpy requested(&stop, &StopSignals::requested);
+    QCOMPARE(StopSignals::received(), 0);
+    raise(number);
+    QCOMPARE(StopSignals::received(), number);
+    QTRY_COMPARE(requested.count(), 1);
+}
+
+void TestStopSignals::theSecondEndsTheProcessWhereAsked()
+{
+    QCOMPARE(statusOf([] {
+                 const StopSignals stop(StopSignals::Second::EndsTheProcess);
+                 raise(SIGINT);
+                 raise(SIGTERM);
+                 return 1;
+             }),
+             143);
+    QCOMPARE(statusOf([] {
+                 const StopSignals stop(StopSignals::Second::EndsTheProcess);
+                 raise(SIGINT);
+                 raise(SIGINT);
+                 return 1;
+             }),
+             130);
+}
+
+void TestStopSignals::theSecondIsLikeTheFirstOtherwise()
+{
+    QCOMPARE(statusOf([] {
+                 const StopSignals stop;
+                 raise(SIGINT);
+                 raise(SIGTERM);
+                 return StopSignals::received();
+             }),
+             SIGINT);
+}
+
+void TestStopSignals::anewOneHasReceivedNothing()
+{
+    {
+        const StopSignals stop;
+        raise(SIGINT);
+    }
+    const StopSignals stop;
+    QCOMPARE(StopSignals::received(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestStopSignals)
+#include "test_stop_signals.moc"
