@@ -261,7 +261,8 @@ void Painter::addLegend()
     const int columns = columnsOf(entries, place.legend.width(), place.text);
     const double left = place.legend.center().x() - columns * width / 2.0;
     for (int i = 0; i < entries.size(); ++i) {
-        const double y = place.legend.top() + i / columns * lineHeight * place.text;
+        const int row = i / columns;
+        const double y = place.legend.top() + row * lineHeight * place.text;
         addEntry(entries.at(i), {std::max(left, place.legend.left()) + i % columns * width, y});
     }
 }
