@@ -27,7 +27,7 @@ void Progress::show(qint64 done, qint64 total)
 
 QString progressLine(const QString& things, qint64 done, qint64 total, qint64 elapsedMs)
 {
-    const QString counted = QStringLiteral("%1 of %2 %3").arg(done).arg(total).arg(things);
+    QString counted = QStringLiteral("%1 of %2 %3").arg(done).arg(total).arg(things);
     if (done <= 0 || elapsedMs <= 0) {
         return counted;
     }

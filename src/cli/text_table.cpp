@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-TextTable::TextTable(QVector<Align> alignments, QStringList headings)
+TextTable::TextTable(QVector<Align> alignments, const QStringList& headings)
     : columns(std::move(alignments))
 {
     if (!headings.isEmpty()) {

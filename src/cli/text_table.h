@@ -12,7 +12,7 @@ class TextTable
 {
 public:
     // A column for each alignment; headings may be empty for a table without them.
-    TextTable(QVector<Align> alignments, QStringList headings = {});
+    TextTable(QVector<Align> alignments, const QStringList& headings = {});
 
     // A cell a column, printed in a colour.
     void addRow(const QStringList& cells, Colour colour = Colour::Plain);

@@ -67,6 +67,12 @@ QString complaintOfKey(const ConfigLine& line, const QVector<ConfigKey>& keys)
     return {};
 }
 
+bool isCutOff(const QString& text, const QVector<ConfigLine>& lines)
+{
+    return !lines.isEmpty() && !text.endsWith(QLatin1Char('\n')) &&
+           !text.endsWith(QLatin1Char('\r'));
+}
+
 // Empty when there is none.
 QString complaintOf(const ConfigLine& line, const LastLines& last)
 {
@@ -98,6 +104,9 @@ QVector<ConfigComplaint> ignoredConfigLines(const QString& text)
         if (!complaint.isEmpty()) {
             complaints.append({line.number, complaint});
         }
+    }
+    if (isCutOff(text, lines)) {
+        complaints.last() = {lines.last().number, QStringLiteral("ignored: it has no line end")};
     }
     return complaints;
 }

@@ -16,7 +16,8 @@
 #include <QStringList>
 #include <QVector>
 
-constexpr qint64 mostConfigBytes = 16 * 1048576; // a table of 999 rows takes a fifth of one MiB
+constexpr qint64 mostConfigBytes =
+    qint64{16} * 1048576; // a table of 999 rows takes a fifth of one MiB
 
 // A new record; whatever the file does not carry has its default. Never fails: without a readable
 // file the record is the default one. A file of more than 16 MiB counts as one without a section.

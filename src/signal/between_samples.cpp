@@ -10,10 +10,11 @@ void shiftSamples(SignalData& to, const SignalData& from, double samples)
     to = from;
     const auto n = static_cast<quint32>(from.length);
     const double turn = turnOfShift(from, samples);
+    const double carrier = n / 2; // NOLINT(bugprone-integer-division): n is a power of two
     double* phase = to.phase.data();
     inRuns(n, [=](quint64 first, quint64 last) {
         for (quint64 i = first; i < last; ++i) {
-            phase[i] += (double(i) - double(n / 2)) * turn;
+            phase[i] += (double(i) - carrier) * turn;
         }
     });
     to.buildTransformInput();

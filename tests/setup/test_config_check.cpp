@@ -36,6 +36,7 @@ private slots:
     void whatTheProgramWritesIsReadWhole();
     void unknownSectionsAndKeysAreTold();
     void linesOfAnotherFormAreTold();
+    void aLastLineWithoutAnEndIsTold();
     void everyLineEndCountsOnce();
     void whatComesAgainReplacesWhatWasThere();
     void valuesOfTheWrongKindAreTold();
@@ -65,6 +66,13 @@ void TestConfigCheck::linesOfAnotherFormAreTold()
     // line has no end.
     QCOMPARE(numbers("[NPR]\nSeed = 2\n# comment\nSRate = 1\n[User]\n[TCP/IP]\nPort = 1\nPort = 2"),
              (QVector<int>{3, 4, 5, 8}));
+}
+
+void TestConfigCheck::aLastLineWithoutAnEndIsTold()
+{
+    QCOMPARE(complaints("[NPR]\nSeed = 1\nSRate = 2"),
+             QStringList{"3: ignored: it has no line end"});
+    QCOMPARE(complaints("[NPR]\nSeed = 1\n[User]"), QStringList{"3: ignored: it has no line end"});
 }
 
 void TestConfigCheck::everyLineEndCountsOnce()
