@@ -8,11 +8,7 @@
 const QVector<Command>& commandTable()
 {
     static const QVector<Command> commands = {
-        signalCommand(),
-        trimCommand(),
-        measureCommand(),
-        curveCommand(),
-        serveCommand(),
+        signalCommand(), trimCommand(), measureCommand(), curveCommand(), serveCommand(),
     };
     return commands;
 }

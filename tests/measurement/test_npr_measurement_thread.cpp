@@ -288,7 +288,7 @@ void TestNprMeasurementThread::aFailingDeviceDoesNotFillTheQueue()
     QThread::msleep(100);
     QCOMPARE(failures.taken().size(), 3);
     QTRY_VERIFY(failures.taken().size() > 5); // and goes on with it
-    thread.stop(); // while there is somebody to count
+    thread.stop();                            // while there is somebody to count
     QVERIFY(thread.wait(10000));
 }
 
