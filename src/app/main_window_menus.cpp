@@ -39,9 +39,8 @@ void MainWindow::on_actionLoad_Cfg_File_triggered()
     // The table connection belongs to the old model, which may live on in a copy.
     disconnectTable();
     retireLinks();
-    if (setup.measureMode !=
-        MeasureMode::Single) {     // or else it sleeps, and there's nothing to wait for
-        measurementThread.pause(); // the loaded record is in "Single"
+    if (setup.measureMode != MeasureMode::Single) { // where it sleeps already
+        measurementThread.pause();                  // the loaded record is in "Single"
     }
     setup = loadConfig(name);
     measurementThread.setAnalyzer(setup.analyzer);
