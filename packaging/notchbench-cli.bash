@@ -10,7 +10,7 @@ _notchbench_cli() {
     fi
     case $previous in
     --format)
-        mapfile -t COMPREPLY < <(compgen -W "text wav wv" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "text wav wv npy sigmf cf32" -- "$current")
         return ;;
     --simulate | --theory)
         mapfile -t COMPREPLY < <(compgen -W "linear rapp soft saleh cubic adc same" -- "$current")

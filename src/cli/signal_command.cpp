@@ -3,71 +3,52 @@
 #include "cli/made_signal.h"
 #include "cli/nearest_name.h"
 #include "cli/setup_arguments.h"
-#include "files/waveform_output.h"
+#include "cli/signal_formats.h"
 
 #include <algorithm>
 #include <vector>
 
 namespace {
 
-struct Format
-{
-    QString name;
-    QString suffix;      // that asks for it
-    QString otherSuffix; // of its second file; empty for one file
-};
+using Formats = std::vector<SignalFormat>;
 
-const std::vector<Format>& formats()
+Formats chosenFormats(const Arguments& arguments)
 {
-    static const std::vector<Format> all = {
-        {"text", ".i", ".q"},
-        {"wav", ".i.wav", ".q.wav"},
-        {"wv", ".wv", ""},
-    };
-    return all;
-}
-
-QStringList formatNames()
-{
-    QStringList names;
-    for (const Format& format : formats()) {
-        names.append(format.name);
-    }
-    return names;
-}
-
-std::vector<Format> chosenFormats(const Arguments& arguments)
-{
-    std::vector<Format> chosen;
+    Formats chosen;
     for (const QString& name : arguments.values("format")) {
-        const auto found = std::find_if(formats().begin(), formats().end(),
-                                        [&](const Format& format) { return format.name == name; });
-        if (found == formats().end()) {
-            failUsage("--format: unknown format " + name + didYouMean(name, formatNames()));
+        const Formats& all = signalFormats();
+        const auto found = std::find_if(all.begin(), all.end(), [&](const SignalFormat& format) {
+            return format.name == name;
+        });
+        if (found == all.end()) {
+            failUsage("--format: unknown format " + name + didYouMean(name, signalFormatNames()));
         }
         chosen.push_back(*found);
     }
     if (arguments.has("out") != arguments.has("format")) {
-        failUsage("--out and --format belong together; formats are " + formatNames().join(", "));
+        failUsage("--out and --format belong together; formats are " +
+                  signalFormatNames().join(", "));
     }
     return chosen;
 }
 
-void writeSignal(const MeasurementSetup& setup, const QString& base, const Format& format,
+void writeSignal(const MeasurementSetup& setup, const QString& base, const SignalFormat& format,
                  Console& console)
 {
-    const QString file = base + format.suffix;
-    const QString files =
-        format.otherSuffix.isEmpty() ? file : file + " and " + base + format.otherSuffix;
-    if (!saveWaveform(file, setup.signal, setup.sampleRate)) {
-        failFile("can't write " + files + "; is there such a folder, and room on its disk?");
+    QStringList files;
+    for (const QString& suffix : format.suffixes) {
+        files.append(base + suffix);
     }
-    console.print("wrote " + files + '\n');
+    const QString written = files.join(" and ");
+    if (!format.write(setup, base)) {
+        failFile("can't write " + written + "; is there such a folder, and room on its disk?");
+    }
+    console.print("wrote " + written + '\n');
 }
 
 ExitStatus run(const Session& session)
 {
-    const std::vector<Format> chosen = chosenFormats(session.arguments);
+    const Formats chosen = chosenFormats(session.arguments);
     MeasurementSetup setup = readSetup(session.arguments, session.console);
     makeSignal(setup);
     const StimulusStatistics statistics = statisticsOf(setup.signal);
@@ -76,7 +57,7 @@ ExitStatus run(const Session& session)
     }
     printSignal(setup, statistics, session.console);
     warnUnlessNoiseLike(statistics, session.console);
-    for (const Format& format : chosen) {
+    for (const SignalFormat& format : chosen) {
         writeSignal(setup, session.arguments.value("out"), format, session.console);
     }
     return ExitStatus::Done;
@@ -93,7 +74,9 @@ Command signalCommand()
             Options{{"out", "BASE", "Write the signal to files whose names begin so."},
                     {"format", "FORMAT",
                      "Form of the files, once or several times: text (BASE.i, BASE.q), wav "
-                     "(BASE.i.wav, BASE.q.wav) or wv (BASE.wv).",
+                     "(BASE.i.wav, BASE.q.wav) or wv (BASE.wv) as the window writes them; npy "
+                     "(BASE.npy, complex64), sigmf (BASE.sigmf-meta, BASE.sigmf-data) or cf32 "
+                     "(BASE.cf32, I and Q in turn) in single precision, as served over TCP.",
                      true}} +
                 setupOptions(),
             run};

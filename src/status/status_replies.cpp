@@ -1,10 +1,10 @@
 #include "status/status_replies.h"
 
+#include "files/float_samples.h"
 #include "setup/measurement_setup.h"
 
 #include <QtEndian>
 
-#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -108,15 +108,9 @@ QByteArray replyTo(const QString& request, MeasurementSetup& setup)
 
 QByteArray symbolBlock(const SignalData& signal)
 {
-    const QVector<double>& i = signal.iSamples;
-    const QVector<double>& q = signal.qSamples;
-    const int count = std::max(0, std::min({signal.size(), i.size(), q.size()}));
-    QByteArray block((2 * count + 1) * wordSize, Qt::Uninitialized);
-    char* word = block.data();
-    putTag(word, Tag::Symbols);
-    for (int k = 0; k < count; ++k) {
-        putFloat(word += wordSize, i.at(k));
-        putFloat(word += wordSize, q.at(k));
-    }
+    const int count = sampleCount(signal);
+    QByteArray block(wordSize + count * floatSampleSize, Qt::Uninitialized);
+    putTag(block.data(), Tag::Symbols);
+    putFloatSamples(signal, 0, count, block.data() + wordSize);
     return block;
 }

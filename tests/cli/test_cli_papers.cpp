@@ -35,6 +35,7 @@ private slots:
     void completionOffersCommands();
     void completionOffersOptionsOfTheCommand();
     void completionOffersConfigurationsAndFormats();
+    void everyFormatIsOfferedAndInTheManPage();
 
 private:
     QStringList options(const QString& command)
@@ -110,6 +111,18 @@ void TestCliPapers::completionOffersConfigurationsAndFormats()
     }
     QCOMPARE(complete({"signal", ""}), (QStringList{"bench.cfg", "default"}));
     QCOMPARE(complete({"signal", "default", "--format", "w"}), (QStringList{"wav", "wv"}));
+}
+
+void TestCliPapers::everyFormatIsOfferedAndInTheManPage()
+{
+    const QString refusal = cli.run({"signal", "default", "--out", "x"}).err;
+    const QStringList formats = refusal.section("formats are ", 1).trimmed().split(", ");
+    QCOMPARE(complete({"signal", "default", "--format", ""}), formats);
+    const QString page =
+        textOf("notchbench-cli.1").section(".SS Of signal", 1).section(".SS", 0, 0);
+    for (const QString& format : formats) {
+        QVERIFY2(page.contains(".B " + format + '\n'), qPrintable(format));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestCliPapers)

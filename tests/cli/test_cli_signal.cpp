@@ -10,6 +10,7 @@
 
 #include <cmath>
 #include <csignal>
+#include <vector>
 
 namespace {
 
@@ -34,6 +35,8 @@ private slots:
     void init() { cli = std::make_unique<CliProcess>(); }
     void numbersAreThoseOfTheSignal();
     void filesHaveTheBytesOfTheWindow();
+    void openFormatsHoldTheSamplesInSinglePrecision();
+    void aFileThatCannotBeIsToldByName();
     void aSignalThatIsNoNoiseIsTold();
     void aTrimmedSignalIsReadBackAsItWasWritten();
     void aTargetThatCannotBeIsToldAndStatusOne();
@@ -79,6 +82,44 @@ void TestCliSignal::filesHaveTheBytesOfTheWindow()
     const QByteArray wv = samples(bytesOf(cli->path("cli.wv")));
     QVERIFY(wv.size() > 4 * 131072);
     QCOMPARE(wv, samples(bytesOf(cli->path("window.wv"))));
+}
+
+void TestCliSignal::openFormatsHoldTheSamplesInSinglePrecision()
+{
+    const CliRun run =
+        cli->run({"signal", "default", "--notches", "9,1e6,-100,0", "--set", "NPR/FFT Len=4096",
+                  "--out", "n", "--format", "npy", "--format", "sigmf", "--format", "cf32"});
+    QCOMPARE(run.status, 0);
+    QVERIFY(run.out.endsWith("wrote n.npy\nwrote n.sigmf-meta and n.sigmf-data\nwrote n.cf32\n"));
+    MeasurementSetup setup;
+    setup.fftLengthIndex = 10;
+    setup.notchCount = 9;
+    setup.notchWidth = 1e6;
+    setup.notchOffset = 0.0;
+    autoCalculateNotches(setup);
+    setup.calculateSignal();
+    std::vector<float> words;
+    for (int k = 0; k < 4096; ++k) {
+        words.push_back(float(setup.signal.iSamples.at(k)));
+        words.push_back(float(setup.signal.qSamples.at(k)));
+    }
+    const QByteArray samples(reinterpret_cast<const char*>(words.data()), 8 * 4096);
+    QCOMPARE(bytesOf(cli->path("n.cf32")), samples);
+    QCOMPARE(bytesOf(cli->path("n.sigmf-data")), samples);
+    QCOMPARE(bytesOf(cli->path("n.npy")).mid(128), samples);
+    const QByteArray metadata = bytesOf(cli->path("n.sigmf-meta"));
+    QCOMPARE(metadata.count("core:freq_lower_edge"), 9);
+    QVERIFY(metadata.contains("\"core:recorder\": \"notchbench-cli "));
+}
+
+void TestCliSignal::aFileThatCannotBeIsToldByName()
+{
+    const CliRun run = cli->run({"signal", "default", "--set", "NPR/FFT Len=256", "--out",
+                                 "missing/n", "--format", "sigmf"});
+    QCOMPARE(run.status, 3);
+    QVERIFY2(run.err.endsWith("can't write missing/n.sigmf-meta and missing/n.sigmf-data; is there "
+                              "such a folder, and room on its disk?\n"),
+             qPrintable(run.err));
 }
 
 void TestCliSignal::aSignalThatIsNoNoiseIsTold()

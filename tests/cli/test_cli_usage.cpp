@@ -138,7 +138,7 @@ void TestCliUsage::mistakesAreOneLineAndStatusTwo_data()
     row("format", {"signal", "default", "--out", "x", "--format", "wave"},
         "--format: unknown format wave; did you mean wav?");
     row("out alone", {"signal", "default", "--out", "x"},
-        "--out and --format belong together; formats are text, wav, wv");
+        "--out and --format belong together; formats are text, wav, wv, npy, sigmf, cf32");
     row("trim", {"trim", "default", "--target", "9"}, "trim needs --target DB and --out FILE.pmc");
     row("target", {"trim", "default", "--target", "low", "--out", "x"},
         "--target takes a number from 0.1 to 100 dB, not \"low\"");

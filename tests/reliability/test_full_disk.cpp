@@ -1,6 +1,7 @@
 // Every file that is written, onto disks that are full and into places that take nothing: no word,
 // no end of the program, and what stood there before stands there still.
 #include "files/magnitude_phase_output.h"
+#include "files/sample_output.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
 #include "setup/config_file.h"
@@ -69,6 +70,16 @@ SignalData longSignal()
     return signal;
 }
 
+MeasurementSetup longSetup()
+{
+    MeasurementSetup setup;
+    setup.signal = longSignal();
+    for (int row = 0; row < 999; ++row) { // metadata longer than the disk
+        setup.notches->insert(row, Notch());
+    }
+    return setup;
+}
+
 void saveLongConfig(const QString& path)
 {
     MeasurementSetup setup;
@@ -96,6 +107,12 @@ const QMap<QByteArray, Form> forms = {
       {".i.wav", ".q.wav"}}},
     {"waveform",
      {[](const QString& base) { saveWaveform(base + ".wv", longSignal(), 1e8); }, {".wv"}}},
+    {"raw samples",
+     {[](const QString& base) { writeRawFile(longSignal(), base + ".cf32"); }, {".cf32"}}},
+    {"array", {[](const QString& base) { writeNpyFile(longSignal(), base + ".npy"); }, {".npy"}}},
+    {"recording",
+     {[](const QString& base) { writeSigmfFiles(longSetup(), "bench", base); },
+      {".sigmf-data", ".sigmf-meta"}}},
 };
 
 void put(const QString& path, const QByteArray& bytes)
@@ -228,9 +245,18 @@ void TestFullDisk::writersOfSignalsTellWhetherTheyWrote()
     }
     QVERIFY(!saveWaveform(base() + ".txt", signal, 1e8));
     QVERIFY(saveMagnitudePhaseFile(signal, base() + ".pmc"));
+    QVERIFY(writeRawFile(signal, base() + ".cf32"));
+    QVERIFY(writeNpyFile(signal, base() + ".npy"));
+    QVERIFY(writeSigmfFiles(longSetup(), "bench", base()));
     QVERIFY(!saveMagnitudePhaseFile(signal, base() + "/none.pmc"));
+    QVERIFY(!writeRawFile(signal, base() + "/none.cf32"));
+    QVERIFY(!writeNpyFile(signal, base() + "/none.npy"));
+    QVERIFY(!writeSigmfFiles(longSetup(), "bench", base() + "/none"));
     const SizeLimit limit(diskSize);
     QVERIFY(!saveMagnitudePhaseFile(signal, base() + ".pmc"));
+    QVERIFY(!writeRawFile(signal, base() + ".cf32"));
+    QVERIFY(!writeNpyFile(signal, base() + ".npy"));
+    QVERIFY(!writeSigmfFiles(longSetup(), "bench", base()));
 }
 
 // The sign makes the second file longer than the first.
