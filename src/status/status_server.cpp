@@ -2,11 +2,13 @@
 
 #include "status/status_replies.h"
 
-#include <QDebug>
+#include <QFile>
+#include <QProcess>
 #include <QTcpServer>
 #include <QTcpSocket>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -15,6 +17,17 @@ constexpr int writeSize = 64000;                     // bytes of one write
 constexpr qint64 mostUnread = 1048576;               // bytes; the rest waits in the client
 constexpr qint64 mostUnsent = qint64{256} * 1048576; // bytes; a client that has not read them waits
 constexpr int mostFormerClients = 32; // each holds a descriptor, of which a process has few
+constexpr int descriptorsKept = 8;    // for files, instruments and clients to come
+
+// Without a free one the next client could not even be dropped: it would be tried again and again.
+bool descriptorsAreLeft()
+{
+    std::array<QFile, descriptorsKept> probes;
+    return std::all_of(probes.begin(), probes.end(), [](QFile& probe) {
+        probe.setFileName(QProcess::nullDevice());
+        return probe.open(QIODevice::ReadOnly);
+    });
+}
 
 } // namespace
 
@@ -64,6 +77,10 @@ void StatusServer::takeClientOf(QTcpServer* from)
     if (socket == nullptr) {
         return;
     }
+    if (!descriptorsAreLeft()) {
+        delete socket;
+        return;
+    }
     dropSurplusClients();
     watch(socket);
     client = socket;
@@ -99,7 +116,7 @@ void StatusServer::answerRequest()
     const qint64 count = client->read(buffer, sizeof(buffer));
     const QString request =
         QString::fromLocal8Bit(buffer, static_cast<int>(std::max<qint64>(count, 0)));
-    qDebug() << "<< " << request;
+    log.note(request);
     send(replyTo(request, setup));
 }
 

@@ -7,10 +7,13 @@
 //
 // Bounds: 1 MiB unread of a client, the rest waits on its side; a client with 256 MiB unsent is
 // not read until it has taken some; former clients go, the oldest first, when there are more than
-// 32 of them or when all clients together leave 256 MiB unsent.
+// 32 of them or when all clients together leave 256 MiB unsent; a client that leaves the process
+// fewer than 8 descriptors is dropped at once.
 //
 // Main thread, where alone the record changes; never blocks. No widget.
 #pragma once
+
+#include "status/request_log.h"
 
 #include <QList>
 #include <QObject>
@@ -64,4 +67,5 @@ private:
     QPointer<QTcpSocket> client; // the newest; one slot, not a list
     QList<QTcpSocket*> clients;  // all that are heard, the oldest first
     bool requestWaits = false;   // of the newest client, until it has taken more
+    RequestLog log;
 };

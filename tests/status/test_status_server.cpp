@@ -36,6 +36,8 @@ private slots:
     void askedForNewDataTheRecordForgetsThem();
     void readTakesAtMost1024Bytes();
     void unreadBytesOfAClientAreBounded();
+    void unheardBytesWaitAtTheSender_data();
+    void unheardBytesWaitAtTheSender();
     void secondClientTakesThePlaceOfTheFirst();
     void firstClientThatGoesTakesTheSecondAlong();
     void clientThatTakesNothingIsReadAgainOnceItHasTakenSome();
@@ -152,6 +154,40 @@ void TestStatusServer::unreadBytesOfAClientAreBounded()
     QTRY_COMPARE(client->socket.bytesToWrite(), 0);
     QVERIFY(mostUnread > 1000000); // it read less than it was sent
     QVERIFY(mostUnread <= 1048576);
+}
+
+void TestStatusServer::unheardBytesWaitAtTheSender_data()
+{
+    QTest::addColumn<bool>("closed");
+    QTest::addColumn<bool>("anotherPort");
+    QTest::newRow("former client") << false << false;
+    QTest::newRow("client of a port that was closed") << true << true;
+    QTest::newRow("client of a former server that stays open") << false << true;
+}
+
+void TestStatusServer::unheardBytesWaitAtTheSender()
+{
+    QFETCH(bool, closed);
+    QFETCH(bool, anotherPort);
+    constexpr int sent = 64 * 1048576; // far more than the system holds on the way
+    const auto unheard = greetedClient();
+    const QTcpSocket* peer = peers().constFirst();
+    if (closed) {
+        server->close();
+    }
+    if (anotherPort) {
+        server->listen(0);
+    }
+    const auto newest = greetedClient();
+    unheard->send(QByteArray(sent, 'x'));
+    QTRY_COMPARE(peer->bytesAvailable(), 1048576);
+    for (int i = 0; i < 20; ++i) { // the event loop turns, and whatever can move moves
+        QVERIFY(newest->isSilentBeforeIdentity());
+    }
+    QVERIFY(unheard->socket.bytesToWrite() > sent / 2);
+    QCOMPARE(peer->bytesAvailable(), 1048576);
+    QCOMPARE(unheard->socket.bytesAvailable(), 0);                      // neither answered
+    QCOMPARE(unheard->socket.state(), QAbstractSocket::ConnectedState); // nor closed
 }
 
 void TestStatusServer::secondClientTakesThePlaceOfTheFirst()
