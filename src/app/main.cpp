@@ -5,13 +5,29 @@
 
 #include <csignal>
 
+#ifdef Q_OS_UNIX
+#include "base/dropping_output.h"
+#endif
+
+namespace {
+
+// A limit on the size of files is a failed write, a reader of the messages that went away a lost
+// line, and neither the end of the program.
+void outliveFailedWrites()
+{
+#ifdef Q_OS_UNIX
+    std::signal(SIGXFSZ, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
+    dropMessagesThatWait();
+#endif
+}
+
+} // namespace
+
 int main(int argc, char* argv[])
 {
     returnFreedMemory();
-#ifdef SIGXFSZ
-    // A limit on the size of files is a failed write and not the end of the program.
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
+    outliveFailedWrites();
     prepareHouseLook();
     SteadyApplication application(argc, argv);
     applyHouseLook(application);
