@@ -42,11 +42,17 @@ template <class Talk> QString failureOf(Talk talk)
     return {};
 }
 
-void requireAnswer(const QString& answer)
+// A command gets no answer: only a question tells that the device is there. One that never answers
+// "*IDN?" is known by its connection alone, as far as that can be seen.
+void requirePresence(const Instrument& instrument, bool answers)
 {
-    if (answer.isEmpty()) {
+    if (answers && instrument.remote()->identity().isEmpty()) {
         throwRemoteException(QStringLiteral("it doesn't answer any more"));
     }
+    if (instrument.remote()->hasHungUp()) {
+        throwRemoteException(QStringLiteral("it closed the connection"));
+    }
+    instrument.remote()->goToLocal();
 }
 
 // Of the connection that stands, or an exception that says why there is none.
@@ -208,9 +214,7 @@ void InstrumentBench::setLevel(double dbm)
         source, [&] { setUpSource(source); },
         [&] {
             sendLevel();
-            // Only an answer tells that the generator is there: a command gets none.
-            requireAnswer(source.remote()->identity());
-            source.remote()->goToLocal();
+            requirePresence(source, sourceAnswers);
         });
 }
 

@@ -10,7 +10,8 @@
 // The analyzer's reference level keeps the distance from the level that it has in the settings.
 //
 // An instrument counts as lost when its connection fails, closes or answers with less than it
-// should. It is then tried once more over a new connection, with all its settings; after that the
+// should. (A generator that never said who it is isn't asked again: that would cost three seconds a
+// level.) It is then tried once more over a new connection, with all its settings; after that the
 // bench fails. Waits for the turns of the links. The same thread for all calls, which may be any.
 #pragma once
 
@@ -64,6 +65,6 @@ private:
     BenchNames benchNames;
     double highest = 0.0;       // of the plan
     bool hasSource = false;     // the last generator may have been switched on
-    bool sourceAnswers = false; // it says who it is, as not every model does
+    bool sourceAnswers = false; // "*IDN?", as not every model does
     Notch tuned;
 };

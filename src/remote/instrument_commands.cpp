@@ -51,6 +51,11 @@ QString InstrumentCommands::identity()
     return query(QStringLiteral("*IDN?"));
 }
 
+bool InstrumentCommands::hasHungUp()
+{
+    return !interface || interface->hasHungUp();
+}
+
 void InstrumentCommands::goToLocal()
 {
     requireUnbroken();

@@ -18,6 +18,8 @@ public:
     void openInterface();
     QString identity(); // answer of "*IDN?"
     void goToLocal();
+    // Whether the device closed the connection, or there is none. Asks nothing.
+    bool hasHungUp();
     QString query(const QString& text);
     void reset();
     void send(const QString& text);

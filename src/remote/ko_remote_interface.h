@@ -20,6 +20,8 @@ public:
     virtual void open() = 0;
     virtual void close() = 0;
     virtual void goToLocal() = 0; // hands the front panel back to the operator
+    // Whether the device closed the connection, as far as the transport can tell. Doesn't block.
+    virtual bool hasHungUp() { return false; }
 
     // Ends every wait, the present one too, as if its time limit had passed. For good.
     void breakOff() { patience.end(); }

@@ -88,6 +88,14 @@ QByteArray SocketInterface::arrived() const
     return socket && socket->isOpen() ? socket->readAll() : QByteArray();
 }
 
+bool SocketInterface::hasHungUp()
+{
+    if (connected()) {
+        socket->waitForReadyRead(0); // an answer that comes in stays for the next query
+    }
+    return !connected();
+}
+
 void SocketInterface::goToLocal()
 {
     sendSCPI(QStringLiteral("&GTL"));

@@ -21,6 +21,7 @@ public:
     void open() override;
     void close() override;
     void goToLocal() override;
+    bool hasHungUp() override;
 
 private:
     bool connected() const;

@@ -94,6 +94,8 @@ private slots:
     void anAnalyzerThatStaysLostEndsTheCampaign();
     void aConnectionThatClosesIsMadeAnew();
     void aGeneratorThatStaysLostEndsTheCampaign();
+    void aGeneratorThatNeverSaysWhoItIsIsMeasuredWith();
+    void aSilentGeneratorThatHangsUpIsLost();
     void withoutAnAnalyzerNothingIsSwitchedOn();
     void aSignalFarAboveTheReferenceLevelIsMarked();
     void theExpectedTimeCountsSweepsAndSettling();
@@ -251,6 +253,44 @@ void TestInstrumentBench::aGeneratorThatStaysLostEndsTheCampaign()
     QVERIFY2(outcome.failure.startsWith("signal generator 127.0.0.2: "),
              qPrintable(outcome.failure));
     QCOMPARE(outcome.points.size(), 1);
+    QVERIFY2(outcome.warning.contains("could not be set back"), qPrintable(outcome.warning));
+}
+
+// It is asked when it is connected and when it is set, and never again.
+void TestInstrumentBench::aGeneratorThatNeverSaysWhoItIsIsMeasuredWith()
+{
+    Devices devices;
+    devices.generator.answer("*IDN?", QByteArray());
+    const CampaignOutcome outcome = measured(setup(), plan());
+    QVERIFY2(outcome.ending == CampaignOutcome::Ending::Done, qPrintable(outcome.failure));
+    QVERIFY2(outcome.warning.isEmpty(), qPrintable(outcome.warning));
+    QCOMPARE(outcome.points.size(), 2);
+    QCOMPARE(devices.generator.connectionCount(), 1);
+    const QByteArray received =
+        devices.generator.takeReceivedUpTo("POW -20.000000\n&GTL\nPOW -25.000000\n&GTL\n");
+    QVERIFY(received.endsWith("POW -20.000000\n&GTL\nPOW -25.000000\n&GTL\n"));
+    QCOMPARE(received.count("*IDN?"), 2);
+}
+
+void TestInstrumentBench::aSilentGeneratorThatHangsUpIsLost()
+{
+    Devices devices;
+    devices.generator.answer("*IDN?", QByteArray());
+    const QList<ScriptedInstrument::Piece> closes{{0, "", true}};
+    devices.generator.answer("POW -20.000000", closes);
+    const CampaignOutcome outcome =
+        measured(setup(), plan({-30.0, -20.0, -19.0}), [&](const CampaignProgress& progress) {
+            if (progress.readings == 1) {
+                devices.generator.answer("OUTP ON", closes); // no new connection stays either
+            }
+            if (progress.readings == 2) { // unless it was noticed at once
+                QTRY_COMPARE(devices.generator.openConnections(), 0);
+            }
+        });
+    QCOMPARE(outcome.ending, CampaignOutcome::Ending::Failed);
+    QVERIFY2(outcome.failure.startsWith("signal generator 127.0.0.2: "),
+             qPrintable(outcome.failure));
+    QVERIFY(outcome.points.size() == 1 || outcome.points.size() == 2);
     QVERIFY2(outcome.warning.contains("could not be set back"), qPrintable(outcome.warning));
 }
 

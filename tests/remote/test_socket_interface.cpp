@@ -24,6 +24,7 @@ private slots:
     void ofAnAnswerInPiecesTheFirstIsTaken();
     void aConnectionThatClosesInTheMiddleLeavesWhatArrived();
     void aLineThatHasGoneAwayIsSilent();
+    void aDeviceThatHangsUpIsNoticed();
     void aFloodOfTenMegabytesIsTakenInParts();
     void goToLocalIsACommandLine();
     void anotherPortIsReachedWhereItIsGiven();
@@ -171,6 +172,19 @@ void TestSocketInterface::aLineThatHasGoneAwayIsSilent()
     QCOMPARE(failureOf([&] { transport.sendSCPI("*RST"); }), QString("(none)"));
     QVERIFY(timer.elapsed() < 2000);
     QCOMPARE(warnings.value(), 0);
+}
+
+void TestSocketInterface::aDeviceThatHangsUpIsNoticed()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("good bye", {{0, "so long\n", true}});
+    SocketInterface transport(localhost);
+    QVERIFY(transport.hasHungUp()); // nothing is open yet
+    transport.open();
+    QVERIFY(!transport.hasHungUp());
+    transport.sendSCPI("good bye");
+    QTRY_COMPARE(instrument.openConnections(), 0);
+    QTRY_VERIFY(transport.hasHungUp());
 }
 
 void TestSocketInterface::aFloodOfTenMegabytesIsTakenInParts()
