@@ -35,25 +35,29 @@ template <typename List, typename Convert> QJsonArray arrayOf(const List& list, 
     return array;
 }
 
+template <typename Map, typename Name, typename Convert>
+QJsonObject membersOf(const Map& map, Name name, Convert convert)
+{
+    QJsonObject object;
+    for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
+        object[name(entry.key())] = convert(entry.value());
+    }
+    return object;
+}
+
 QJsonObject objectOf(const ConfigSections& config)
 {
-    QJsonObject sections;
-    for (auto section = config.cbegin(); section != config.cend(); ++section) {
-        QJsonObject keys;
-        for (auto key = section->cbegin(); key != section->cend(); ++key) {
-            keys[key.key()] = key.value();
-        }
-        sections[section.key()] = keys;
-    }
-    return sections;
+    const auto asItIs = [](const QString& text) { return text; };
+    return membersOf(config, asItIs, [&](const QMap<QString, QString>& keys) {
+        return membersOf(keys, asItIs, asItIs);
+    });
 }
 
 QJsonObject objectOf(const SignalFigures& signal)
 {
-    QJsonObject ccdf;
-    for (auto share = signal.ccdf.cbegin(); share != signal.ccdf.cend(); ++share) {
-        ccdf[QString::number(share.key())] = numberOf(share.value());
-    }
+    const QJsonObject ccdf = membersOf(
+        signal.ccdf, [](double share) { return QString::number(share); },
+        [](double level) { return numberOf(level); });
     return {
         {"length", signal.length},
         {"sample_rate_hz", signal.sampleRate},
@@ -134,6 +138,14 @@ struct Member
         }
         return static_cast<int>(found);
     }
+    quint32 seed() const
+    {
+        const double found = number();
+        if (!(found >= 0.0 && found <= 4294967295.0) || found != std::floor(found)) {
+            refuse("seed");
+        }
+        return static_cast<quint32>(found);
+    }
     QString text() const
     {
         if (!value.isString()) {
@@ -153,41 +165,37 @@ struct Member
     {
         return isMissing() ? std::nullopt : std::make_optional(number());
     }
-    QVector<Member> elements() const
+    // Calls take(element) for each element of a list.
+    template <typename Take> void forEachElement(Take take) const
     {
         if (!value.isArray()) {
             refuse("list");
         }
-        QVector<Member> all;
+        int index = 0;
         for (const QJsonValue element : value.toArray()) {
-            all << Member{QStringLiteral("%1[%2]").arg(path).arg(all.size()), element};
+            take(Member{QStringLiteral("%1[%2]").arg(path).arg(index++), element});
         }
-        return all;
     }
-    QMap<QString, Member> members() const
+    // Calls take(name, member) for each member of an object.
+    template <typename Take> void forEachMember(Take take) const
     {
         if (!value.isObject()) {
             refuse("object");
         }
-        QMap<QString, Member> all;
         const QJsonObject object = value.toObject();
         for (auto member = object.begin(); member != object.end(); ++member) {
-            all[member.key()] = {path + '.' + member.key(), member.value()};
+            take(member.key(), Member{path + '.' + member.key(), member.value()});
         }
-        return all;
     }
 };
 
 ConfigSections configFrom(const Member& json)
 {
     ConfigSections config;
-    const QMap<QString, Member> sections = json.members();
-    for (auto section = sections.cbegin(); section != sections.cend(); ++section) {
-        const QMap<QString, Member> keys = section->members();
-        for (auto key = keys.cbegin(); key != keys.cend(); ++key) {
-            config[section.key()][key.key()] = key->text();
-        }
-    }
+    json.forEachMember([&config](const QString& section, const Member& keys) {
+        keys.forEachMember(
+            [&](const QString& key, const Member& text) { config[section][key] = text.text(); });
+    });
     return config;
 }
 
@@ -198,14 +206,13 @@ SignalFigures signalFrom(const Member& json)
     signal.sampleRate = json["sample_rate_hz"].number();
     signal.crestFactor = json["crest_factor_db"].numberOrNone().value_or(0.0);
     signal.peakBetweenSamples = json["peak_between_samples_db"].numberOrNone().value_or(0.0);
-    const QMap<QString, Member> ccdf = json["ccdf_db"].members();
-    for (auto share = ccdf.cbegin(); share != ccdf.cend(); ++share) {
-        signal.ccdf[share.key().toDouble()] = share->number();
-    }
+    json["ccdf_db"].forEachMember([&signal](const QString& share, const Member& level) {
+        if (const std::optional<double> known = level.numberOrNone()) {
+            signal.ccdf[share.toDouble()] = *known;
+        }
+    });
     signal.noiseLike = json["noise_like"].yes();
-    for (const Member& seed : json["seeds"].elements()) {
-        signal.seeds << static_cast<quint32>(static_cast<qint64>(seed.number()));
-    }
+    json["seeds"].forEachElement([&signal](const Member& seed) { signal.seeds << seed.seed(); });
     return signal;
 }
 
@@ -228,9 +235,7 @@ NprPoint pointFrom(const Member& json)
     point.power = json["power_dbm"].numberOrNone().value_or(-HUGE_VAL);
     point.npr = json["npr_db"].numberOrNone();
     point.sigma = json["sigma_db"].numberOrNone();
-    for (const Member& mark : json["marks"].elements()) {
-        point.addMark(mark.text());
-    }
+    json["marks"].forEachElement([&point](const Member& mark) { point.addMark(mark.text()); });
     if (!json["passed"].isMissing()) {
         point.passed = json["passed"].yes();
     }
@@ -243,10 +248,10 @@ NprCurve curveFrom(const Member& json)
     curve.notch = json["notch"].whole();
     curve.peakNpr = json["peak_npr_db"].numberOrNone();
     curve.peakLevel = json["peak_level_dbm"].numberOrNone();
-    for (const Member& range : json["ranges"].elements()) {
+    json["ranges"].forEachElement([&curve](const Member& range) {
         curve.ranges << NprRange{range["threshold_db"].number(), range["from_dbm"].numberOrNone(),
                                  range["to_dbm"].numberOrNone()};
-    }
+    });
     return curve;
 }
 
@@ -289,11 +294,9 @@ NprResult resultFromJson(const QByteArray& json)
     result.config = configFrom(whole["config"]);
     result.signal = signalFrom(whole["signal"]);
     result.bench = benchFrom(whole["bench"]);
-    for (const Member& point : whole["points"].elements()) {
-        result.points << pointFrom(point);
-    }
-    for (const Member& curve : whole["curves"].elements()) {
-        result.curves << curveFrom(curve);
-    }
+    whole["points"].forEachElement(
+        [&result](const Member& point) { result.points << pointFrom(point); });
+    whole["curves"].forEachElement(
+        [&result](const Member& curve) { result.curves << curveFrom(curve); });
     return result;
 }

@@ -160,6 +160,7 @@ void TestResultFiles::otherFilesAreRefused_data()
     QTest::newRow("text for a number") << spoilt("\"notch\": 2", "\"notch\": \"2\"") << "notch";
     QTest::newRow("half a notch") << spoilt("\"notch\": 2", "\"notch\": 2.5") << "whole number";
     QTest::newRow("no points") << spoilt("\"points\"", "\"dots\"") << "points";
+    QTest::newRow("seed") << spoilt("4294967295", "4294967296") << "seeds[1]";
     QTest::newRow("no list") << spoilt("\"seeds\": [", "\"seeds\": 1, \"s\": [") << "seeds";
 }
 
