@@ -51,17 +51,62 @@ void subtract(const NprPoint& bench, NprPoint& point)
     }
 }
 
-} // namespace
-
-QString subtractBench(const QVector<NprPoint>& without, QVector<NprPoint>& points)
+// Empty where all points have one.
+QString missingCounterpart(const QVector<NprPoint>& without, const QVector<NprPoint>& points)
 {
-    for (const NprPoint& point : qAsConst(points)) {
+    for (const NprPoint& point : points) {
         if (counterpart(without, point) == nullptr) {
             return QStringLiteral("it has no point at %1 dBm for the notch at %2 Hz, %3 Hz wide")
                 .arg(point.level)
                 .arg(point.center)
                 .arg(point.width);
         }
+    }
+    return {};
+}
+
+QVector<NprPoint> placesOf(const CampaignPlan& plan)
+{
+    QVector<NprPoint> places;
+    for (const double level : plan.levels) {
+        for (const NumberedNotch& notch : plan.notches) {
+            NprPoint place;
+            place.level = level;
+            place.center = notch.notch.center;
+            place.width = notch.notch.width;
+            places << place;
+        }
+    }
+    return places;
+}
+
+// Hz; 0 where the settings don't tell it.
+double noiseBandwidth(const NprResult& result)
+{
+    const QMap<QString, QString> settings = result.config.value(QStringLiteral("NPR"));
+    return settings.value(QStringLiteral("SRate")).toDouble() *
+           settings.value(QStringLiteral("NBW/SRate")).toDouble();
+}
+
+} // namespace
+
+QString objectionToSubtracting(const NprResult& without, const NprResult& wanted,
+                               const CampaignPlan& plan)
+{
+    constexpr double rounding = 1e-5; // a file keeps six digits
+    const double its = noiseBandwidth(without);
+    const double ours = noiseBandwidth(wanted);
+    if (!(std::abs(its - ours) <= rounding * ours)) {
+        return QStringLiteral("its noise is %1 Hz wide and not %2 Hz").arg(its).arg(ours);
+    }
+    return missingCounterpart(without.points, placesOf(plan));
+}
+
+QString subtractBench(const QVector<NprPoint>& without, QVector<NprPoint>& points)
+{
+    QString missing = missingCounterpart(without, points);
+    if (!missing.isEmpty()) {
+        return missing;
     }
     for (NprPoint& point : points) {
         subtract(*counterpart(without, point), point);

@@ -4,6 +4,13 @@
 #pragma once
 
 #include "campaign/npr_result.h"
+#include "campaign/plan.h"
+
+// Why a result that was measured without the device can't be subtracted from what the plan will
+// measure with the settings of wanted; empty where it can. It has to have all notches (by centre
+// and width) and levels of the plan, and the same noise bandwidth.
+QString objectionToSubtracting(const NprResult& without, const NprResult& wanted,
+                               const CampaignPlan& plan);
 
 // Changes ratios and sigmas of points by those of without, which was measured without the device. A
 // point that lies less than 3 dB below what was subtracted gets the mark "margin"; one from which

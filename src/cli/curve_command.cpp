@@ -2,6 +2,7 @@
 
 #include "campaign/plan.h"
 #include "cli/measuring.h"
+#include "cli/measuring_request.h"
 #include "cli/values.h"
 
 namespace {

@@ -1,6 +1,7 @@
 #include "cli/measure_command.h"
 
 #include "cli/measuring.h"
+#include "cli/measuring_request.h"
 
 Command measureCommand()
 {

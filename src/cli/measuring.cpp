@@ -3,180 +3,21 @@
 #include "campaign/campaign.h"
 #include "campaign/instrument_bench.h"
 #include "campaign/npr_curve.h"
-#include "campaign/result_json.h"
 #include "campaign/simulated_bench.h"
 #include "campaign/subtraction.h"
-#include "campaign/theory.h"
-#include "cli/device_argument.h"
 #include "cli/made_signal.h"
+#include "cli/measuring_request.h"
+#include "cli/new_result.h"
 #include "cli/progress.h"
 #include "cli/result_output.h"
 #include "cli/setup_arguments.h"
-#include "cli/values.h"
-#include "setup/config_file.h"
+#include "cli/theory_argument.h"
 
-#include <QDateTime>
 #include <QEventLoop>
-#include <QFile>
 
-#include <algorithm>
+#include <cmath>
 
 namespace {
-
-constexpr int mostAverages = 100000;
-constexpr double usualSettling = 0.1; // s, of instruments
-
-// The options that are checked before anything is calculated.
-struct Request
-{
-    std::optional<Chain> simulated;
-    QString simulatedText;
-    int averages = 1;
-    double settleSeconds = 0.0;
-    std::optional<double> limit;
-    std::optional<NprResult> without; // the device
-    std::optional<Chain> theory;
-};
-
-// The chain of "--theory"; a converter has the full scale of the simulated one unless it is given.
-Chain theoryChain(const QString& text, const std::optional<Chain>& simulated)
-{
-    if (text == "same" && !simulated) {
-        failUsage(QStringLiteral("--theory same is that of the device of --simulate; name one"));
-    }
-    Chain chain = text == "same" ? *simulated : chainOf(text, "--theory");
-    if (!Theory::isIn(chain.device)) {
-        failUsage("--theory: there is none of " + chain.device.name);
-    }
-    const bool isConverter = chain.device.name == "adc";
-    const bool hasScale =
-        text == "same" || text.contains("full-scale=") || text.contains("loading=");
-    if (isConverter && !hasScale) {
-        if (!simulated || simulated->device.name != "adc") {
-            failUsage(QStringLiteral("--theory adc needs full-scale=DBM"));
-        }
-        chain.device.fullScale = simulated->device.fullScale;
-        chain.device.loadingFactor = simulated->device.loadingFactor;
-    }
-    return chain;
-}
-
-NprResult readResult(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        failFile("can't read result " + path + ": " + file.errorString());
-    }
-    try {
-        return resultFromJson(file.read(qint64{mostResultBytes} + 1));
-    } catch (const ResultError& error) {
-        failFile(path + " is no result of this program: " + error.text);
-    }
-}
-
-Request requestOf(const Arguments& arguments)
-{
-    Request request;
-    checkResultOptions(arguments);
-    if (arguments.has("simulate")) {
-        request.simulatedText = arguments.value("simulate");
-        request.simulated = chainOf(request.simulatedText, "--simulate");
-    }
-    request.averages = wholeNumberOr(arguments, "average", 1, mostAverages, 1);
-    request.settleSeconds = numberOr(arguments, "settle", {0.0, 86400.0, "seconds"},
-                                     request.simulated ? 0.0 : usualSettling);
-    if (arguments.has("limit")) {
-        request.limit = numberOf(arguments.value("limit"), "--limit", {-300.0, 300.0, "dB"});
-    }
-    if (arguments.has("theory")) {
-        request.theory = theoryChain(arguments.value("theory"), request.simulated);
-    }
-    if (arguments.has("subtract")) {
-        request.without = readResult(arguments.value("subtract"));
-    }
-    return request;
-}
-
-// The notches of "--notch all" or "--notch 1,3".
-QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const MeasurementSetup& setup)
-{
-    const QVector<NumberedNotch> all = numberedNotches(setup, setup.signal.length);
-    if (!arguments.has("notch") || arguments.value("notch") == "all") {
-        return all;
-    }
-    QVector<NumberedNotch> chosen;
-    QVector<int> numbers;
-    for (const QString& word : arguments.value("notch").split(',')) {
-        const int number = wholeNumberOf(word, "--notch", 1, all.size());
-        if (!numbers.contains(number)) {
-            numbers << number;
-        }
-    }
-    std::sort(numbers.begin(), numbers.end());
-    for (const int number : qAsConst(numbers)) {
-        chosen << all.at(number - 1);
-    }
-    return chosen;
-}
-
-void requireLines(const QVector<NumberedNotch>& notches)
-{
-    for (const NumberedNotch& notch : notches) {
-        if (notch.lines < 1) {
-            failUsage(QStringLiteral("notch %1 is too narrow: there is no line of the signal in "
-                                     "it; widen it or set a longer \"NPR/FFT Len\"")
-                          .arg(notch.number));
-        }
-    }
-}
-
-void requireNotchMode(const MeasurementSetup& setup)
-{
-    if (setup.notchOrCarrier != NotchOrCarrier::Notch) {
-        failUsage(QStringLiteral("CONFIG is in carrier mode, where there is no notch to measure "
-                                 "in; --set \"NPR/Notch/Carrier=0\" changes to notches"));
-    }
-    (void)requireNotches(setup);
-}
-
-CampaignPlan planOf(const MeasurementSetup& setup, const Request& request, const Measuring& wanted,
-                    double presentLevel, const Session& session)
-{
-    CampaignPlan plan;
-    plan.levels = wanted.levels.isEmpty() ? QVector<double>{presentLevel} : wanted.levels;
-    plan.notches = chosenNotches(session.arguments, setup);
-    requireLines(plan.notches);
-    plan.averages = request.averages;
-    plan.settleSeconds = request.settleSeconds;
-    return plan;
-}
-
-ConfigSections configSectionsOf(const MeasurementSetup& setup)
-{
-    ConfigSections sections;
-    const ConfigText text = parseConfigText(configTextOf(setup));
-    for (auto section = text.begin(); section != text.end(); ++section) {
-        for (auto key = section->begin(); key != section->end(); ++key) {
-            const bool isQuoted = key->startsWith('"');
-            sections[section.key()][key.key()] = isQuoted ? key->mid(1, key->size() - 2) : *key;
-        }
-    }
-    return sections;
-}
-
-SignalFigures figuresOf(const MeasurementSetup& setup, const StimulusStatistics& statistics)
-{
-    SignalFigures figures;
-    figures.length = setup.signal.length;
-    figures.sampleRate = setup.sampleRate;
-    figures.crestFactor = setup.crestFactor;
-    figures.peakBetweenSamples = statistics.peak;
-    for (std::size_t k = 0; k < ccdfShares.size(); ++k) {
-        figures.ccdf[100.0 * ccdfShares[k]] = statistics.ccdf[k];
-    }
-    figures.noiseLike = statistics.isNoiseLike;
-    return figures;
-}
 
 // A bench and what people are told before it begins.
 struct ChosenBench
@@ -185,36 +26,37 @@ struct ChosenBench
     double presentLevel;
 };
 
-ChosenBench simulatedBench(const MeasurementSetup& setup, const Request& request)
+ChosenBench chosenBench(const MeasurementSetup& setup, const MeasuringRequest& request)
 {
+    const auto instruments = std::make_shared<InstrumentBench>(setup);
+    const double presentLevel = instruments->presentLevel();
+    if (!request.simulated) {
+        return {instruments, presentLevel};
+    }
     const QString objection = SimulatedBench::objectionTo(setup.signal);
     if (!objection.isEmpty()) {
         failFile(objection);
     }
     return {std::make_shared<SimulatedBench>(setup.forOtherThread(), *request.simulated,
                                              request.simulatedText),
-            InstrumentBench(setup).presentLevel()};
+            presentLevel};
 }
 
-QVector<NprPoint> theoryPoints(const MeasurementSetup& setup, const Chain& chain,
-                               const CampaignPlan& plan)
+// Before hours of measuring, not after them.
+void requireSubtractable(const MeasuringRequest& request, const NprResult& result,
+                         const CampaignPlan& plan, const Arguments& arguments)
 {
-    const Theory theory(setup.signal, setup.sampleRate, chain, plan.notches);
-    QVector<NprPoint> points;
-    for (const double level : plan.levels) {
-        const QVector<std::optional<double>> ratios = theory.at(level);
-        for (int k = 0; k < ratios.size(); ++k) {
-            NprPoint point;
-            point.level = level;
-            point.notch = plan.notches.at(k).number;
-            point.npr = ratios.at(k);
-            points << point;
-        }
+    if (!request.without) {
+        return;
     }
-    return points;
+    const QString objection = objectionToSubtracting(*request.without, result, plan);
+    if (!objection.isEmpty()) {
+        failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
+                  "; measure it with the same notches, levels and bandwidth");
+    }
 }
 
-ResultContext contextOf(const MeasurementSetup& setup, const Request& request,
+ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& request,
                         const CampaignPlan& plan, const Session& session, const Measuring& wanted)
 {
     ResultContext context;
@@ -272,20 +114,8 @@ CampaignOutcome run(const CampaignPlan& plan, const std::shared_ptr<Bench>& benc
     return campaign.outcome();
 }
 
-void subtract(const Request& request, const QString& file, NprResult& result)
-{
-    if (!request.without) {
-        return;
-    }
-    const QString refusal = subtractBench(request.without->points, result.points);
-    if (!refusal.isEmpty()) {
-        failUsage("--subtract " + file + ": " + refusal +
-                  "; measure it with the same notches and levels");
-    }
-}
-
-ExitStatus statusOf(const CampaignOutcome& outcome, const NprResult& result, const Request& request,
-                    const Session& session)
+ExitStatus statusOf(const CampaignOutcome& outcome, const NprResult& result,
+                    const MeasuringRequest& request, const Session& session)
 {
     switch (outcome.ending) {
     case CampaignOutcome::Ending::Failed:
@@ -303,7 +133,7 @@ ExitStatus statusOf(const CampaignOutcome& outcome, const NprResult& result, con
 }
 
 // The bytes of a result's points are those that this command's measurement gave, and what follows.
-void conclude(NprResult& result, const CampaignOutcome& outcome, const Request& request,
+void conclude(NprResult& result, const CampaignOutcome& outcome, const MeasuringRequest& request,
               const Measuring& wanted, const Session& session)
 {
     result.bench = outcome.bench;
@@ -314,7 +144,9 @@ void conclude(NprResult& result, const CampaignOutcome& outcome, const Request& 
             point.addMark(PointMark::notNoiseLike);
         }
     }
-    subtract(request, session.arguments.value("subtract"), result);
+    if (request.without) {
+        subtractBench(request.without->points, result.points);
+    }
     if (request.limit) {
         applyLimit(result.points, *request.limit);
     }
@@ -342,46 +174,22 @@ void putOutAfter(ExitStatus status, const NprResult& result, const ResultContext
 
 } // namespace
 
-Options measuringOptions()
-{
-    return Options{
-               {"simulate", "DEVICE[,KEY=VALUE...]",
-                "Simulate generator, device and analyzer in place of CONFIG's instruments. " +
-                    deviceHelp()},
-               {"notch", "all|N,N...",
-                "Rows of the notch table, numbered from 1 by rising centre; all by default."},
-               {"average", "N",
-                "Readings a point; powers are averaged. Simulated, each takes the next seed."},
-               {"settle", "SECONDS",
-                "Wait after each change of level; 0 in simulation, 0.1 otherwise."},
-               {"limit", "DB", "A reading below it fails, and the status is 1."},
-               {"theory", "DEVICE[,KEY=VALUE...]|same",
-                "Add the closed form of a device, or of the same one that is simulated."},
-               {"subtract", "FILE.json",
-                "A result measured without the device, whose distortion and noise are subtracted."},
-           } +
-           resultOptions() + Options{{"quiet", "", "No progress line."}} + setupOptions();
-}
-
 ExitStatus measure(const Session& session, const Measuring& wanted)
 {
-    const Request request = requestOf(session.arguments);
+    const MeasuringRequest request = requestOf(session.arguments);
     MeasurementSetup setup = readSetup(session.arguments, session.console);
     requireNotchMode(setup);
-    NprResult result;
-    result.program = QStringLiteral("notchbench-cli " NOTCHBENCH_VERSION);
-    // Deliberate: in whole seconds and UTC, the only member that two runs of a command differ in.
-    result.started = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
-    result.config = configSectionsOf(setup);
+    NprResult result = newResult(setup);
     makeSignal(setup);
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     warnUnlessNoiseLike(statistics, session.console);
     result.signal = figuresOf(setup, statistics);
-    const ChosenBench chosen = request.simulated
-                                   ? simulatedBench(setup, request)
-                                   : ChosenBench{std::make_shared<InstrumentBench>(setup),
-                                                 InstrumentBench(setup).presentLevel()};
-    const CampaignPlan plan = planOf(setup, request, wanted, chosen.presentLevel, session);
+    const ChosenBench chosen = chosenBench(setup, request);
+    const CampaignPlan plan =
+        planOf(setup, request,
+               wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels,
+               session.arguments);
+    requireSubtractable(request, result, plan, session.arguments);
     const ResultContext context = contextOf(setup, request, plan, session, wanted);
     setup.signal = SignalData(); // the bench has it, where it plays it
     if (const auto* instruments = dynamic_cast<const InstrumentBench*>(chosen.bench.get())) {

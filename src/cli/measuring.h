@@ -1,11 +1,7 @@
-// What the commands that measure share: their options, the run, and what follows from it.
+// What the commands that measure share: the run, and what follows from it.
 #pragma once
 
 #include "cli/command.h"
-
-#include <functional>
-
-Options measuringOptions();
 
 // levels: none for the present one. thresholds: of the curves; none are drawn up without levels.
 struct Measuring

@@ -36,6 +36,7 @@ private slots:
     void anotherOrderIsTheSame();
     void otherPlacesAreRefused_data();
     void otherPlacesAreRefused();
+    void refusalsAreKnownBeforehand();
 };
 
 // 40 dB and 50 dB: 1e-4 - 1e-5 = 9e-5, 40.4576 dB. Sigma sqrt((10 x 0.1)^2 + 0.1^2) / 9.
@@ -107,6 +108,32 @@ void TestSubtraction::otherPlacesAreRefused()
     QVector<NprPoint> points{point(-10, 2e6, 40.0)};
     QVERIFY(subtractBench({other}, points).contains("-10 dBm"));
     QVERIFY(isClose(points[0].npr, 40.0));
+}
+
+void TestSubtraction::refusalsAreKnownBeforehand()
+{
+    const auto resultOf = [](const QString& rate, const QString& share) {
+        NprResult made;
+        made.config["NPR"] = {{"SRate", rate}, {"NBW/SRate", share}};
+        made.points = {point(-10, 2e6, 50.0), point(-5, 2e6, 50.0)};
+        return made;
+    };
+    const NprResult wanted = resultOf("1e+08", "0.8");
+    CampaignPlan plan;
+    plan.levels = {-5.0, -10.0};
+    plan.notches = {NumberedNotch{1, Notch(), 10}};
+    plan.notches[0].notch.center = 2e6;
+    plan.notches[0].notch.width = 1e6;
+    QCOMPARE(objectionToSubtracting(wanted, wanted, plan), QString());
+    QCOMPARE(objectionToSubtracting(resultOf("1.6e+08", "0.5"), wanted, plan), QString());
+    QCOMPARE(objectionToSubtracting(resultOf("1e+08", "0.5"), wanted, plan),
+             QString("its noise is 5e+07 Hz wide and not 8e+07 Hz"));
+    QVERIFY(!objectionToSubtracting(NprResult(), wanted, plan).isEmpty());
+    plan.levels << 0.0;
+    QVERIFY(objectionToSubtracting(wanted, wanted, plan).contains("no point at 0 dBm"));
+    plan.levels = {-5.0};
+    plan.notches[0].notch.width = 2e6;
+    QVERIFY(objectionToSubtracting(wanted, wanted, plan).contains("2e+06 Hz wide"));
 }
 
 QTEST_APPLESS_MAIN(TestSubtraction)

@@ -74,6 +74,7 @@ private slots:
     void theSameCommandGivesTheSameBytes();
     void aResultIsSubtracted();
     void anotherResultIsNotSubtracted();
+    void whatCannotBeSubtractedIsToldBeforeMeasuring();
     void mistakesAreStatusTwo_data();
     void mistakesAreStatusTwo();
     void aFileThatCannotBeWrittenIsStatusThree_data();
@@ -248,6 +249,17 @@ void TestCliMeasure::anotherResultIsNotSubtracted()
     const CliRun broken = cli->run(measuring(rapp + QStringList{"--subtract", bench}));
     QCOMPARE(broken.status, 3);
     QVERIFY(broken.err.contains("is no result"));
+}
+
+// No instrument is there, and none is looked for.
+void TestCliMeasure::whatCannotBeSubtractedIsToldBeforeMeasuring()
+{
+    const QString bench = cli->path("bench.json");
+    (void)cli->run(measuring(rapp + QStringList{"--json", bench}));
+    const CliRun run = cli->run(
+        measuring(instruments + QStringList{"--set", "NPR/NBW/SRate=0.7", "--subtract", bench}));
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.err.contains("its noise is 8e+07 Hz wide"), qPrintable(run.err));
 }
 
 void TestCliMeasure::mistakesAreStatusTwo_data()

@@ -1,0 +1,116 @@
+#include "cli/measuring_request.h"
+
+#include "cli/device_argument.h"
+#include "cli/exit_status.h"
+#include "cli/result_input.h"
+#include "cli/result_output.h"
+#include "cli/setup_arguments.h"
+#include "cli/theory_argument.h"
+#include "cli/values.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr int mostAverages = 100000;
+constexpr double usualSettling = 0.1; // s, of instruments
+
+// The notches of "--notch all" or "--notch 1,3".
+QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const MeasurementSetup& setup)
+{
+    const QVector<NumberedNotch> all = numberedNotches(setup, setup.signal.length);
+    if (!arguments.has("notch") || arguments.value("notch") == "all") {
+        return all;
+    }
+    QVector<NumberedNotch> chosen;
+    QVector<int> numbers;
+    for (const QString& word : arguments.value("notch").split(',')) {
+        const int number = wholeNumberOf(word, "--notch", 1, all.size());
+        if (!numbers.contains(number)) {
+            numbers << number;
+        }
+    }
+    std::sort(numbers.begin(), numbers.end());
+    for (const int number : qAsConst(numbers)) {
+        chosen << all.at(number - 1);
+    }
+    return chosen;
+}
+
+void requireLines(const QVector<NumberedNotch>& notches)
+{
+    for (const NumberedNotch& notch : notches) {
+        if (notch.lines < 1) {
+            failUsage(QStringLiteral("notch %1 is too narrow: there is no line of the signal in "
+                                     "it; widen it or set a longer \"NPR/FFT Len\"")
+                          .arg(notch.number));
+        }
+    }
+}
+
+} // namespace
+
+Options measuringOptions()
+{
+    return Options{
+               {"simulate", "DEVICE[,KEY=VALUE...]",
+                "Simulate generator, device and analyzer in place of CONFIG's instruments. " +
+                    deviceHelp()},
+               {"notch", "all|N,N...",
+                "Rows of the notch table, numbered from 1 by rising centre; all by default."},
+               {"average", "N",
+                "Readings a point; powers are averaged. Simulated, each takes the next seed."},
+               {"settle", "SECONDS",
+                "Wait after each change of level; 0 in simulation, 0.1 otherwise."},
+               {"limit", "DB", "A reading below it fails, and the status is 1."},
+               {"theory", "DEVICE[,KEY=VALUE...]|same",
+                "Add the closed form of a device, or of the same one that is simulated."},
+               {"subtract", "FILE.json",
+                "A result measured without the device, whose distortion and noise are subtracted."},
+           } +
+           resultOptions() + Options{{"quiet", "", "No progress line."}} + setupOptions();
+}
+
+MeasuringRequest requestOf(const Arguments& arguments)
+{
+    MeasuringRequest request;
+    checkResultOptions(arguments);
+    if (arguments.has("simulate")) {
+        request.simulatedText = arguments.value("simulate");
+        request.simulated = chainOf(request.simulatedText, "--simulate");
+    }
+    request.averages = wholeNumberOr(arguments, "average", 1, mostAverages, 1);
+    request.settleSeconds = numberOr(arguments, "settle", {0.0, 86400.0, "seconds"},
+                                     request.simulated ? 0.0 : usualSettling);
+    if (arguments.has("limit")) {
+        request.limit = numberOf(arguments.value("limit"), "--limit", {-300.0, 300.0, "dB"});
+    }
+    if (arguments.has("theory")) {
+        request.theory = theoryChain(arguments.value("theory"), request.simulated);
+    }
+    if (arguments.has("subtract")) {
+        request.without = readResult(arguments.value("subtract"));
+    }
+    return request;
+}
+
+void requireNotchMode(const MeasurementSetup& setup)
+{
+    if (setup.notchOrCarrier != NotchOrCarrier::Notch) {
+        failUsage(QStringLiteral("CONFIG is in carrier mode, where there is no notch to measure "
+                                 "in; --set \"NPR/Notch/Carrier=0\" changes to notches"));
+    }
+    (void)requireNotches(setup);
+}
+
+CampaignPlan planOf(const MeasurementSetup& setup, const MeasuringRequest& request,
+                    const QVector<double>& levels, const Arguments& arguments)
+{
+    CampaignPlan plan;
+    plan.levels = levels;
+    plan.notches = chosenNotches(arguments, setup);
+    requireLines(plan.notches);
+    plan.averages = request.averages;
+    plan.settleSeconds = request.settleSeconds;
+    return plan;
+}

@@ -1,0 +1,35 @@
+// What the commands that measure are asked for, checked before anything is calculated.
+#pragma once
+
+#include "campaign/npr_result.h"
+#include "campaign/plan.h"
+#include "cli/arguments.h"
+#include "cli/option.h"
+#include "dut/chain.h"
+#include "setup/measurement_setup.h"
+
+#include <optional>
+
+// --simulate, --notch, --average and the others that "measure" and "curve" share.
+Options measuringOptions();
+
+struct MeasuringRequest
+{
+    std::optional<Chain> simulated;
+    QString simulatedText;
+    int averages = 1;
+    double settleSeconds = 0.0;
+    std::optional<double> limit;
+    std::optional<NprResult> without; // the device
+    std::optional<Chain> theory;
+};
+
+// Throws Failure.
+MeasuringRequest requestOf(const Arguments& arguments);
+
+// Throws Failure in carrier mode and without a notch.
+void requireNotchMode(const MeasurementSetup& setup);
+
+// Of a setup whose signal was made. Throws Failure for notches that aren't there or can't be read.
+CampaignPlan planOf(const MeasurementSetup& setup, const MeasuringRequest& request,
+                    const QVector<double>& levels, const Arguments& arguments);
