@@ -8,6 +8,8 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_AUTOMOC ON)
+# Without the times of the pictures' files, which differ from one checkout to the next.
+set(CMAKE_AUTORCC_OPTIONS --format-version 1)
 
 add_compile_options(-ffp-contract=off)
 

@@ -14,7 +14,7 @@ endforeach()
 
 find_program(man man)
 if(man)
-    file(GLOB pages ${root}/share/man/man1/*.1)
+    file(GLOB pages ${root}/share/man/man1/*.1.gz)
     foreach(page IN LISTS pages)
         execute_process(COMMAND ${man} --warnings=w -l ${page} OUTPUT_QUIET
             ERROR_VARIABLE complaints COMMAND_ERROR_IS_FATAL ANY)
