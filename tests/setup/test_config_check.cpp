@@ -79,10 +79,7 @@ void TestConfigCheck::everyLineEndCountsOnce()
 {
     for (const char* end : {"\n", "\r\n", "\r"}) {
         const QString text = QString("[NPR]\n\n\nSeed = 1\nx\n").replace('\n', end);
-        QCOMPARE(
-            complaints(text),
-            QStringList{"5: ignored: no \"key = value\" line of a section, and no section with "
-                        "such a line under it"});
+        QCOMPARE(numbers(text), QVector<int>{5});
     }
 }
 
