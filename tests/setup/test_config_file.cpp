@@ -95,6 +95,93 @@ IF Input = 1
 
 )";
 
+// No value is that of a new record, and no two instruments have one in common.
+const char otherText[] = R"([NPR]
+SRate = 6.144e+07
+NBW/SRate = 0.75
+FFT Len = 64
+Notch Count = 7
+Notch Width = 1e+06
+Notch Offset = -2e+06
+Notch Depth = -40.5
+Notch/Carrier = 1
+Phase Mode = 2
+Custom = 1
+Seed = 4711
+
+[TCP/IP]
+Port = 5000
+
+[Display]
+Sinus(x)/x = 1
+
+[Notch 1]
+fcenter = -5e+06
+fspan = 1e+06
+fstart = -5.5e+06
+fstop = -4.5e+06
+Start = -6
+Stop = -5
+Notch Depth = -60
+
+[User]
+PhaseMag File = "/home/a b/c.pmc"
+I File = "i.wav"
+Q File = "q.wav"
+
+[Generator1]
+Device = 3
+Interface = 2
+GPIB Addr = 5
+IP Addr = "10.0.0.1"
+RS232 Port = 1
+RS232 BaudRate = 19200
+RS232 DataBits = 7
+RS232 Parity = 2
+RS232 StopBits = 2
+RS232 FlowControl = 1
+Frequency = 1e+09
+Level = -7.5
+
+[Analyzer]
+Device = 1
+Interface = 0
+GPIB Addr = 6
+IP Addr = "10.0.0.2"
+RS232 Port = 2
+RS232 BaudRate = 38400
+RS232 DataBits = 6
+RS232 Parity = 3
+RS232 StopBits = 3
+RS232 FlowControl = 2
+Frequency = 2e+09
+Span = 5e+06
+Level = -3
+Atten = 25
+AUTO Atten = 0
+Res BW = 50000
+Video BW = 2000
+Sweeptime = 0.5
+AUTO Swt = 0
+
+[Generator2]
+Device = 2
+Interface = 1
+GPIB Addr = 7
+IP Addr = "10.0.0.3"
+RS232 Port = 3
+RS232 BaudRate = 57600
+RS232 DataBits = 5
+RS232 Parity = 4
+RS232 StopBits = 4
+RS232 FlowControl = 3
+Frequency = 3e+09
+Level = -1
+Atten = 15
+IF Input = 0
+
+)";
+
 Notch notchOf(qint32 start, qint32 stop, double depth)
 {
     Notch notch;
@@ -116,6 +203,7 @@ private slots:
     void init();
     void defaultsWithOneNotchAreWrittenLetterForLetter();
     void everySettingComesBack();
+    void everyLineIsReadAndWrittenAgain();
     void doublesKeepSixDigits();
     void notchDepthComesBackAsAWholeNumber();
     void lengthBecomesTheRowAbove_data();
@@ -245,6 +333,11 @@ void TestConfigFile::everySettingComesBack()
     QCOMPARE(back.notches->items.size(), 1);
     QCOMPARE(back.notches->items.at(0).startIndex, -5);
     QCOMPARE(back.notches->items.at(0).depth, -60.0);
+}
+
+void TestConfigFile::everyLineIsReadAndWrittenAgain()
+{
+    QCOMPARE(configTextOf(load(otherText)), QString(otherText));
 }
 
 void TestConfigFile::doublesKeepSixDigits()

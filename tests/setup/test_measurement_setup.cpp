@@ -1,5 +1,4 @@
-// Defaults and rules of the record and of the instruments' settings.
-#include "instruments/bandwidth_code.h"
+// Defaults and rules of the record.
 #include "setup/measurement_setup.h"
 
 #include <QtTest>
@@ -10,7 +9,7 @@ class TestMeasurementSetup : public QObject
 
 private slots:
     void defaultsAreThoseOfAFreshBench();
-    void instrumentDefaults();
+    void rowsKeepTheNumbersThatFormAndFilesKnow();
     void lengthIsAPowerOfTwoByRow();
     void lengthOfAbsurdRowsIsBounded();
     void newDataIsFlaggedOnlyWhenDataBecomeValid();
@@ -20,11 +19,6 @@ private slots:
     void signalDataStartsEmpty();
     void resetGivesZerosAndKeepsOddLengths();
     void copiesOfASignalDoNotSeeWrites();
-    void bandwidthCodes_data();
-    void bandwidthCodes();
-    void everyCodeComesBack();
-    void hugeCodesSaturate();
-    void automaticSweepTimeClearsTheSweepTime();
 };
 
 void TestMeasurementSetup::defaultsAreThoseOfAFreshBench()
@@ -57,34 +51,23 @@ void TestMeasurementSetup::defaultsAreThoseOfAFreshBench()
     QVERIFY(setup.compensationTrace.isEmpty());
 }
 
-void TestMeasurementSetup::instrumentDefaults()
+// Stored files hold these numbers, and the form's boxes have their rows in this order.
+void TestMeasurementSetup::rowsKeepTheNumbersThatFormAndFilesKnow()
 {
-    const MeasurementSetup setup;
-    for (const Instrument* instrument : std::initializer_list<const Instrument*>{
-             &setup.generator, &setup.analyzer, &setup.microwave}) {
-        QVERIFY(instrument->interfaceKind == InterfaceKind::LanSocket);
-        QCOMPARE(instrument->device, 0U);
-        QCOMPARE(instrument->gpibAddress, 20U);
-        QCOMPARE(instrument->rs232Port, 0U);
-        QVERIFY(instrument->deviceMessage().isEmpty());
-        QCOMPARE(instrument->ipAddress, QString("127.0.0.1"));
-        QCOMPARE(instrument->frequency, 0.0);
-        QCOMPARE(instrument->level, -20.0);
-        QCOMPARE(instrument->rs232BaudRate, 9600U);
-        QCOMPARE(instrument->rs232DataBits, 8);
-        QCOMPARE(instrument->rs232Parity, 0);
-        QCOMPARE(instrument->rs232StopBits, 1);
-        QCOMPARE(instrument->rs232FlowControl, 0);
-        QVERIFY(!instrument->initialized());
-    }
-    QCOMPARE(setup.analyzer.span, 1e5);
-    QCOMPARE(setup.analyzer.sweepTime, 2.0);
-    QCOMPARE(setup.analyzer.resolutionBandwidth(), 30000U);
-    QCOMPARE(setup.analyzer.videoBandwidth(), 300000U);
-    QCOMPARE(setup.analyzer.attenuation, 10U);
-    QVERIFY(setup.analyzer.autoAttenuation && setup.analyzer.autoSweepTime);
-    QCOMPARE(setup.microwave.attenuation, 0U);
-    QVERIFY(setup.microwave.ifInput);
+    QVERIFY(NotchOrCarrier(0) == NotchOrCarrier::Notch);
+    QVERIFY(NotchOrCarrier(1) == NotchOrCarrier::Carrier);
+    QVERIFY(PhaseLaw(0) == PhaseLaw::Seeded);
+    QVERIFY(PhaseLaw(1) == PhaseLaw::Clock);
+    QVERIFY(PhaseLaw(2) == PhaseLaw::Parabolic);
+    QVERIFY(PhaseLaw(3) == PhaseLaw::Constant);
+    QVERIFY(SignalSource(0) == SignalSource::Internal);
+    QVERIFY(SignalSource(1) == SignalSource::MagnitudePhaseFile);
+    QVERIFY(SignalSource(2) == SignalSource::IQFiles);
+    QVERIFY(MeasureMode(0) == MeasureMode::Continuous);
+    QVERIFY(MeasureMode(1) == MeasureMode::Single);
+    QVERIFY(DataState(0) == DataState::Valid); // the light's colours
+    QVERIFY(DataState(1) == DataState::Invalid);
+    QVERIFY(DataState(2) == DataState::Calculating);
 }
 
 void TestMeasurementSetup::lengthIsAPowerOfTwoByRow()
@@ -171,13 +154,18 @@ void TestMeasurementSetup::signalDataStartsEmpty()
 void TestMeasurementSetup::resetGivesZerosAndKeepsOddLengths()
 {
     SignalData data(2);
-    data.iSamples[0] = 5.0;
+    const QVector<double>* const vectors[] = {&data.iSamples, &data.qSamples, &data.magnitude,
+                                              &data.phase};
+    data.iSamples = data.qSamples = data.magnitude = data.phase = {5.0, 6.0};
     data.reset(3);
-    QCOMPARE(data.iSamples, QVector<double>(3, 0.0));
-    QCOMPARE(data.phase, QVector<double>(3, 0.0));
+    for (const QVector<double>* values : vectors) {
+        QCOMPARE(*values, QVector<double>(3, 0.0));
+    }
     QCOMPARE(data.size(), 3);
     data.reset(-7);
-    QVERIFY(data.magnitude.isEmpty());
+    for (const QVector<double>* values : vectors) {
+        QVERIFY(values->isEmpty());
+    }
     QCOMPARE(data.size(), -7);
 }
 
@@ -188,56 +176,6 @@ void TestMeasurementSetup::copiesOfASignalDoNotSeeWrites()
     QCOMPARE(copy.iSamples.constData(), data.iSamples.constData()); // shared, nothing moved
     data.iData()[0] = 5.0;
     QCOMPARE(copy.iData().at(0), 0.0);
-}
-
-void TestMeasurementSetup::bandwidthCodes_data()
-{
-    QTest::addColumn<quint32>("hertz");
-    QTest::addColumn<quint32>("code");
-    QTest::addColumn<quint32>("back");
-    QTest::newRow("auto") << 0U << 0U << 0U;
-    QTest::newRow("1") << 1U << 1U << 1U;
-    QTest::newRow("3") << 3U << 3U << 3U;
-    QTest::newRow("4") << 4U << 4U << 5U;
-    QTest::newRow("9") << 9U << 4U << 5U;
-    QTest::newRow("10") << 10U << 5U << 10U;
-    QTest::newRow("1000") << 1000U << 13U << 1000U;
-    QTest::newRow("30000") << 30000U << 19U << 30000U;
-    QTest::newRow("40000") << 40000U << 20U << 50000U;
-    QTest::newRow("99999") << 99999U << 20U << 50000U;
-    QTest::newRow("300000") << 300000U << 23U << 300000U;
-    QTest::newRow("1000000") << 1000000U << 25U << 1000000U;
-}
-
-void TestMeasurementSetup::bandwidthCodes()
-{
-    QFETCH(quint32, hertz);
-    QFETCH(quint32, code);
-    QFETCH(quint32, back);
-    QCOMPARE(codeFromBandwidth(hertz), code);
-    QCOMPARE(bandwidthFromCode(code), back);
-}
-
-void TestMeasurementSetup::everyCodeComesBack()
-{
-    for (quint32 code = 0; code <= 36; ++code) {
-        QCOMPARE(codeFromBandwidth(bandwidthFromCode(code)), code);
-    }
-}
-
-void TestMeasurementSetup::hugeCodesSaturate()
-{
-    QCOMPARE(bandwidthFromCode(0xFFFFFFFFU), 0xFFFFFFFFU);
-    QCOMPARE(codeFromBandwidth(0xFFFFFFFFU), 40U);
-}
-
-void TestMeasurementSetup::automaticSweepTimeClearsTheSweepTime()
-{
-    Analyzer analyzer;
-    analyzer.setAutoSweepTime(false);
-    QCOMPARE(analyzer.sweepTime, 2.0);
-    analyzer.setAutoSweepTime(true);
-    QCOMPARE(analyzer.sweepTime, 0.0);
 }
 
 QTEST_GUILESS_MAIN(TestMeasurementSetup)

@@ -127,7 +127,10 @@ void TestNotchEditing::notchAtTheUpperEdgeIsNarrowedToItsRoom()
     QCOMPARE(row(setup).width, 104 * oneBin);
     QCOMPARE(row(setup).startIndex, 408);
     QCOMPARE(row(setup).stopIndex, 512);
-    setup.notchWidth = 105.5 * oneBin; // more than a bin too wide
+    setup.notchWidth = 105 * oneBin; // a bin too wide
+    QVERIFY(autoCalculateNotches(setup));
+    QCOMPARE(row(setup).width, 104 * oneBin);
+    setup.notchWidth = 105.5 * oneBin; // more than that
     QVERIFY(!autoCalculateNotches(setup));
     QVERIFY(setup.notches->items.isEmpty());
 }

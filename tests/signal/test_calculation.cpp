@@ -1,6 +1,8 @@
 // The worker of a seed sweep: what it computes, when it stays silent, and what it keeps alive.
 #include "signal/calculation.h"
 
+#include <QAbstractEventDispatcher>
+#include <QPointer>
 #include <QtTest>
 
 #include <cmath>
@@ -39,6 +41,7 @@ private slots:
     void reportsOnceWithItsSeed();
     void waitsForItsTurnAndGivesItBack();
     void cancelledBeforeItsTurnStaysSilent();
+    void aWorkerThatNeverBeganHasFailedAndACancelledOneHasNot();
     void keepsTheSettingsAliveUntilItEnds();
     void aWorkerThatWasNeverStartedIsDeletedInSilence();
     void anImpossibleLengthGivesNoNumber_data();
@@ -118,6 +121,22 @@ void TestCalculation::cancelledBeforeItsTurnStaysSilent()
     QCOMPARE(semaphore->available(), 1); // the next one is not held up
 }
 
+void TestCalculation::aWorkerThatNeverBeganHasFailedAndACancelledOneHasNot()
+{
+    const auto semaphore = std::make_shared<QSemaphore>(1);
+    Calculation refused(1, shortSetup(), semaphore);
+    QVERIFY(refused.hasFailed());
+    refused.cancel();
+    QVERIFY(!refused.hasFailed());
+
+    Calculation whole(1, shortSetup(), semaphore);
+    QVERIFY(whole.begin());
+    QVERIFY(whole.wait(10000));
+    QVERIFY(!whole.hasFailed());
+    whole.cancel();
+    QVERIFY(!whole.hasFailed());
+}
+
 void TestCalculation::keepsTheSettingsAliveUntilItEnds()
 {
     auto setup = shortSetup();
@@ -139,8 +158,11 @@ void TestCalculation::aWorkerThatWasNeverStartedIsDeletedInSilence()
     auto worker =
         std::make_unique<Calculation>(1, std::move(setup), std::make_shared<QSemaphore>(1));
     const QSignalSpy spy(worker.get(), &Calculation::calculated);
+    const QPointer<QObject> dispatcher = worker->eventDispatcher();
+    QVERIFY(dispatcher);
     worker.reset();
     QCOMPARE(spy.count(), 0);
+    QVERIFY(!dispatcher);
     QVERIFY(watched.expired());
 }
 
