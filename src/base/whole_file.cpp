@@ -42,6 +42,7 @@ WholeFile::WholeFile(const QString& path) : QFile(path), target(behindLink(path)
 WholeFile::~WholeFile()
 {
     if (isBeside) {
+        close(); // what the disk doesn't take any more would keep remove() from removing
         remove();
     }
 }

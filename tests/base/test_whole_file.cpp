@@ -2,16 +2,25 @@
 // to them is told in tests/reliability.
 #include "base/whole_file.h"
 
+#include "kit/system_limits.h"
+
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <csignal>
 #include <memory>
+#include <sys/stat.h>
 
 class TestWholeFile : public QObject
 {
     Q_OBJECT
 
 private slots:
+    void initTestCase()
+    {
+        isOrdinary = becomeOrdinaryUser();
+        std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit fails then
+    }
     void init() { folder = std::make_unique<QTemporaryDir>(); }
     void aNameOfAnyLengthIsReplaced_data();
     void aNameOfAnyLengthIsReplaced();
@@ -19,6 +28,13 @@ private slots:
     void theFormerFileStandsUntilThen();
     void rightsOfTheFormerFileStay();
     void twoFilesTakeTheirPlacesTogether();
+    void neitherOfTwoTakesItsPlaceWhenOneIsCutShort_data();
+    void neitherOfTwoTakesItsPlaceWhenOneIsCutShort();
+    void aFileThatIsCutShortIsDropped();
+    void theFileBehindALinkIsReplaced();
+    void whatIsNoFileIsNeverWritten();
+    void aFileThatMayNotBeWrittenStays();
+    void inAFolderThatTakesNoFileTheFormerOneIsWrittenOver();
 
 private:
     QStringList names() const
@@ -39,6 +55,7 @@ private:
     }
 
     std::unique_ptr<QTemporaryDir> folder;
+    bool isOrdinary = false; // no rights but those that files and folders give
 };
 
 void TestWholeFile::aNameOfAnyLengthIsReplaced_data()
@@ -103,9 +120,106 @@ void TestWholeFile::twoFilesTakeTheirPlacesTogether()
     QVERIFY(one.open(QIODevice::WriteOnly) && other.open(QIODevice::WriteOnly));
     one.write("1");
     other.write("2");
-    putBothInPlace(one, other);
+    QVERIFY(putBothInPlace(one, other));
     QCOMPARE(content("one") + content("other"), QByteArray("12"));
     QCOMPARE(names().size(), 2);
+}
+
+void TestWholeFile::neitherOfTwoTakesItsPlaceWhenOneIsCutShort_data()
+{
+    QTest::addColumn<int>("first");
+    QTest::addColumn<int>("second");
+    QTest::newRow("the first") << 101 << 100;
+    QTest::newRow("the second") << 100 << 101;
+}
+
+void TestWholeFile::neitherOfTwoTakesItsPlaceWhenOneIsCutShort()
+{
+    QFETCH(int, first);
+    QFETCH(int, second);
+    save("one", "former 1");
+    save("other", "former 2");
+    {
+        const LoweredLimit disk(RLIMIT_FSIZE, 100);
+        WholeFile one(folder->filePath("one"));
+        WholeFile other(folder->filePath("other"));
+        QVERIFY(one.open(QIODevice::WriteOnly) && other.open(QIODevice::WriteOnly));
+        one.write(QByteArray(first, '1'));
+        other.write(QByteArray(second, '2'));
+        QVERIFY(!putBothInPlace(one, other));
+    }
+    QCOMPARE(content("one") + content("other"), QByteArray("former 1former 2"));
+    QCOMPARE(names(), QStringList({"one", "other"}));
+}
+
+void TestWholeFile::aFileThatIsCutShortIsDropped()
+{
+    save("file", "former");
+    {
+        const LoweredLimit disk(RLIMIT_FSIZE, 100);
+        WholeFile file(folder->filePath("file"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(60, 'x'));
+        QVERIFY(file.isWhole());
+        file.write(QByteArray(60, 'x'));
+        QVERIFY(!file.isWhole());
+        QVERIFY(!file.putInPlace());
+    }
+    QCOMPARE(content("file"), QByteArray("former"));
+    QCOMPARE(names(), QStringList("file"));
+}
+
+void TestWholeFile::theFileBehindALinkIsReplaced()
+{
+    save("file", "former");
+    QVERIFY(QFile::link(folder->filePath("file"), folder->filePath("link")));
+    save("link", "new");
+    QVERIFY(QFileInfo(folder->filePath("link")).isSymLink());
+    QCOMPARE(content("file"), QByteArray("new"));
+}
+
+void TestWholeFile::whatIsNoFileIsNeverWritten()
+{
+    QVERIFY(QDir(folder->path()).mkdir("folder"));
+    const QString pipe = folder->filePath("pipe");
+    QCOMPARE(mkfifo(QFile::encodeName(pipe).constData(), 0600), 0);
+    for (const QString& path : {folder->filePath("folder"), pipe, QStringLiteral("/dev/null")}) {
+        WholeFile file(path);
+        QVERIFY2(!file.open(QIODevice::WriteOnly), qPrintable(path));
+    }
+    QCOMPARE(names(), QStringList("pipe"));
+}
+
+void TestWholeFile::aFileThatMayNotBeWrittenStays()
+{
+    if (!isOrdinary) {
+        QSKIP("the rights of this process can't be taken away");
+    }
+    save("file", "former");
+    QVERIFY(QFile::setPermissions(folder->filePath("file"), QFile::ReadOwner));
+    WholeFile file(folder->filePath("file"));
+    QVERIFY(!file.open(QIODevice::WriteOnly));
+    QCOMPARE(content("file"), QByteArray("former"));
+}
+
+void TestWholeFile::inAFolderThatTakesNoFileTheFormerOneIsWrittenOver()
+{
+    if (!isOrdinary) {
+        QSKIP("the rights of this process can't be taken away");
+    }
+    save("file", "the former one");
+    QVERIFY(QFile::setPermissions(folder->path(), QFile::ReadOwner | QFile::ExeOwner));
+    WholeFile file(folder->filePath("file"));
+    const bool isOpen = file.open(QIODevice::WriteOnly);
+    file.write("new");
+    const bool isInPlace = file.putInPlace();
+    WholeFile another(folder->filePath("another"));
+    const bool isAnotherOpen = another.open(QIODevice::WriteOnly);
+    QVERIFY(QFile::setPermissions(folder->path(),
+                                  QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QVERIFY(isOpen && isInPlace && !isAnotherOpen);
+    QCOMPARE(content("file"), QByteArray("new"));
+    QCOMPARE(names(), QStringList("file"));
 }
 
 QTEST_APPLESS_MAIN(TestWholeFile)
