@@ -8,6 +8,7 @@
 
 #include "campaign/npr_result.h"
 #include "campaign/plan.h"
+#include "dut/rare_peaks.h"
 #include "dut/scatter.h"
 
 #include <exception>
@@ -24,7 +25,8 @@ struct NotchContent
 {
     double stimulus = 0.0; // lines of the stimulus, mW
     double noise = 0.0;    // mW
-    DistortionEnergy distortion;
+    DistortionEnergy distortion = {};
+    RarePeaks rarePeaks = {}; // of one stimulus, their powers as far as they fall into the channel
 };
 
 // Powers in milliwatts of two channels of the same bandwidth.

@@ -26,6 +26,7 @@ void PointSums::add(const BenchReading& reading, bool isNewStimulus)
     if (isKnown) {
         stimulus += reading.content->stimulus;
         noise += reading.content->noise;
+        rarePeaks = reading.content->rarePeaks;
     }
     if (isNewStimulus) {
         ++stimuli;
@@ -54,8 +55,18 @@ PointSums::Scatter PointSums::scatter(int lines) const
     }
     const double passed = std::min(stimulus, notch) / notch;
     const double added = std::max(0.0, notch - stimulus - noise) / notch;
+    const double seenPeaks = added * added * distortion.concentration();
     return {(added * added + 2.0 * added * passed) / all,
-            added * added * distortion.concentration(), ownScatter()};
+            std::max(seenPeaks, expectedPeakScatter()), ownScatter()};
+}
+
+// Of the mean over all stimuli, which are as one long one.
+double PointSums::expectedPeakScatter() const
+{
+    RarePeaks all = rarePeaks;
+    all.count *= stimuli;
+    all.evenPower += (stimulus + noise) / count;
+    return scatterOf(all);
 }
 
 NprPoint PointSums::point(double level, const NumberedNotch& where) const

@@ -18,12 +18,13 @@ private:
     struct Scatter
     {
         double lines;    // relative variance of the notch's power from its lines
-        double peaks;    // from the peaks that make the distortion
+        double peaks;    // from the peaks that make the distortion, seen or to be expected
         double readings; // as the readings themselves scatter
     };
 
     Scatter scatter(int lines) const;
     double ownScatter() const;
+    double expectedPeakScatter() const;
 
     int count = 0;
     int stimuli = 0;
@@ -33,6 +34,7 @@ private:
     double stimulus = 0.0;
     double noise = 0.0;
     DistortionEnergy distortion; // of the new stimuli
+    RarePeaks rarePeaks;         // of one of them
     bool isKnown = true;         // by origin
     bool isOverloaded = false;
 };

@@ -78,6 +78,7 @@ void SimulatedBench::play(int stimulus)
         throw BenchFailure(objection);
     }
     SignalData signal = std::exchange(setup.signal, SignalData());
+    samples = signal.length;
     responses.clear();
     sweep.reset(); // frees its memory before the next one takes as much
     sweep = std::make_unique<LevelSweep>(
@@ -130,8 +131,27 @@ BenchReading SimulatedBench::read()
     BenchReading reading;
     reading.reference = response.channels.at(2 * notch).power();
     reading.notch = within.power();
-    reading.content = NotchContent{within.stimulus, within.noise, response.distortion};
+    reading.content =
+        NotchContent{within.stimulus, within.noise, response.distortion, rarePeaksInNotch()};
     return reading;
+}
+
+// Only phases of chance make noise whose peaks are to be expected. Clipping is about white.
+RarePeaks SimulatedBench::rarePeaksInNotch() const
+{
+    const bool isByChance =
+        setup.customSource == SignalSource::Internal &&
+        (setup.phaseMode == PhaseLaw::Seeded || setup.phaseMode == PhaseLaw::Clock);
+    if (!isByChance) {
+        return {};
+    }
+    RarePeaks peaks =
+        rarePeaksOf(chain.device, milliwatts(levels.at(level)), samples, setup.nbwSrate);
+    const NumberedNotch& tuned = notches.at(notch);
+    const double share = channelsOf(tuned.notch).bandwidth / setup.sampleRate;
+    peaks.power *= share;
+    peaks.evenPower *= share;
+    return peaks;
 }
 
 BenchNames SimulatedBench::names() const

@@ -32,6 +32,7 @@ public:
 private:
     bool hasSeed() const;
     void respondFrom(int level);
+    RarePeaks rarePeaksInNotch() const;
 
     MeasurementSetup setup;
     const quint32 firstSeed;
@@ -45,5 +46,6 @@ private:
     int firstResponse = 0;            // level of the first of them
     int level = 0;
     int notch = 0;
+    int samples = 0; // of the stimulus
     QVector<quint32> played;
 };

@@ -104,6 +104,9 @@ private slots:
     void aLinearDeviceReadsTheDepthOfTheNotch();
     void aConverterHasItsPeakAndRange_data();
     void aConverterHasItsPeakAndRange();
+    void fourteenBitsHaveTheirRange();
+    void readingsNearTheBestLoadingTellTheirScatter_data();
+    void readingsNearTheBestLoadingTellTheirScatter();
     void aCubicDeviceWithANoiseFloorPeaksWhereItMust();
     void averagesTakeTheNextSeeds();
     void aPhaseLawWithoutASeedRepeatsItsStimulus();
@@ -141,8 +144,11 @@ void TestSimulatedBench::aConverterHasItsPeakAndRange_data()
     QTest::addColumn<double>("npr");
     QTest::addColumn<double>("level"); // 3.01 dB - 20 lg k
     QTest::addColumn<double>("range"); // at 41 dB
-    QTest::newRow("12 bits") << 12 << 62.71 << -10.99 << 25.35;
-    QTest::newRow("8 bits") << 8 << 40.60 << -8.86 << 0.0;
+    QTest::addColumn<int>("averages");
+    QTest::newRow("12 bits") << 12 << 62.71 << -10.99 << 25.35 << 16;
+    QTest::newRow("10 bits") << 10 << 51.56 << -10.03 << 13.28 << 4;
+    QTest::newRow("8 bits") << 8 << 40.60 << -8.86 << 0.0 << 2;
+    QTest::newRow("6 bits") << 6 << 29.94 << -7.33 << 0.0 << 1;
 }
 
 void TestSimulatedBench::aConverterHasItsPeakAndRange()
@@ -151,9 +157,10 @@ void TestSimulatedBench::aConverterHasItsPeakAndRange()
     QFETCH(double, npr);
     QFETCH(double, level);
     QFETCH(double, range);
+    QFETCH(int, averages);
     const MeasurementSetup setup = oneNotch();
     const QVector<double> levels = levelSteps(-36.0, -5.0, 1.0);
-    const CampaignOutcome outcome = measured(setup, converter(bits), planOf(setup, levels, 16));
+    const CampaignOutcome outcome = measured(setup, converter(bits), planOf(setup, levels, averages));
     const NprCurve curve = curvesOf(outcome.points, {41.0}).constFirst();
     QVERIFY2(std::abs(*curve.peakNpr - npr) < 0.5, qPrintable(QString::number(*curve.peakNpr)));
     QVERIFY2(std::abs(*curve.peakLevel - level) < 0.7,
@@ -163,6 +170,60 @@ void TestSimulatedBench::aConverterHasItsPeakAndRange()
         QVERIFY2(std::abs(*curve.ranges[0].range() - range) < 0.6,
                  qPrintable(QString::number(*curve.ranges[0].range())));
     }
+}
+
+// Their peak is 74 dB at the most, but hardly one stimulus in a hundred shows the clipping there.
+void TestSimulatedBench::fourteenBitsHaveTheirRange()
+{
+    const MeasurementSetup setup = oneNotch(7);
+    const CampaignPlan plan = planOf(setup, levelSteps(-46.0, -5.0, 1.0), 4);
+    const CampaignOutcome outcome = measured(setup, converter(14), plan);
+    const NprCurve curve = curvesOf(outcome.points, {41.0}).constFirst();
+    QVERIFY2(std::abs(*curve.ranges[0].range() - 37.39) < 0.6,
+             qPrintable(QString::number(*curve.ranges[0].range())));
+    for (const NprPoint& point : outcome.points) {
+        // From k = 6 down to 3.2: two clipped samples in a thousand million to one in 700.
+        const bool isNearClipping = point.level > -12.5 && point.level < -7.0;
+        QVERIFY(!isNearClipping || point.marks.contains(PointMark::fewPeaks));
+        QVERIFY(point.level > -15.0 || point.marks.isEmpty());
+    }
+}
+
+// NPR by Gray and Zeoli's formula, worked out apart.
+void TestSimulatedBench::readingsNearTheBestLoadingTellTheirScatter_data()
+{
+    QTest::addColumn<int>("bits");
+    QTest::addColumn<double>("loading");
+    QTest::addColumn<double>("npr");
+    QTest::addColumn<int>("averages");
+    for (const int averages : {1, 4, 16}) {
+        const auto row = [averages](int bits, double loading, double npr) {
+            QTest::addRow("%d bits, k = %.2f, %d averages", bits, loading, averages)
+                << bits << loading << npr << averages;
+        };
+        row(12, 4.5, 60.22);
+        row(12, 5.0, 62.71);
+        row(14, 5.0, 71.57);
+        row(14, 5.49, 74.01);
+        row(14, 5.75, 73.82);
+    }
+}
+
+// Far more often than not none of the samples is clipped, and the reading is too high.
+void TestSimulatedBench::readingsNearTheBestLoadingTellTheirScatter()
+{
+    QFETCH(int, bits);
+    QFETCH(double, loading);
+    QFETCH(double, npr);
+    QFETCH(int, averages);
+    const MeasurementSetup setup = oneNotch();
+    const double level = 3.0103 - 20.0 * std::log10(loading);
+    const NprPoint point =
+        measured(setup, converter(bits), planOf(setup, {level}, averages)).points.constFirst();
+    const QString text = QString("%1 dB, sigma %2").arg(*point.npr).arg(*point.sigma);
+    QVERIFY2(std::abs(*point.npr - npr) < 3.0 * *point.sigma + 0.1, qPrintable(text));
+    QVERIFY2(*point.sigma < 6.0, qPrintable(text));
+    QVERIFY(point.marks.contains(PointMark::fewPeaks));
 }
 
 // Best level (N IP3^2 / 3)^(1/3), peak 2/3 (IP3 - N) - 3.35 dB; IP3 of 20 dBm and a noise power in
@@ -229,6 +290,10 @@ void TestSimulatedBench::sigmaIsWhatScatters_data()
     QTest::newRow("soft limiter 8 dB") << &soft << -8.0 << 2.0 << true << 7;
     // Rare peaks take a long signal.
     QTest::newRow("soft limiter 10 dB") << &soft << -10.0 << 2.0 << true << 5;
+    // k = 4.22: 1.6 clipped samples a stimulus; k = 4.73: one in six stimuli.
+    static Chain twelve = converter(12);
+    QTest::newRow("a clip or two") << &twelve << -9.5 << 2.0 << true << 7;
+    QTest::newRow("hardly a clip") << &twelve << -10.5 << 2.0 << true << 7;
 }
 
 // 200 seeds tell a sigma to 5 %.
