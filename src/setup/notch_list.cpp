@@ -8,11 +8,48 @@
 
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <utility>
 
 namespace {
 
 constexpr int columnCount = 7;
+
+// What the texts of a row are made of.
+struct RowNumbers
+{
+    explicit RowNumbers(const Notch& notch = {})
+        : frequencies{notch.center, notch.width, notch.startFreq, notch.stopFreq},
+          depth(notch.depth),
+          bins{notch.startIndex, notch.stopIndex}
+    {
+    }
+
+    double frequencies[4];
+    double depth;
+    qint32 bins[2];
+};
+
+QVector<RowNumbers> numbersOf(const QList<Notch>& rows, double centerFrequency)
+{
+    QVector<RowNumbers> numbers;
+    numbers.reserve(rows.size() + 1);
+    for (const Notch& notch : rows) {
+        numbers.append(RowNumbers(notch));
+    }
+    Notch carrier;
+    carrier.center = centerFrequency;
+    numbers.append(RowNumbers(carrier));
+    return numbers;
+}
+
+// Bit by bit, so that a number that is none equals itself.
+bool areSame(const QVector<RowNumbers>& one, const QVector<RowNumbers>& other)
+{
+    return one.size() == other.size() &&
+           std::memcmp(one.constData(), other.constData(),
+                       std::size_t(one.size()) * sizeof(RowNumbers)) == 0;
+}
 
 QString megahertz(double hertz)
 {
@@ -48,17 +85,25 @@ QList<QStandardItem*> tableRow(const RowTexts& texts, bool shaded)
     return row;
 }
 
-bool shows(const QStandardItemModel& model, const QVector<RowTexts>& rows)
+bool showsRow(const QStandardItemModel& model, int row, const RowTexts& texts)
+{
+    for (int column = 0; column < columnCount; ++column) {
+        const QStandardItem* item = model.item(row, column);
+        if (item == nullptr || item->text() != texts[std::size_t(column)]) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool shows(const QStandardItemModel& model, const QList<Notch>& rows, double centerFrequency)
 {
     if (model.rowCount() != rows.size() || model.columnCount() != columnCount) {
         return false;
     }
     for (int row = 0; row < rows.size(); ++row) {
-        for (int column = 0; column < columnCount; ++column) {
-            const QStandardItem* item = model.item(row, column);
-            if (item == nullptr || item->text() != rows.at(row)[std::size_t(column)]) {
-                return false;
-            }
+        if (!showsRow(model, row, textsOf(rows.at(row), centerFrequency))) {
+            return false;
         }
     }
     return true;
@@ -72,15 +117,43 @@ void setHeader(QStandardItemModel& model)
                                      QStringLiteral("Stop Index"), QStringLiteral("Depth/dB")});
 }
 
+void rebuild(QStandardItemModel& model, const QList<Notch>& rows, double centerFrequency)
+{
+    model.clear();
+    setHeader(model);
+    for (int row = 0; row < rows.size(); ++row) {
+        model.insertRow(row, tableRow(textsOf(rows.at(row), centerFrequency), row % 2 == 1));
+    }
+}
+
 } // namespace
 
-NotchList::NotchList() : tableModel(std::make_shared<QStandardItemModel>(0, columnCount)) {}
+// The model, and what it is known to show, so that a refresh that changes nothing costs little.
+struct NotchTable
+{
+    NotchTable() : model(0, columnCount)
+    {
+        QObject::connect(&model, &QStandardItemModel::itemChanged, &model,
+                         [this] { isTypedIn = true; });
+    }
+
+    QStandardItemModel model;
+    QVector<RowNumbers> shown;
+    bool isTypedIn = true; // it may show something else
+};
+
+NotchList::NotchList() : table(std::make_shared<NotchTable>()) {}
 
 NotchList::NotchList(QList<Notch> rows) : items(std::move(rows)) {}
 
 NotchList NotchList::rowsOnly() const
 {
     return NotchList(items);
+}
+
+QStandardItemModel* NotchList::model() const
+{
+    return table ? &table->model : nullptr;
 }
 
 void NotchList::insert(qint32 position, const Notch& notch)
@@ -95,20 +168,15 @@ void NotchList::clear()
 
 bool NotchList::fillTable(double centerFrequency)
 {
-    QVector<RowTexts> rows;
-    rows.reserve(items.size());
-    for (const Notch& notch : qAsConst(items)) {
-        rows.append(textsOf(notch, centerFrequency));
-    }
+    QVector<RowNumbers> numbers = numbersOf(items, centerFrequency);
+    const bool isKnown = !table->isTypedIn && areSame(numbers, table->shown);
     // A cell that is being edited would lose its editor with a rebuild that changes nothing.
-    if (shows(*tableModel, rows)) {
-        setHeader(*tableModel);
-        return false;
+    const bool isRebuilt = !isKnown && !shows(table->model, items, centerFrequency);
+    if (isRebuilt) {
+        rebuild(table->model, items, centerFrequency);
     }
-    tableModel->clear();
-    setHeader(*tableModel);
-    for (int row = 0; row < rows.size(); ++row) {
-        tableModel->insertRow(row, tableRow(rows.at(row), row % 2 == 1));
-    }
-    return true;
+    setHeader(table->model);
+    table->shown = std::move(numbers);
+    table->isTypedIn = false;
+    return isRebuilt;
 }

@@ -11,6 +11,7 @@
 #include <memory>
 
 class QStandardItemModel;
+struct NotchTable;
 
 class NotchList
 {
@@ -22,7 +23,7 @@ public:
     NotchList rowsOnly() const;
 
     // Null after rowsOnly().
-    QStandardItemModel* model() const { return tableModel.get(); }
+    QStandardItemModel* model() const;
 
     // A position at or beyond the end appends, one at or below 0 prepends.
     void insert(qint32 position, const Notch& notch);
@@ -43,5 +44,5 @@ public:
 private:
     explicit NotchList(QList<Notch> rows);
 
-    std::shared_ptr<QStandardItemModel> tableModel;
+    std::shared_ptr<NotchTable> table;
 };

@@ -48,9 +48,13 @@ StatusServer::~StatusServer()
 void StatusServer::listen(quint16 port)
 {
     server = new QTcpServer(parent());
+    // One client each time the event loop turns: a server takes clients for as long as there are
+    // any, and whoever comes and goes quickly would keep everybody else waiting.
+    server->setMaxPendingConnections(1);
+    connect(
+        server, &QTcpServer::newConnection, this,
+        [this, signalling = server] { takeClientOf(signalling); }, Qt::QueuedConnection);
     server->listen(QHostAddress::Any, port);
-    connect(server, &QTcpServer::newConnection, this,
-            [this, signalling = server.data()] { takeClientOf(signalling); });
 }
 
 void StatusServer::close()

@@ -43,6 +43,7 @@ private slots:
     void oddRowsAreShadedAndAllAreRightAligned();
     void clearKeepsTheModel();
     void nothingIsRebuiltWhereNoCellWouldChange();
+    void typedTextGivesWayEachTime();
     void copiesDetachTheirRowsAndShareTheModel();
 };
 
@@ -142,6 +143,22 @@ void TestNotchList::nothingIsRebuiltWhereNoCellWouldChange()
     list.clear();
     QVERIFY(list.fillTable(1e6));
     QCOMPARE(list.model()->rowCount(), 0);
+}
+
+// What is typed while nothing else changes, and again after a refresh that changed nothing.
+void TestNotchList::typedTextGivesWayEachTime()
+{
+    NotchList list;
+    list.insert(1, notchAt(0));
+    list.insert(2, notchAt(0));
+    QVERIFY(list.fillTable(0.0));
+    for (const char* typed : {"letters", "0.5", ""}) {
+        list.model()->item(1, 0)->setText(typed);
+        QVERIFY(list.fillTable(0.0));
+        QCOMPARE(list.model()->item(1, 0)->text(), QString("0.000000"));
+        list.model()->item(1, 0)->setText("0.000000");
+        QVERIFY(!list.fillTable(0.0));
+    }
 }
 
 void TestNotchList::copiesDetachTheirRowsAndShareTheModel()
