@@ -10,14 +10,15 @@ namespace {
 
 constexpr int lineWidth = 80;
 
-// Words in lines that begin at a column; the first line goes on where it stands.
-QString wrapped(const QString& text, int column)
+// Words in lines that begin at a column; the first line goes on where it stands. All others end in
+// lineEnd.
+QString wrapped(const QString& text, int column, const QString& lineEnd = {})
 {
     QString all;
     int at = column;
     for (const QString& word : text.split(' ')) {
-        if (at > column && at + word.size() + 1 > lineWidth) {
-            all += '\n' + QString(column, ' ');
+        if (at > column && at + word.size() + 1 + lineEnd.size() > lineWidth) {
+            all += lineEnd + '\n' + QString(column, ' ');
             at = column;
         }
         const QString piece = (at > column ? " " : "") + word;
@@ -56,7 +57,8 @@ const char configHelp[] =
     "\"default\" for the program's defaults.\n";
 
 const char examples[] =
-    "  notchbench-cli signal default --notches 9,1e6,-100,0\n"
+    "  notchbench-cli curve default --notches 3,1e6,-100,0 --levels -40:0:2 \\\n"
+    "  --simulate adc,bits=12,full-scale=0 --threshold 41 --plot curve.png\n"
     "  notchbench-cli signal default --set \"NPR/Seed=7\" --out noise --format wv\n"
     "  notchbench-cli trim default --target 9 --out trimmed.pmc\n";
 
@@ -93,5 +95,5 @@ QString helpOf(const Command& command)
     options.append(qMakePair(QString("--help"), QString("Show this text.")));
     return "usage: notchbench-cli " + command.name + ' ' + command.positional + " [OPTIONS]\n\n" +
            wrapped(command.summary, 0) + '\n' + configHelp + "\nOptions:\n" + glossary(options) +
-           "\nExample:\n  notchbench-cli " + command.example + '\n';
+           "\nExample:\n  " + wrapped("notchbench-cli " + command.example, 2, " \\");
 }

@@ -64,7 +64,7 @@ void TestCliUsage::helpNamesEveryCommandAndEveryOption()
     const CliRun help = cli->run({"--help"});
     QCOMPARE(help.status, 0);
     QCOMPARE(help.err, QString());
-    for (const char* command : {"signal", "trim", "serve"}) {
+    for (const char* command : {"signal", "trim", "measure", "curve", "serve"}) {
         QVERIFY(help.out.contains(QString("\n  ") + command + ' '));
         const CliRun own = cli->run({command, "--help"});
         QCOMPARE(own.status, 0);
@@ -81,10 +81,17 @@ void TestCliUsage::helpNamesEveryCommandAndEveryOption()
 // As a shell runs them, one after the other in an empty folder.
 void TestCliUsage::theExamplesOfTheHelpRunAsTheyStand()
 {
-    const QString examples =
-        cli->run({"--help"}).out.section("Examples:\n", 1).section("\n\n", 0, 0);
-    const QStringList lines = examples.split('\n', Qt::SkipEmptyParts);
+    const auto examplesOf = [this](const QStringList& words) {
+        const QString help = cli->run(words).out.remove("\\\n");
+        const QString examples = help.section(QRegularExpression("Examples?:\n"), 1);
+        return examples.section("\n\n", 0, 0).split('\n', Qt::SkipEmptyParts);
+    };
+    QStringList lines = examplesOf({"--help"});
     QCOMPARE(lines.size(), 3);
+    for (const char* command : {"signal", "trim", "measure", "curve"}) {
+        lines += examplesOf({command, "--help"});
+    }
+    QCOMPARE(lines.size(), 7);
     for (const QString& line : lines) {
         const QString command =
             line.trimmed().replace(0, QString("notchbench-cli").size(), "\"" NOTCHBENCH_CLI "\"");
