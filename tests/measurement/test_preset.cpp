@@ -1,0 +1,179 @@
+// The preset away from the main thread, who is told of its failure, and the channels of a reading.
+#include "measurement/preset.h"
+
+#include "kit/background_jobs.h"
+#include "kit/remote_failure.h"
+#include "kit/scripted_instrument.h"
+#include "measurement/channels.h"
+#include "measurement/npr_measurement_thread.h"
+#include "measurement/usual_device.h"
+
+#include <QtTest>
+
+#include <thread>
+
+namespace {
+
+Notch notchAt(double center, double width)
+{
+    Notch notch;
+    notch.center = center;
+    notch.width = width;
+    return notch;
+}
+
+bool isFree(const Instrument& instrument)
+{
+    bool given = false;
+    instrument.link()->ask([&given](const LinkTurn& turn) { given = bool(turn); });
+    return given;
+}
+
+} // namespace
+
+class TestPreset : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void channelsOfAnUpperNotch();
+    void channelsOfALowerNotch();
+    void inTheBackgroundTheWholeChainIsSet();
+    void aPlaceIsTakenBeforeWhoeverAsksNext();
+    void aFailureInTheBackgroundIsToldOnce();
+    void aRetiredLinkEndsThePreset();
+    void aRetiredAnalyzerIsNotPreset();
+    void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
+    void aStoppedThreadDoesNotWaitForItsTurn();
+};
+
+// 1.2 widths between the channels' middles, 0.75 widths wide.
+void TestPreset::channelsOfAnUpperNotch()
+{
+    const ReadingChannels channels = channelsOf(notchAt(10e6, 2e6));
+    QVERIFY(channels.notchIsUpper);
+    QCOMPARE(channels.reference, 7.6e6);
+    QCOMPARE(channels.bandwidth, 1.5e6);
+    QCOMPARE(channels.spacing, 2.4e6);
+    QCOMPARE(channels.notch(), 10e6);
+}
+
+void TestPreset::channelsOfALowerNotch()
+{
+    const ReadingChannels channels = channelsOf(notchAt(-10e6, 2e6));
+    QVERIFY(!channels.notchIsUpper);
+    QCOMPARE(channels.reference, -7.6e6);
+    QCOMPARE(channels.spacing, 2.4e6);
+    QCOMPARE(channels.notch(), -10e6);
+}
+
+void TestPreset::inTheBackgroundTheWholeChainIsSet()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", "one for all\n");
+    InstrumentChain chain;
+    chain.generator.frequency = 1e9;
+    chain.microwave.device = 1;
+    chain.microwave.frequency = 2e10;
+    chain.analyzer.level = -7.5;
+    QStringList failures;
+    presetInBackground(chain,
+                       [&failures](KORemoteException* told) { failures << told->message(); });
+    waitForBackgroundJobs();
+    const QByteArray sent = device.takeReceivedUpTo("RLEV -7.500\n&GTL\n");
+    QVERIFY(sent.contains("FREQ 1000000000.000000\n"));
+    QVERIFY(sent.contains("FREQ 20000000000.000000\n"));
+    QVERIFY(sent.contains("SENS:DET1:FUNC RMS\n"));
+    QCOMPARE(failures, QStringList());
+    QVERIFY(isFree(chain.analyzer) && isFree(chain.generator) && isFree(chain.microwave));
+}
+
+// The main thread's order is the devices' order, however late the worker thread begins.
+void TestPreset::aPlaceIsTakenBeforeWhoeverAsksNext()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", "one for all\n");
+    const InstrumentChain chain;
+    presetInBackground(chain, [](KORemoteException*) {});
+    QString message = QStringLiteral("not served");
+    chain.analyzer.link()->ask(
+        [&](const LinkTurn&) { message = chain.analyzer.deviceMessage(); }); // after its first step
+    waitForBackgroundJobs();
+    QCOMPARE(message, QString("one for all"));
+}
+
+void TestPreset::aFailureInTheBackgroundIsToldOnce()
+{
+    InstrumentChain chain;
+    chain.generator.ipAddress = QStringLiteral("127.0.0.9"); // nobody there
+    chain.analyzer.interfaceKind = InterfaceKind::Gpib0;     // and no VISA library
+    QStringList failures;
+    std::thread::id teller;
+    presetInBackground(chain, [&](KORemoteException* told) {
+        failures << told->message();
+        teller = std::this_thread::get_id();
+    });
+    waitForBackgroundJobs();
+    QCOMPARE(failures, QStringList("Analyzer is not initialized!"));
+    QVERIFY(teller != std::this_thread::get_id());
+    QCOMPARE(chain.analyzer.deviceMessage(), QString("Could not load VISA"));
+    QVERIFY(isFree(chain.analyzer));
+}
+
+void TestPreset::aRetiredLinkEndsThePreset()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", "one for all\n");
+    InstrumentChain chain;
+    chain.generator.link()->retire();
+    QCOMPARE(failureOf([&] { presetInstruments(chain, chain.analyzer.link()->takeTurn()); }),
+             QString("(none)"));
+    chain.analyzer.commands()->send("end");
+    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("*IDN?\n&GTL\nend\n"));
+    QVERIFY(isFree(chain.analyzer));
+}
+
+void TestPreset::aRetiredAnalyzerIsNotPreset()
+{
+    ScriptedInstrument device;
+    InstrumentChain chain;
+    chain.analyzer.link()->retire();
+    int failures = 0;
+    presetInBackground(chain, [&failures](KORemoteException*) { ++failures; });
+    waitForBackgroundJobs();
+    QCOMPARE(failures, 0);
+    QCOMPARE(device.connectionCount(), 0);
+}
+
+void TestPreset::aMeasurementOnTheCallingThreadIsDoneWhenItReturns()
+{
+    UsualDevice device;
+    device.answer(acpQuery, "-10.5,-1.25,-42\n");
+    NPRMeasurementThread thread;
+    const Analyzer analyzer = connectedAnalyzer();
+    thread.setAnalyzer(analyzer);
+    thread.measureOnce();
+    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{-10.5, -1.25, -42.0}));
+    QVERIFY(isFree(analyzer));
+    device.takeReceivedUpTo("ACP\n&GTL\n");
+    analyzer.link()->retire();
+    thread.measureOnce();
+    analyzer.commands()->send("end");
+    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
+}
+
+// Somebody else talks to the analyzer, perhaps for long.
+void TestPreset::aStoppedThreadDoesNotWaitForItsTurn()
+{
+    const Analyzer analyzer;
+    const LinkTurn other = analyzer.link()->takeTurn();
+    NPRMeasurementThread thread;
+    thread.setAnalyzer(analyzer);
+    thread.pause();
+    thread.start(QThread::InheritPriority);
+    thread.stop();
+    QTRY_VERIFY(thread.isFinished());
+}
+
+QTEST_GUILESS_MAIN(TestPreset)
+#include "test_preset.moc"
