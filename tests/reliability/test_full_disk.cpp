@@ -74,7 +74,7 @@ MeasurementSetup longSetup()
 {
     MeasurementSetup setup;
     setup.signal = longSignal();
-    for (int row = 0; row < 999; ++row) { // metadata longer than the disk
+    for (int row = 0; row < 400; ++row) { // metadata longer than the disk
         setup.notches->insert(row, Notch());
     }
     return setup;
