@@ -82,7 +82,7 @@ QByteArray sigmfMetadata(const MeasurementSetup& setup, const QString& program,
         global["core:sample_rate"] = setup.sampleRate;
         annotations = annotationsOf(setup);
     }
-    const QJsonArray captures{QJsonObject{{"core:sample_start", 0}, {"core:frequency", 0}}};
+    const QJsonArray captures{QJsonObject{{"core:sample_start", 0}}};
     const QJsonObject metadata{
         {"global", global}, {"captures", captures}, {"annotations", annotations}};
     return QJsonDocument(metadata).toJson();

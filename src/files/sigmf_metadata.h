@@ -7,10 +7,10 @@ class QString;
 struct MeasurementSetup;
 
 // JSON for a file with the samples of setup.signal as pairs of little-endian floats, whose SHA-512
-// is hash (64 bytes). Frequencies are offsets from the carrier in Hz, for the capture says that
-// its middle lies at 0. Each row of the notch table that left something in the spectrum has an
-// annotation over all samples, from the lower edge of its first line to the upper edge of its
-// last; a line is as wide as their distance. Without a positive rate there are neither rate nor
-// annotations.
+// is hash (64 bytes). Frequencies are offsets from the carrier in Hz, for the capture tells no
+// frequency of its middle: whoever plays the samples chooses it. Each row of the notch table that
+// left something in the spectrum has an annotation over all samples, from the lower edge of its
+// first line to the upper edge of its last; a line is as wide as their distance. Without a positive
+// rate there are neither rate nor annotations.
 QByteArray sigmfMetadata(const MeasurementSetup& setup, const QString& program,
                          const QByteArray& hash);
