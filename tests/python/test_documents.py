@@ -1,0 +1,51 @@
+"""The code that documents show runs as it stands, but for the port."""
+
+from __future__ import annotations
+
+import html
+import os
+import re
+from pathlib import Path
+from typing import Any
+
+import pytest
+
+import notchbench
+from conftest import ROOT
+
+
+def indented_code(text: str) -> list[str]:
+    """That of the section about Python in Markdown."""
+    section = text.split("\n## From Python\n")[1].split("\n## ")[0]
+    return ["\n".join(re.findall(r"^    (.*)$", section, re.MULTILINE))]
+
+
+def preformatted_code(text: str) -> list[str]:
+    return [html.unescape(code) for code in re.findall(r"<pre>(.*?)</pre>", text, re.DOTALL)]
+
+
+@pytest.fixture
+def bench(folder: Path, program: str, monkeypatch: pytest.MonkeyPatch) -> None:
+    """bench.cfg, device.json and a notchbench-cli whose instruments are simulated."""
+    (folder / "bench.cfg").write_text("[NPR]\nFFT Len = 16384\nNBW/SRate = 0.8\n")
+    simulated = "--notches 3,2e6,-100,0 --simulate adc,bits=8,full-scale=0"
+    stand_in = folder / "notchbench-cli"
+    stand_in.write_text(f'#!/bin/sh\nexec {program} "$@" {simulated}\n')
+    stand_in.chmod(0o755)
+    monkeypatch.setenv("PATH", str(folder) + os.pathsep + os.environ["PATH"])
+    notchbench.run("measure", "bench.cfg", "--json", "device.json")
+
+
+@pytest.mark.parametrize(
+    ("document", "code_of"),
+    [("README.md", indented_code), ("docs/manual/python.html", preformatted_code)],
+)
+def test_code_of_a_document_runs(
+    document: str, code_of: Any, port: int, bench: None, capsys: pytest.CaptureFixture[str]
+) -> None:
+    names: dict[str, Any] = {}
+    for code in code_of((ROOT / document).read_text(encoding="utf-8")):
+        exec(code.replace("10000", str(port)), names)
+    assert len(names["signal"].samples) == 16384
+    assert len(names["result"].points) >= 3
+    assert "[" in capsys.readouterr().out  # the arrays that are printed
