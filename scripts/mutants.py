@@ -131,12 +131,13 @@ def mutants_of_statement(path, source, tokens, first):
         yield [Mutant(path, tokens[first].start, tokens[end].start, "")]
 
 
-def mutants_of(path, source, choose):
-    """One for each place that can be changed."""
+def mutants_of(path, source):
+    """Those of each place that can be changed, as a list of lists."""
     tokens = tokens_of(source)
     result = []
-    begins, skipped_to, head = True, -1, ""
+    begins, skipped_to, head, loop_head_end = True, -1, "", -1
     for i, token in enumerate(tokens):
+        begins = begins and i > loop_head_end
         if begins:
             head = token.text
         if begins and i > skipped_to:
@@ -144,12 +145,13 @@ def mutants_of(path, source, choose):
             if any(tokens[k].text in UNTOUCHED for k in range(i, end)):
                 skipped_to = max(end, statement_end(tokens, i) or end)
             else:
-                choices = mutants_of_statement(path, source, tokens, i)
-                result += [choose(choice) for choice in choices]
+                result += mutants_of_statement(path, source, tokens, i)
         if i > skipped_to:
             new_texts = changes_of_token(source, token)
             if new_texts:
-                result.append(Mutant(path, token.start, token.end, choose(new_texts)))
+                result.append([Mutant(path, token.start, token.end, new) for new in new_texts])
         begins = token.text in (";", "{", "}", "else") or (
             token.text == ":" and head in ("case", "default"))
+        if token.text == "for":
+            loop_head_end = closing(tokens, i + 1) or i
     return result

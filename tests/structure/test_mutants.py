@@ -19,7 +19,7 @@ loader.exec_module(mutate)
 
 def lines(source):
     """What becomes of each place, "old -> new"; the first where there is a choice."""
-    mutants = mutants_of("a.cpp", source, lambda choices: choices[0])
+    mutants = [place[0] for place in mutants_of("a.cpp", source)]
     return [source[m.start:m.end] + " -> " + m.new for m in mutants]
 
 
@@ -44,6 +44,11 @@ class Mutants(unittest.TestCase):
         self.assertEqual(lines("void f()\n{\n    int a;\n    const auto b = c;\n    Type d(e);\n"
                                "    a = b;\n    g(a, [&] { h(); });\n    ++a;\n    return;\n}\n"),
                          ["a = b -> ", "g(a, [&] { h(); }) -> ", "h() -> ", "++a -> ", "return -> "])
+
+    def test_the_parts_of_a_loops_head_stay(self):
+        self.assertEqual(lines("void f()\n{\n    for (int i = 0; i < n; ++i) {\n        g(i);\n"
+                               "    }\n    for (; i != n;) {\n    }\n}\n"),
+                         ["0 -> 1", "< -> <=", "g(i) -> ", "!= -> =="])
 
     def test_comments_logs_assertions_and_directives_stay(self):
         self.assertEqual(lines("#include \"a 1\"\n#define B 1\n// c + 2\n/* d + 3 */\n"
