@@ -26,8 +26,8 @@ void MainWindow::connectMeasurement()
             [this] { notifyPropertyChanged(); });
 }
 
-// The record is about to be replaced. Its connections are deliberately neither closed nor freed:
-// the instruments keep their link until the program ends, as after any other change of settings.
+// The record is about to be replaced. Deliberate: its connections are neither closed nor freed. The
+// instruments keep their link until the program ends, as after any other change of settings.
 void MainWindow::retireLinks()
 {
     for (const std::shared_ptr<InstrumentLink>& link :

@@ -83,7 +83,7 @@ void MainWindow::on_actionSave_Waveform_triggered()
 
 void MainWindow::crest_factor_clicked()
 {
-    qDebug() << "Crest Fector Window Opened"; // deliberate spelling
+    qDebug() << "Crest Fector Window Opened"; // Deliberate: spelled as logs have it
     crestFactorDialog->show();
 }
 

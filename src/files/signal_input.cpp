@@ -42,8 +42,8 @@ void readSamples(QFile& file, QVector<double>& samples)
     }
 }
 
-// Deliberate, and what files of this kind are made for: the magnitude is that of the real part
-// alone, the phase is the plain arc tangent of the quotient, and it is kept divided by pi.
+// Deliberate: the magnitude is that of the real part alone, the phase is the plain arc tangent of
+// the quotient, and it is kept divided by pi. Files of this kind are made for it.
 void takeLine(SignalData& data, int from, int to)
 {
     const double re = data.iSamples.at(from);

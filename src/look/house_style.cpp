@@ -26,8 +26,8 @@ QString houseStyleSheet()
     return QString::fromUtf8(sheet.readAll());
 }
 
-// In one size on purpose: to convert a larger picture the toolkit begins threads, which the idle
-// program is to do without.
+// In one size: to convert a larger picture the toolkit begins threads, which the idle program is to
+// do without.
 QIcon houseIcon()
 {
     return QIcon(QStringLiteral(":/Images/Resources/notchbench.png"));

@@ -204,7 +204,7 @@ NPRMeasurementThread::Result NPRMeasurementThread::results() const
 void NPRMeasurementThread::sleepWhilePaused()
 {
     QMutexLocker lock(&sleepMutex);
-    if (paused && running) { // deliberately no loop: any wake goes on to the next pass
+    if (paused && running) { // Deliberate: no loop. Any wake goes on to the next pass
         wakeCondition.wait(&sleepMutex);
     }
 }

@@ -6,7 +6,7 @@
 // reading.)
 //
 // Doubles are written with six significant digits, and that is the format. Some values come back
-// changed; each such place is marked deliberate, because stored files rely on it.
+// changed; each such place is marked in config_file.cpp, because stored files rely on it.
 #pragma once
 
 #include "setup/config_text.h"

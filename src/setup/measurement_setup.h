@@ -70,7 +70,7 @@ struct MeasurementSetup
     Analyzer analyzer;
     MicrowaveGenerator microwave;
     std::shared_ptr<NotchList> notches;      // shared by copies of the record
-    std::shared_ptr<NotchList> spareNotches; // kept on purpose, carried along, never filled
+    std::shared_ptr<NotchList> spareNotches; // Deliberate: carried along, never filled
     NotchOrCarrier notchOrCarrier = NotchOrCarrier::Notch; // what a row of the table is
     double sampleRate = 100000000.0;                       // Hz
     double nbwSrate = 1.0;                                 // noise bandwidth divided by sample rate

@@ -148,8 +148,8 @@ void storeCarrier(Notch& notch, int column, const QString& text, double carrier,
 
 void followCenterAndWidth(Notch& notch, const Band& band)
 {
-    // Deliberately no mirror images: the lower bound keeps the lower edge in the band, the upper
-    // one lets the upper edge stand out by a width. Stored tables rely on it.
+    // Deliberate: no mirror images. The lower bound keeps the lower edge in the band, the upper one
+    // lets the upper edge stand out by a width. Stored tables rely on it.
     notch.center = std::max(notch.center, (notch.width - band.bandwidth) * 0.5);
     notch.center = std::min(notch.center, (band.bandwidth + notch.width) * 0.5);
     notch.center = band.onGrid(notch.center);

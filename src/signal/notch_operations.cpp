@@ -116,7 +116,7 @@ void NotchList::sort()
     quicksort(items, 0, items.size() - 1);
 }
 
-// Bin numbers are unsigned on purpose: a sum that comes out negative wraps to a huge value. As
+// Deliberate: bin numbers are unsigned, and a sum that comes out negative wraps to a huge value. As
 // the first bin it makes the range empty, as the last it is clipped to the end.
 void SignalData::attenuate(quint32 first, quint32 last, double factor)
 {

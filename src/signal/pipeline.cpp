@@ -12,8 +12,8 @@
 
 namespace {
 
-// The spectrum of the internal source. Any phase mode but the four leaves the old spectrum in
-// place, so that the later steps shape it once more; deliberate, configurations may carry one.
+// The spectrum of the internal source. Deliberate: any phase mode but the four leaves the old
+// spectrum in place, so that the later steps shape it once more. Configurations may carry one.
 void synthesise(const MeasurementSetup& setup, SignalData& signal)
 {
     const quint32 n = setup.fftLength();

@@ -39,7 +39,7 @@ RuntimeRandom randomAt(quint32 seed, quint32 bin)
 
 } // namespace
 
-// The two random laws differ in their scale on purpose: this one stays below pi, the clock's
+// Deliberate: the two random laws differ in their scale. This one stays below pi, the clock's
 // reaches it. The waveform of every stored seed relies on it.
 SignalData makeSeededPhases(quint32 n, bool sinxCompensation, quint32 seed)
 {

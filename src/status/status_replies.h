@@ -12,9 +12,8 @@
 struct MeasurementSetup;
 struct SignalData;
 
-// What a new client is told before it asks: new state, sequence length, symbol rate. The order
-// differs from the answer to "GetNewState" and no symbols follow; both on purpose. Clears
-// newDataFlag.
+// What a new client is told before it asks: new state, sequence length, symbol rate. Clears
+// newDataFlag. Deliberate: another order than that of the answer to "GetNewState", and no symbols.
 QByteArray greeting(MeasurementSetup& setup);
 
 // The answer to what a client sent, by the word it begins with, case-sensitive; empty for

@@ -11,8 +11,8 @@ struct Row
     QString SystemFacts::*fact;
 };
 
-// Rows of one section stand together. The rows of runtimes that the program doesn't use stay
-// deliberately: support reads them to know what else is installed beside the program.
+// Rows of one section stand together. Deliberate: the rows of runtimes that the program doesn't use
+// stay. Support reads them to know what else is installed beside the program.
 const Row rows[] = {
     // Deliberate: the first row has no key, its value explains itself.
     {"Operating System", "", &SystemFacts::productName},

@@ -26,6 +26,6 @@ void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n);
 
 // In place on two vectors of at least n elements: 1/(n sqrt(n)) times the sum over m of
 // (re[m] + j im[m]) exp(-j 2 pi m k / n). Called with the quadrature vector first it turns
-// the exponent's sign, so that a positive bin is a positive frequency. The doubled scaling
-// is deliberate: SignalData::buildTransformInput multiplies by N beforehand.
+// the exponent's sign, so that a positive bin is a positive frequency. Deliberate: the
+// scaling is doubled, for SignalData::buildTransformInput multiplies by N beforehand.
 void inverseTransform(QVector<double>& re, QVector<double>& im, quint32 n);
