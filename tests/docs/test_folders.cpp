@@ -2,6 +2,7 @@
 #include "structure/source_files.h"
 
 #include <QRegularExpression>
+#include <QSet>
 #include <QtTest>
 
 namespace {
@@ -18,12 +19,15 @@ private slots:
     void pathsInTheDocumentsExist_data();
     void pathsInTheDocumentsExist();
     void everyFolderIsInTheReadme();
+    void everyNameInTheArchitectureIsInTheSources();
 };
 
 void TestFolders::pathsInTheDocumentsExist_data()
 {
     QTest::addColumn<QString>("document");
-    for (const char* document : {"README.md", "docs/performance.md", "docs/reliability.md"}) {
+    for (const char* document :
+         {"README.md", "CONTRIBUTING.md", "docs/architecture.md", "docs/decisions.md",
+          "docs/dependencies.md", "docs/performance.md", "docs/reliability.md"}) {
         QTest::newRow(document) << QString(document);
     }
 }
@@ -31,7 +35,8 @@ void TestFolders::pathsInTheDocumentsExist_data()
 void TestFolders::pathsInTheDocumentsExist()
 {
     QFETCH(QString, document);
-    const QRegularExpression path("`((?:src|tests|scripts|simulator)/[\\w./]+)`");
+    const QRegularExpression path("`((?:src|tests|scripts|simulator|docs|packaging|python|examples|"
+                                  "cmake|demo|fuzz)/[\\w./-]+)`");
     auto match = path.globalMatch(textOfFile(root + document));
     QVERIFY(match.hasNext());
     while (match.hasNext()) {
@@ -48,6 +53,24 @@ void TestFolders::everyFolderIsInTheReadme()
         if (file.path.contains('/')) {
             QVERIFY2(readme.contains("| `src/" + folder + "` |"), qPrintable(folder));
         }
+    }
+}
+
+void TestFolders::everyNameInTheArchitectureIsInTheSources()
+{
+    const QRegularExpression word("\\w+");
+    QSet<QString> known;
+    for (const SourceFile& file : sourceFiles(root + QString("src"), {"*.h", "*.cpp", "*.ui"})) {
+        for (auto words = word.globalMatch(file.text); words.hasNext();) {
+            known.insert(words.next().captured());
+        }
+    }
+    const QRegularExpression name("`(?:std::)?(\\w+)`");
+    auto names = name.globalMatch(textOfFile(root + QString("docs/architecture.md")));
+    QVERIFY(names.hasNext());
+    while (names.hasNext()) {
+        const QString named = names.next().captured(1);
+        QVERIFY2(known.contains(named), qPrintable(named));
     }
 }
 
