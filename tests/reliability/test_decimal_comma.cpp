@@ -1,6 +1,7 @@
 // The whole program under a locale whose numbers have a decimal comma: the same files, the same
 // words to the instruments, the same cells.
 #include "app/main_window.h"
+#include "files/sample_output.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
 #include "kit/fresh_home.h"
@@ -121,6 +122,11 @@ void TestDecimalComma::signalFilesHaveAPoint()
     QCOMPARE(read("s.i"), QByteArray("1.875000\n"));
     saveWaveform(folder->filePath("s.wv"), signal, 1e8);
     QVERIFY(read("s.wv").contains("{LEVEL OFFS:1.000,0.000}"));
+    MeasurementSetup setup;
+    setup.signal = signal;
+    setup.sampleRate = 1e6 + 0.5;
+    QVERIFY(writeSigmfFiles(setup, "bench", folder->filePath("s")));
+    QVERIFY(read("s.sigmf-meta").contains("\"core:sample_rate\": 1000000.5"));
     QString errorText;
     QCOMPARE(loadWaveform(folder->filePath("s.wv"), errorText).sampleRate, 1e8);
 
