@@ -112,18 +112,16 @@ QStringView sectionName(const Line& line)
     return line.text.mid(open + 1, line.text.size() - open - 2);
 }
 
-// The value at the front of the text, a number or a quoted text up to the last quote of the line,
-// which lies lastQuote characters behind; null if there is none.
-QStringView valueAt(QStringView text, qsizetype lastQuote)
+// The value at the front of the text, a number or a quoted text that goes on to the line's end;
+// null if there is none.
+QStringView valueAt(QStringView text)
 {
     const qsizetype length = numberLength(text);
     if (length > 0) {
         return text.left(length);
     }
-    if (text.startsWith(QLatin1Char('"')) && lastQuote >= 2) {
-        return text.left(lastQuote + 1);
-    }
-    return {};
+    const bool quoted = text.startsWith(QLatin1Char('"')) && text.endsWith(QLatin1Char('"'));
+    return quoted && text.size() >= 3 ? text : QStringView();
 }
 
 // Deliberate: the last separator that a value follows divides the line, even inside quotes, so a
@@ -131,11 +129,9 @@ QStringView valueAt(QStringView text, qsizetype lastQuote)
 ConfigLine keyLine(const Line& line, const QString& section)
 {
     const QStringView text = line.text;
-    const qsizetype lastQuote = text.lastIndexOf(QLatin1Char('"'));
     qsizetype at = text.lastIndexOf(separator);
     while (at >= 1) {
-        const qsizetype start = at + separatorLength;
-        const QStringView value = valueAt(text.mid(start), lastQuote - start);
+        const QStringView value = valueAt(text.mid(at + separatorLength));
         if (!value.isNull()) {
             return {line.number, ConfigLine::Role::Key, section, text.left(at).toString(),
                     value.toString()};

@@ -95,6 +95,11 @@ void TestNotchEditing::countIsCutToWhatFits()
     QVERIFY(autoCalculateNotches(setup));
     QCOMPARE(setup.notchCount, 9U);
     QCOMPARE(setup.notches->items.size(), 9);
+    setup.sampleRate = 100.0;
+    setup.notchWidth = 0.5;
+    setup.notchCount = 300; // 100 / 0.5 - 0.5 = 199.5 fit
+    QVERIFY(autoCalculateNotches(setup));
+    QCOMPARE(setup.notches->items.size(), 199);
 }
 
 void TestNotchEditing::countZeroEmptiesTheList()
