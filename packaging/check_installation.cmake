@@ -26,8 +26,8 @@ endif()
 
 find_program(desktop_file_validate desktop-file-validate)
 if(desktop_file_validate)
-    execute_process(COMMAND ${desktop_file_validate} ${root}/share/applications/notchbench.desktop
-        COMMAND_ERROR_IS_FATAL ANY)
+    file(GLOB entries ${root}/share/applications/*.desktop)
+    execute_process(COMMAND ${desktop_file_validate} ${entries} COMMAND_ERROR_IS_FATAL ANY)
 endif()
 find_program(appstreamcli appstreamcli)
 if(appstreamcli)

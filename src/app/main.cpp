@@ -1,7 +1,7 @@
 #include "app/main_window.h"
-#include "app/steady_application.h"
 #include "base/large_pages.h"
 #include "look/house_look.h"
+#include "look/steady_application.h"
 
 #include <csignal>
 

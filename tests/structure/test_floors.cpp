@@ -36,11 +36,12 @@ const QStringList rooms = {"base",
                            "fit/dialogs",
                            "support/dialogs",
                            "app",
-                           "cli"};
+                           "cli",
+                           "curves"};
 
 bool mayHaveWidgets(const QString& room)
 {
-    return QStringList{"look", "graph", "chart", "app"}.contains(room) || room.endsWith("/dialogs");
+    return QStringList{"look", "graph", "chart", "app", "curves"}.contains(room) || room.endsWith("/dialogs");
 }
 
 // The simulator stands beside the program, so that it can contradict it.

@@ -1,0 +1,221 @@
+#include "curves/curves_window.h"
+
+#include "curves/notch_switches.h"
+#include "curves/result_file.h"
+
+#include "base/background.h"
+#include "look/house_style.h"
+#include "ui_curves_window.h"
+
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QHeaderView>
+#include <QIcon>
+#include <QMessageBox>
+#include <QMimeData>
+
+namespace {
+
+const char emptyHint[] = "No result yet.\n\nOpen results (Ctrl+O, or drop their files here).";
+const char hiddenHint[] = "Nothing is shown: check a result and a notch on the left.";
+
+} // namespace
+
+CurvesWindow::CurvesWindow(QWidget* parent)
+    : QMainWindow(parent), ui(std::make_unique<Ui::CurvesWindow>())
+{
+    ui->setupUi(this);
+    setStyleSheet(houseStyleSheet());
+    setWindowIcon(QIcon(QStringLiteral(":/Images/Resources/notchbench-curves.png")));
+    ui->result_view->setModel(&model);
+    const QVector<int> widths = {110, 100, 110, 110, 40, 55, 105};
+    for (int column = 0; column < widths.size(); ++column) {
+        ui->result_view->setColumnWidth(column, widths.at(column));
+    }
+    ui->result_view->verticalHeader()->setDefaultSectionSize(22);
+    ui->result_view->horizontalHeader()->setHighlightSections(false);
+    ui->chart_tabs->setExpanding(false);
+    ui->chart_tabs->addTab(QStringLiteral("NPR over level"));
+    ui->chart_tabs->addTab(QStringLiteral("NPR over frequency"));
+    ui->splitter->setSizes({490, 690});
+    ui->splitter->setStretchFactor(1, 1);
+    connectActions();
+    connectLists();
+    refresh();
+}
+
+// The lists tell of their own end, when nothing is left here to show it.
+CurvesWindow::~CurvesWindow()
+{
+    disconnect(ui->result_view->selectionModel(), nullptr, this, nullptr);
+    disconnect(&model, nullptr, this, nullptr);
+}
+
+void CurvesWindow::connectActions()
+{
+    const auto on = [this](QAction* action, auto call) {
+        connect(action, &QAction::triggered, this, call);
+    };
+    on(ui->action_open, [this] { askForFiles(); });
+    on(ui->action_close, [this] { closeChosen(); });
+    on(ui->action_quit, [this] { close(); });
+    on(ui->action_over_level, [this] { ui->chart_tabs->setCurrentIndex(0); });
+    on(ui->action_over_frequency, [this] { ui->chart_tabs->setCurrentIndex(1); });
+    constexpr double step = 0.8;
+    on(ui->action_zoom_in, [this] { ui->plot->zoom(step); });
+    on(ui->action_zoom_out, [this] { ui->plot->zoom(1.0 / step); });
+    on(ui->action_whole, [this] { ui->plot->showWhole(); });
+    on(ui->action_all_notches, [this] { showAllNotches(); });
+    on(ui->action_next_notch, [this] { showNextNotch(); });
+    on(ui->action_keys, [this] { showKeys(); });
+    connect(ui->open_button, &QPushButton::clicked, this, &CurvesWindow::askForFiles);
+    connect(ui->message_close, &QPushButton::clicked, this, &CurvesWindow::dismissMessages);
+}
+
+void CurvesWindow::connectLists()
+{
+    connect(ui->result_view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &CurvesWindow::refresh);
+    connect(&model, &QAbstractItemModel::dataChanged, this, &CurvesWindow::refresh);
+    connect(&model, &QAbstractItemModel::rowsInserted, this, &CurvesWindow::refresh);
+    connect(&model, &QAbstractItemModel::rowsRemoved, this, &CurvesWindow::refresh);
+    connect(ui->chart_tabs, &QTabBar::currentChanged, this, [this] {
+        ui->plot->showWhole();
+        refresh();
+    });
+    connect(ui->plot, &CurvePlot::picked, this, &CurvesWindow::choose);
+    connect(ui->notch_list, &QListWidget::itemChanged, this, [this] {
+        if (!isListingNotches) {
+            choice.hiddenNotches = hiddenNotches(*ui->notch_list);
+            refresh();
+        }
+    });
+}
+
+void CurvesWindow::tell(const QString& message)
+{
+    messages << message;
+    ui->message_text->setText(messages.join('\n'));
+    ui->message_bar->show();
+}
+
+void CurvesWindow::dismissMessages()
+{
+    messages.clear();
+    ui->message_bar->hide();
+}
+
+void CurvesWindow::askForFiles()
+{
+    open(QFileDialog::getOpenFileNames(this, QStringLiteral("Open Results"), QDir::currentPath(),
+                                       QStringLiteral("Results (*.json);;All Files (*)")));
+}
+
+void CurvesWindow::open(const QStringList& paths)
+{
+    for (const QString& path : paths) {
+        inBackground(
+            this, [path] { return readResultFile(path); },
+            [this, path](const ReadResult& read) {
+                if (!read.failure.isEmpty()) {
+                    tell("Can't open " + path + ": " + read.failure + ".");
+                    return;
+                }
+                ShownResult shown;
+                shown.name = QFileInfo(path).completeBaseName();
+                shown.path = QFileInfo(path).absoluteFilePath();
+                shown.result = read.result;
+                choose(model.add(shown));
+            });
+    }
+}
+
+void CurvesWindow::closeChosen()
+{
+    for (const int id : chosenResults()) {
+        model.remove(id);
+    }
+}
+
+void CurvesWindow::choose(int id)
+{
+    ui->result_view->selectRow(model.rowOf(id));
+}
+
+QSet<int> CurvesWindow::chosenResults() const
+{
+    QSet<int> chosen;
+    for (const QModelIndex& index : ui->result_view->selectionModel()->selectedRows()) {
+        chosen.insert(model.results().at(index.row()).id);
+    }
+    return chosen;
+}
+
+void CurvesWindow::refresh()
+{
+    choice.results = chosenResults();
+    ui->action_close->setEnabled(!choice.results.isEmpty());
+    refreshNotches();
+    const bool isOverLevel = ui->chart_tabs->currentIndex() == 0;
+    const PlotContent content = isOverLevel ? contentOverLevel(model.results(), choice)
+                                            : contentOverFrequency(model.results(), choice);
+    ui->plot->setContent(content);
+    ui->plot->setHint(model.results().isEmpty() ? QString(emptyHint)
+                      : !showsAny(content)      ? QString(hiddenHint)
+                                                : QString());
+}
+
+void CurvesWindow::refreshNotches()
+{
+    isListingNotches = true;
+    listNotches(*ui->notch_list, model.results(), choice.hiddenNotches);
+    isListingNotches = false;
+}
+
+void CurvesWindow::showAllNotches()
+{
+    choice.hiddenNotches.clear();
+    refresh();
+}
+
+void CurvesWindow::showNextNotch()
+{
+    choice.hiddenNotches = allButNext(notchesOf(model.results()), choice.hiddenNotches);
+    refresh();
+}
+
+void CurvesWindow::showKeys()
+{
+    QMessageBox::information(
+        this, QStringLiteral("Keys and Mouse"),
+        QStringLiteral(
+            "In the chart\n"
+            "Drag: zoom to a rectangle. Wheel, + and -: zoom. Double click, Home: whole chart.\n"
+            "Left, Right: along a line. Up, Down: to another line. Ctrl with an arrow: move.\n"
+            "Click, Return: choose the result of the line. Escape: let go.\n\n"
+            "In the list of results\n"
+            "Space: show or hide. Ctrl or Shift with a click: choose several.\n\n"
+            "Ctrl+N shows one notch after the other, Ctrl+A all of them."));
+}
+
+void CurvesWindow::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (event->mimeData()->hasUrls()) {
+        event->acceptProposedAction();
+    }
+}
+
+void CurvesWindow::dropEvent(QDropEvent* event)
+{
+    QStringList paths;
+    for (const QUrl& url : event->mimeData()->urls()) {
+        if (url.isLocalFile()) {
+            paths << url.toLocalFile();
+        } else {
+            tell("Can't open " + url.toDisplayString() + ": it is no file of this machine.");
+        }
+    }
+    open(paths);
+    event->acceptProposedAction();
+}

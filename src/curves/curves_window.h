@@ -1,0 +1,56 @@
+// The window of NPR curves: a list of results, their chart, and what is done with them. Main
+// thread.
+#pragma once
+
+#include "curves/plot_content.h"
+#include "curves/result_model.h"
+
+#include <QMainWindow>
+
+#include <memory>
+
+namespace Ui {
+class CurvesWindow;
+} // namespace Ui
+
+class CurvesWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit CurvesWindow(QWidget* parent = nullptr);
+    ~CurvesWindow() override;
+
+    // Reads results in the background. One that can't be read is named in a message, and the others
+    // open.
+    void open(const QStringList& paths);
+
+    const ResultModel& results() const { return model; }
+
+    // A line in the bar above the chart, below those that stand there.
+    void tell(const QString& message);
+
+protected:
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+private:
+    void connectActions();
+    void connectLists();
+    void askForFiles();
+    void closeChosen();
+    void dismissMessages();
+    void choose(int id);
+    QSet<int> chosenResults() const;
+    void refresh();
+    void refreshNotches();
+    void showAllNotches();
+    void showNextNotch();
+    void showKeys();
+
+    std::unique_ptr<Ui::CurvesWindow> ui;
+    ResultModel model;
+    PlotChoice choice;
+    bool isListingNotches = false;
+    QStringList messages;
+};

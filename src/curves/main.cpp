@@ -1,0 +1,25 @@
+#include "base/large_pages.h"
+#include "base/stop_signals.h"
+#include "curves/curves_window.h"
+#include "look/house_look.h"
+#include "look/steady_application.h"
+
+#include <csignal>
+
+int main(int argc, char* argv[])
+{
+    returnFreedMemory();
+#ifdef SIGXFSZ
+    // A limit on the size of files is a failed write and not the end of the program.
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
+    prepareHouseLook();
+    SteadyApplication application(argc, argv);
+    applyHouseLook(application);
+    const StopSignals stop;
+    QObject::connect(&stop, &StopSignals::requested, &application, &QApplication::quit);
+    CurvesWindow window;
+    window.open(QApplication::arguments().mid(1));
+    window.show();
+    return QApplication::exec();
+}

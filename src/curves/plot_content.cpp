@@ -1,0 +1,238 @@
+#include "curves/plot_content.h"
+
+#include "curves/result_texts.h"
+
+#include "chart/chart_scale.h"
+#include "chart/chart_style.h"
+#include "chart/chart_texts.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int paletteSize = 7; // of ChartStyle; then its colours come darker, then lighter
+constexpr int ticks = 9;
+
+using Points = QVector<NprPoint>;
+
+// The points of each key, keys and points by rising order.
+template <class Key, class Less>
+QMap<double, Points> grouped(const Points& points, Key key, Less isBefore)
+{
+    QMap<double, Points> groups;
+    for (const NprPoint& point : points) {
+        groups[key(point)] << point;
+    }
+    for (Points& group : groups) {
+        std::stable_sort(group.begin(), group.end(), isBefore);
+    }
+    return groups;
+}
+
+QMap<double, Points> byNotch(const Points& points)
+{
+    return grouped(
+        points, [](const NprPoint& point) { return double(point.notch); },
+        [](const NprPoint& a, const NprPoint& b) { return a.level < b.level; });
+}
+
+QMap<double, Points> byLevel(const Points& points)
+{
+    return grouped(
+        points, [](const NprPoint& point) { return point.level; },
+        [](const NprPoint& a, const NprPoint& b) { return a.center < b.center; });
+}
+
+// Appends a line like the pattern for each run of points with a ratio.
+template <class X>
+void addRuns(const PlotLine& pattern, const Points& points, X xOf, QVector<PlotLine>& lines)
+{
+    PlotLine line = pattern;
+    const auto finish = [&] {
+        if (!line.points.isEmpty()) {
+            lines << line;
+            line.points.clear();
+            ++line.run;
+        }
+    };
+    for (const NprPoint& point : points) {
+        if (point.npr) {
+            line.points << PlotPoint{{xOf(point), *point.npr}, point.sigma, point.level};
+        } else {
+            finish();
+        }
+    }
+    finish();
+}
+
+double levelOf(const NprPoint& point)
+{
+    return point.level;
+}
+
+double megahertzOf(const NprPoint& point)
+{
+    return point.center / 1e6;
+}
+
+void include(double value, QVector<double>& ends)
+{
+    if (ends.isEmpty()) {
+        ends = {value, value};
+    }
+    ends[0] = std::min(ends.at(0), value);
+    ends[1] = std::max(ends.at(1), value);
+}
+
+// Theory may go where nothing was measured, and doesn't widen the ratios.
+PlotSpan spanAround(const PlotContent& content)
+{
+    QVector<double> x;
+    QVector<double> y;
+    for (const double threshold : content.thresholds) {
+        include(threshold, y);
+    }
+    if (content.limit) {
+        include(*content.limit, y);
+    }
+    for (const PlotLine& line : content.lines) {
+        for (const PlotPoint& point : line.isShown ? line.points : QVector<PlotPoint>()) {
+            include(point.value.x(), x);
+            if (line.kind == PlotLine::Kind::Measured) {
+                const double sigma = line.isChosen ? point.sigma.value_or(0.0) : 0.0;
+                include(point.value.y() - sigma, y);
+                include(point.value.y() + sigma, y);
+            }
+        }
+    }
+    const ChartScale across = scaleWithin(x, ticks);
+    const ChartScale up = scaleAround(y, ticks);
+    return {across.low, across.high, up.low, up.high};
+}
+
+int shownCount(const QVector<ShownResult>& results)
+{
+    return static_cast<int>(std::count_if(
+        results.begin(), results.end(), [](const ShownResult& result) { return result.isShown; }));
+}
+
+PlotLine patternOf(const ShownResult& result, const PlotChoice& choice)
+{
+    PlotLine pattern;
+    pattern.result = result.id;
+    pattern.name = result.name;
+    pattern.isChosen = choice.results.contains(result.id);
+    pattern.isShown = result.isShown;
+    return pattern;
+}
+
+void addThresholds(const NprResult& result, QVector<double>& thresholds)
+{
+    for (const NprCurve& curve : result.curves) {
+        for (const NprRange& range : curve.ranges) {
+            if (!thresholds.contains(range.threshold)) {
+                thresholds << range.threshold;
+            }
+        }
+    }
+}
+
+void addNotches(const ShownResult& result, const PlotLine& pattern, const PlotChoice& choice,
+                bool colourByNotch, QVector<PlotLine>& lines)
+{
+    const QMap<double, Points> groups =
+        byNotch(pattern.kind == PlotLine::Kind::Theory ? result.theory : result.result.points);
+    for (const Points& points : groups) {
+        PlotLine line = pattern;
+        line.notch = points.constFirst().notch;
+        line.detail = notchText(line.notch, points.constFirst().center);
+        line.isShown = pattern.isShown && !choice.hiddenNotches.contains(line.notch);
+        line.colour = colourByNotch ? ChartStyle::lineColour(line.notch - 1) : pattern.colour;
+        addRuns(line, points, levelOf, lines);
+    }
+}
+
+void addTheory(const ShownResult& result, PlotLine pattern, const PlotChoice& choice,
+               QVector<PlotLine>& lines)
+{
+    pattern.kind = PlotLine::Kind::Theory;
+    pattern.name = result.theoryName;
+    pattern.colour = ChartStyle::textColour();
+    addNotches(result, pattern, choice, false, lines);
+}
+
+// From the first line's colour to the last one's.
+QColor shade(int place, int count)
+{
+    const double share = count > 1 ? double(place) / (count - 1) : 0.0;
+    return QColor::fromHsvF(0.6 - 0.6 * share, 0.85, 0.8); // blue for quiet, red for loud
+}
+
+} // namespace
+
+bool PlotPoint::operator==(const PlotPoint& other) const
+{
+    return value == other.value && sigma == other.sigma && level == other.level;
+}
+
+bool PlotLine::isSameAs(const PlotLine& other) const
+{
+    return kind == other.kind && result == other.result && notch == other.notch &&
+           run == other.run && isChosen == other.isChosen;
+}
+
+QColor resultColour(int place)
+{
+    constexpr int change = 150; // percent
+    const QColor colour = ChartStyle::lineColour(place);
+    const int round = place / paletteSize % 3;
+    return round == 0 ? colour : round == 1 ? colour.darker(change) : colour.lighter(change);
+}
+
+bool showsAny(const PlotContent& content)
+{
+    return std::any_of(content.lines.begin(), content.lines.end(),
+                       [](const PlotLine& line) { return line.isShown; });
+}
+
+PlotContent contentOverLevel(const QVector<ShownResult>& results, const PlotChoice& choice)
+{
+    PlotContent content;
+    content.xTitle = levelTitle();
+    content.yTitle = QStringLiteral("NPR / dB");
+    const bool isAlone = shownCount(results) < 2;
+    for (int place = 0; place < results.size(); ++place) {
+        const ShownResult& result = results.at(place);
+        PlotLine pattern = patternOf(result, choice);
+        pattern.colour = resultColour(place);
+        addNotches(result, pattern, choice, isAlone, content.lines);
+        addTheory(result, pattern, choice, content.lines);
+        if (pattern.isShown && (isAlone || pattern.isChosen)) {
+            addThresholds(result.result, content.thresholds);
+            content.limit = result.limit ? result.limit : content.limit;
+        }
+    }
+    content.whole = spanAround(content);
+    return content;
+}
+
+PlotContent contentOverFrequency(const QVector<ShownResult>& results, const PlotChoice& choice)
+{
+    PlotContent content;
+    content.xTitle = QStringLiteral("Centre of the notch, from the carrier / MHz");
+    content.yTitle = QStringLiteral("NPR / dB");
+    for (const ShownResult& result : results) {
+        PlotLine pattern = patternOf(result, choice);
+        pattern.isShown = result.isShown && (choice.results.isEmpty() || pattern.isChosen);
+        const QMap<double, Points> groups = byLevel(result.result.points);
+        for (const Points& points : groups) {
+            pattern.colour = shade(pattern.notch, groups.size());
+            pattern.detail = "at " + printed(points.constFirst().level, 2) + " dBm";
+            addRuns(pattern, points, megahertzOf, content.lines);
+            ++pattern.notch;
+        }
+    }
+    content.whole = spanAround(content);
+    return content;
+}

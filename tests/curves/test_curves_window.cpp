@@ -1,0 +1,238 @@
+// Results in the window, with mouse and keys.
+#include "curves/curves_window_test.h"
+
+#include <QListWidget>
+#include <QMimeData>
+#include <QTabBar>
+
+namespace {
+
+void turnWheel(QWidget& widget, const QPointF& at, int delta)
+{
+    QWheelEvent event(at, widget.mapToGlobal(at.toPoint()), {}, {0, delta}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&widget, &event);
+}
+
+void dropOn(QWidget& widget, const QList<QUrl>& urls)
+{
+    QMimeData data;
+    data.setUrls(urls);
+    QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &enter);
+    QVERIFY(enter.isAccepted());
+    QDropEvent drop({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &drop);
+}
+
+} // namespace
+
+class TestCurvesWindow : public CurvesWindowTest
+{
+    Q_OBJECT
+
+private slots:
+    void init() { openWindow(); }
+    void cleanup() { closeWindow(); }
+
+    void anOpenedFileIsListedChosenAndDrawn();
+    void theMenuOpensFiles();
+    void aBrokenFileIsNamedAndTheOthersOpen();
+    void droppedFilesOpen();
+    void thePointerTellsThePointBelow();
+    void aDragZoomsAndADoubleClickGoesBack();
+    void theWheelZoomsAroundThePointer();
+    void keysGoAlongZoomAndGoBack();
+    void aClickOnALineChoosesItsResult();
+    void notchesAreSwitchedByTheirBoxes();
+    void oneNotchAfterTheOtherIsShownAlone();
+    void resultsAreHiddenByTheirBoxesAndClosedByTheMenu();
+    void theOtherTabShowsFrequencies();
+    void thePictureIsKeptWhileThePointerMoves();
+};
+
+void TestCurvesWindow::anOpenedFileIsListedChosenAndDrawn()
+{
+    openResult("amplifier.json", roofs(3));
+    auto* view = operate->find<QTableView>("result_view");
+    QCOMPARE(view->model()->index(0, 0).data().toString(), QString("amplifier"));
+    QVERIFY(view->selectionModel()->isRowSelected(0, {}));
+    // The peak of notch 3 is drawn where the frame says; a strong line is not white.
+    const QImage picture = plot()->grab().toImage();
+    QVERIFY(picture.pixelColor(pixelOf(-20.5, 52.5)).lightness() < 250);
+    QVERIFY(!operate->find<QWidget>("message_bar")->isVisible());
+}
+
+void TestCurvesWindow::theMenuOpensFiles()
+{
+    operate->answerFileDialog(file("menu.json", roofs(1)));
+    operate->trigger("action_open");
+    QTRY_COMPARE(window->results().rowCount(), 1);
+}
+
+void TestCurvesWindow::aBrokenFileIsNamedAndTheOthersOpen()
+{
+    const QString broken = folder.filePath("broken.json");
+    QFile file(broken);
+    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("{") == 1);
+    file.close();
+    window->open({broken, writeResult(folder.filePath("whole.json"), roofs(1)),
+                  folder.filePath("missing.json")});
+    QTRY_COMPARE(window->results().rowCount(), 1);
+    QTRY_COMPARE(operate->text("message_text").count('\n'), 1);
+    QVERIFY(operate->text("message_text").contains(broken));
+    QVERIFY(operate->text("message_text").contains("missing.json: there is no such file"));
+    operate->click("message_close");
+    QVERIFY(!operate->find<QWidget>("message_bar")->isVisible());
+}
+
+void TestCurvesWindow::droppedFilesOpen()
+{
+    dropOn(*window, {QUrl::fromLocalFile(file("one.json", roofs(1))),
+                     QUrl::fromLocalFile(file("two.json", roofs(2)))});
+    QTRY_COMPARE(window->results().rowCount(), 2);
+    dropOn(*window, {QUrl("https://www.example.com/three.json")});
+    QVERIFY(operate->text("message_text").contains("www.example.com"));
+}
+
+void TestCurvesWindow::thePointerTellsThePointBelow()
+{
+    openResult("a.json", roofs(3));
+    point(pixelOf(-10.0, 43.0)); // notch 3
+    QTRY_VERIFY(plot()->cursor().isSome());
+    QCOMPARE(plot()->cursor().line, 2);
+    QCOMPARE(plot()->cursor().point, 30);
+}
+
+void TestCurvesWindow::aDragZoomsAndADoubleClickGoesBack()
+{
+    openResult("a.json", roofs(1));
+    const PlotSpan whole = plot()->frame().span;
+    const QPoint from = pixelOf(-30.0, 50.0);
+    const QPoint to = pixelOf(-10.0, 40.0);
+    const QPointF low = plot()->frame().valueAt({double(from.x()), double(to.y())});
+    QTest::mousePress(plot(), Qt::LeftButton, {}, from);
+    QMouseEvent move(QEvent::MouseMove, to, plot()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(plot(), &move);
+    QTest::mouseRelease(plot(), Qt::LeftButton, {}, to);
+    QVERIFY(std::abs(plot()->frame().span.xLow - low.x()) < 1e-9);
+    QVERIFY(std::abs(plot()->frame().span.yLow - low.y()) < 1e-9);
+    QTest::mouseDClick(plot(), Qt::LeftButton, {}, from);
+    QCOMPARE(plot()->frame().span.xLow, whole.xLow);
+    QCOMPARE(plot()->frame().span.yHigh, whole.yHigh);
+}
+
+void TestCurvesWindow::theWheelZoomsAroundThePointer()
+{
+    openResult("a.json", roofs(1));
+    const QPointF at = plot()->frame().positionOf({-30.0, 45.0});
+    turnWheel(*plot(), at, 120);
+    const PlotSpan span = plot()->frame().span;
+    QVERIFY(std::abs((span.xHigh - span.xLow) - 40.0 / 1.25) < 1e-9);
+    QVERIFY(std::abs(plot()->frame().valueAt(at).x() + 30.0) < 0.01);
+    turnWheel(*plot(), at, -120);
+    QVERIFY(std::abs((plot()->frame().span.xHigh - plot()->frame().span.xLow) - 40.0) < 1e-9);
+}
+
+void TestCurvesWindow::keysGoAlongZoomAndGoBack()
+{
+    openResult("a.json", roofs(2));
+    plot()->setFocus();
+    QTest::keyClick(plot(), Qt::Key_Right);
+    QTest::keyClick(plot(), Qt::Key_Right);
+    QCOMPARE(plot()->cursor().point, 1);
+    QTest::keyClick(plot(), Qt::Key_Down);
+    QCOMPARE(plot()->cursor().line, 1);
+    const PlotSpan whole = plot()->frame().span;
+    QTest::keyClick(plot(), Qt::Key_Plus);
+    QVERIFY(plot()->frame().span.xHigh - plot()->frame().span.xLow < 39.0);
+    QTest::keyClick(plot(), Qt::Key_Right, Qt::ControlModifier);
+    QTest::keyClick(plot(), Qt::Key_Home);
+    QVERIFY(plot()->frame().span == whole);
+    QTest::keyClick(plot(), Qt::Key_Escape);
+    QVERIFY(!plot()->cursor().isSome());
+}
+
+void TestCurvesWindow::aClickOnALineChoosesItsResult()
+{
+    openResult("low.json", roofs(1));
+    openResult("high.json", roofs(1, -40, 0, 1, 8.0));
+    auto* selection = operate->find<QTableView>("result_view")->selectionModel();
+    QVERIFY(selection->isRowSelected(1, {}));
+    const QPoint on = pixelOf(-10.0, 41.0);
+    point(on);
+    QTRY_VERIFY(plot()->cursor().isSome());
+    QTest::mouseClick(plot(), Qt::LeftButton, {}, on);
+    QVERIFY(selection->isRowSelected(0, {}));
+    QVERIFY(!selection->isRowSelected(1, {}));
+}
+
+void TestCurvesWindow::notchesAreSwitchedByTheirBoxes()
+{
+    openResult("a.json", roofs(3));
+    auto* list = operate->find<QListWidget>("notch_list");
+    QCOMPARE(list->count(), 3);
+    list->setFocus();
+    list->setCurrentRow(2);
+    QTest::keyClick(list, Qt::Key_Space);
+    QCOMPARE(list->item(2)->checkState(), Qt::Unchecked);
+    point(pixelOf(-20.0, 53.0));
+    QTRY_VERIFY(plot()->cursor().isSome());
+    QCOMPARE(plot()->cursor().line, 1); // the one below
+    operate->trigger("action_all_notches");
+    QCOMPARE(list->item(2)->checkState(), Qt::Checked);
+}
+
+void TestCurvesWindow::oneNotchAfterTheOtherIsShownAlone()
+{
+    openResult("a.json", roofs(2));
+    auto* list = operate->find<QListWidget>("notch_list");
+    for (const int alone : {0, 1, 0}) {
+        operate->trigger("action_next_notch");
+        QCOMPARE(list->item(alone)->checkState(), Qt::Checked);
+        QCOMPARE(list->item(1 - alone)->checkState(), Qt::Unchecked);
+    }
+}
+
+void TestCurvesWindow::resultsAreHiddenByTheirBoxesAndClosedByTheMenu()
+{
+    openResult("a.json", roofs(1));
+    auto* view = operate->find<QTableView>("result_view");
+    view->setFocus();
+    view->setCurrentIndex(view->model()->index(0, 0));
+    QTest::keyClick(view, Qt::Key_Space);
+    QVERIFY(!window->results().results().constFirst().isShown);
+    operate->trigger("action_close");
+    QCOMPARE(window->results().rowCount(), 0);
+    QVERIFY(!window->findChild<QAction*>("action_close")->isEnabled());
+}
+
+void TestCurvesWindow::theOtherTabShowsFrequencies()
+{
+    openResult("a.json", roofs(3));
+    operate->trigger("action_over_frequency");
+    QCOMPARE(plot()->frame().span.xLow, -10.0); // MHz
+    QCOMPARE(plot()->frame().span.xHigh, 10.0);
+    operate->trigger("action_over_level");
+    QCOMPARE(plot()->frame().span.xLow, -40.0);
+}
+
+void TestCurvesWindow::thePictureIsKeptWhileThePointerMoves()
+{
+    openResult("a.json", roofs(3));
+    point(pixelOf(-10.0, 43.0));
+    QTRY_VERIFY(plot()->cursor().isSome()); // and the chart has settled
+    const qint64 before = plot()->pictureKey();
+    const PlotPlace place = plot()->cursor();
+    point(pixelOf(-20.0, 52.0));
+    QTRY_VERIFY(plot()->cursor() != place);
+    plot()->repaint();
+    QCOMPARE(plot()->pictureKey(), before);
+    operate->trigger("action_next_notch");
+    plot()->repaint();
+    QVERIFY(plot()->pictureKey() != before);
+}
+
+QTEST_MAIN(TestCurvesWindow)
+#include "test_curves_window.moc"
