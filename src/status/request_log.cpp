@@ -31,7 +31,6 @@ void RequestLog::note(const QString& request)
     }
     left -= request.size() + roundARequest;
     if (left < 0) {
-        left = 0; // a shorter one doesn't slip through
         ++more;
         return;
     }

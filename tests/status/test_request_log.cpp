@@ -42,6 +42,7 @@ private slots:
     void afterTheSecondRequestsStandInTheLogAgain();
     void whatWasNotToldIsToldAtTheEnd();
     void emptyRequestsAreAFloodToo();
+    void requestsThatJustFitAreNoFlood();
 };
 
 void TestRequestLog::requestsStandInTheLogWhole()
@@ -107,6 +108,19 @@ void TestRequestLog::emptyRequestsAreAFloodToo()
         log.note({});
     }
     QCOMPARE(logged.size(), 9362);
+}
+
+// 64 lines of 1017 + 7 bytes are 65536.
+void TestRequestLog::requestsThatJustFitAreNoFlood()
+{
+    const CollectedLog collected;
+    RequestLog log;
+    for (int i = 0; i < 64; ++i) {
+        log.note(QString(1017, 'x'));
+    }
+    QCOMPARE(logged.size(), 64);
+    log.note({});
+    QCOMPARE(logged.size(), 64);
 }
 
 QTEST_GUILESS_MAIN(TestRequestLog)

@@ -1,8 +1,10 @@
 // The status server without a window, met by real clients on ports that the system chooses.
 #include "kit/status_client.h"
+#include "kit/system_limits.h"
 #include "setup/measurement_setup.h"
 #include "status/status_server.h"
 
+#include <QFile>
 #include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QTcpServer>
@@ -16,6 +18,19 @@ namespace {
 QByteArray hex(const char* text)
 {
     return QByteArray::fromHex(text);
+}
+
+// With this limit so many further descriptors are to be had.
+rlim_t descriptorLimitLeaving(int count)
+{
+    std::vector<std::unique_ptr<QFile>> files;
+    int highest = 0;
+    for (int i = 0; i < count; ++i) {
+        files.push_back(std::make_unique<QFile>(QStringLiteral("/dev/null")));
+        files.back()->open(QIODevice::ReadOnly);
+        highest = std::max(highest, files.back()->handle());
+    }
+    return rlim_t(highest) + 1;
 }
 
 const char greetingBytes[] = "03000000 00000000 01000000 00000048 00000000 20bcbe4c";
@@ -32,6 +47,7 @@ private slots:
     void init();
     void cleanup();
     void clientIsGreetedAndReported();
+    void greetingIsOnItsWayBeforeTheClientIsReported();
     void clientThatGoesIsReportedOnce();
     void askedForNewDataTheRecordForgetsThem();
     void readTakesAtMost1024Bytes();
@@ -43,6 +59,7 @@ private slots:
     void clientThatTakesNothingIsReadAgainOnceItHasTakenSome();
     void formerClientsAreDroppedTheOldestFirst();
     void formerClientsThatLeaveMuchUnreadAreDropped();
+    void clientThatTakesTheLastDescriptorsIsDropped();
     void closedServerKeepsItsClients();
     void aFormerServerThatStaysOpenIsServedToo();
     void portInUseGoesUnnoticed();
@@ -113,6 +130,16 @@ void TestStatusServer::clientIsGreetedAndReported()
     QCOMPARE(client.take(24), hex(greetingBytes));
     QCOMPARE(*reports, QList<QVariantList>{{true}});
     QVERIFY(client.isSilentBeforeIdentity());
+}
+
+// Whoever hears of the client may keep the event loop busy for long.
+void TestStatusServer::greetingIsOnItsWayBeforeTheClientIsReported()
+{
+    qint64 waiting = -1;
+    connect(server.get(), &StatusServer::clientChanged, this,
+            [&] { waiting = peers().constLast()->bytesToWrite(); });
+    const auto client = greetedClient();
+    QCOMPARE(waiting, qint64{0});
 }
 
 void TestStatusServer::clientThatGoesIsReportedOnce()
@@ -270,6 +297,25 @@ void TestStatusServer::formerClientsThatLeaveMuchUnreadAreDropped()
     QTRY_COMPARE(peers().size(), 1);
     QVERIFY(third->isSilentBeforeIdentity());
     QTRY_COMPARE(first->socket.state(), QAbstractSocket::UnconnectedState);
+}
+
+// Each takes one descriptor here and one of the process that it is tested in.
+void TestStatusServer::clientThatTakesTheLastDescriptorsIsDropped()
+{
+    {
+        const LoweredLimit tenLeft(RLIMIT_NOFILE, descriptorLimitLeaving(10));
+        QVERIFY(greetedClient()->isSilentBeforeIdentity());
+    }
+    QTRY_VERIFY(peers().isEmpty());
+    StatusClient surplus;
+    {
+        const LoweredLimit nineLeft(RLIMIT_NOFILE, descriptorLimitLeaving(9));
+        QVERIFY(surplus.connectTo(server->port()));
+        QTRY_COMPARE(surplus.socket.state(), QAbstractSocket::UnconnectedState);
+    }
+    QCOMPARE(surplus.socket.bytesAvailable(), 0);
+    QCOMPARE(reports->count(), 2); // of the one before
+    QVERIFY(greetedClient()->isSilentBeforeIdentity());
 }
 
 void TestStatusServer::closedServerKeepsItsClients()
