@@ -23,6 +23,12 @@ _notchbench_cli() {
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$("$program" "$command" --help 2>/dev/null |
             sed -n 's/^  \(--[a-z]\{1,\}\).*/\1/p')" -- "$current")
+    elif [ "$command" = plot ]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(
+            compgen -f -X '!*.json' -- "$current"
+            compgen -d -- "$current"
+        )
     elif [ "$COMP_CWORD" -eq 2 ]; then
         compopt -o filenames 2>/dev/null
         mapfile -t COMPREPLY < <(

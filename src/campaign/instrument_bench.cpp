@@ -1,5 +1,6 @@
 #include "campaign/instrument_bench.h"
 
+#include "campaign/stimulus_seeds.h"
 #include "dut/envelope.h"
 #include "measurement/channels.h"
 #include "measurement/tuning.h"
@@ -22,13 +23,6 @@ double occupiedBandwidth(const MeasurementSetup& setup)
         bandwidth -= notch.width;
     }
     return bandwidth;
-}
-
-QVector<quint32> seedsOf(const MeasurementSetup& setup)
-{
-    const bool hasSeed =
-        setup.customSource == SignalSource::Internal && setup.phaseMode == PhaseLaw::Seeded;
-    return hasSeed ? QVector<quint32>{setup.seed} : QVector<quint32>();
 }
 
 // What a failed conversation says; empty for one that went well.

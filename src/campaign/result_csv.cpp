@@ -2,6 +2,7 @@
 
 #include <QLocale>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -38,22 +39,51 @@ const Column columns[] = {
     {"passed", [](const NprPoint& p) { return truth(p.passed); }},
 };
 
-template <typename Text> QByteArray line(Text text)
+// A column for each, and more behind them.
+template <typename Text> QByteArray line(Text text, const QStringList& more = {})
 {
     QStringList fields;
     for (const Column& column : columns) {
         fields << text(column);
     }
+    fields += more;
     return fields.join(QLatin1Char(',')).toUtf8() + '\n';
+}
+
+QByteArray header(const QStringList& more = {})
+{
+    return line([](const Column& column) { return QString(column.name); }, more);
+}
+
+QByteArray linesOf(const QVector<NprPoint>& points, const QStringList& more = {})
+{
+    QByteArray lines;
+    for (const NprPoint& point : points) {
+        lines += line([&point](const Column& column) { return column.text(point); }, more);
+    }
+    return lines;
+}
+
+// RFC 4180
+QString quoted(QString text)
+{
+    const bool isPlain = std::none_of(text.cbegin(), text.cend(),
+                                      [](QChar c) { return QString(",\"\r\n").contains(c); });
+    return isPlain ? text : '"' + text.replace('"', QLatin1String("\"\"")) + '"';
 }
 
 } // namespace
 
 QByteArray pointsToCsv(const QVector<NprPoint>& points)
 {
-    QByteArray csv = line([](const Column& column) { return QString(column.name); });
-    for (const NprPoint& point : points) {
-        csv += line([&point](const Column& column) { return column.text(point); });
+    return header() + linesOf(points);
+}
+
+QByteArray joinedCsv(const QVector<NamedPoints>& results)
+{
+    QByteArray csv = header({QStringLiteral("result")});
+    for (const NamedPoints& one : results) {
+        csv += linesOf(one.points, {quoted(one.name)});
     }
     return csv;
 }

@@ -7,3 +7,12 @@
 #include <QByteArray>
 
 QByteArray pointsToCsv(const QVector<NprPoint>& points);
+
+struct NamedPoints
+{
+    QString name; // of the result
+    QVector<NprPoint> points;
+};
+
+// One result after the other, with the name as a last column "result".
+QByteArray joinedCsv(const QVector<NamedPoints>& results);

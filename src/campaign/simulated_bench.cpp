@@ -1,6 +1,7 @@
 #include "campaign/simulated_bench.h"
 
 #include "base/parallel.h"
+#include "campaign/stimulus_seeds.h"
 #include "measurement/channels.h"
 
 #include <algorithm>
@@ -51,14 +52,9 @@ QString SimulatedBench::objectionTo(const SignalData& signal)
                      .arg(length);
 }
 
-bool SimulatedBench::hasSeed() const
-{
-    return setup.customSource == SignalSource::Internal && setup.phaseMode == PhaseLaw::Seeded;
-}
-
 int SimulatedBench::stimulusCount(int averages) const
 {
-    return hasSeed() ? averages : 1;
+    return hasSeed(setup) ? averages : 1;
 }
 
 void SimulatedBench::prepare(const CampaignPlan& plan)
@@ -84,7 +80,7 @@ void SimulatedBench::play(int stimulus)
     sweep = std::make_unique<LevelSweep>(
         chain, Envelope{std::move(signal.iSamples), std::move(signal.qSamples), setup.sampleRate},
         bandsOf(notches));
-    if (hasSeed()) {
+    if (hasSeed(setup)) {
         played << setup.seed;
     }
 }

@@ -30,7 +30,6 @@ public:
     QVector<quint32> seeds() const override { return played; }
 
 private:
-    bool hasSeed() const;
     void respondFrom(int level);
     RarePeaks rarePeaksInNotch() const;
 

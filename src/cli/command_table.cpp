@@ -1,6 +1,7 @@
 #include "cli/command.h"
 #include "cli/curve_command.h"
 #include "cli/measure_command.h"
+#include "cli/plot_command.h"
 #include "cli/serve_command.h"
 #include "cli/signal_command.h"
 #include "cli/trim_command.h"
@@ -8,7 +9,8 @@
 const QVector<Command>& commandTable()
 {
     static const QVector<Command> commands = {
-        signalCommand(), trimCommand(), measureCommand(), curveCommand(), serveCommand(),
+        signalCommand(), trimCommand(), measureCommand(),
+        curveCommand(),  plotCommand(), serveCommand(),
     };
     return commands;
 }

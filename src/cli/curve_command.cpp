@@ -35,7 +35,7 @@ ExitStatus run(const Session& session)
     Measuring wanted;
     wanted.levels = levelsOf(session.arguments.value("levels"));
     for (const QString& threshold : session.arguments.values("threshold")) {
-        wanted.thresholds << numberOf(threshold, "--threshold", {-300.0, 300.0, "dB"});
+        wanted.thresholds << thresholdOf(threshold);
     }
     return measure(session, wanted);
 }

@@ -94,6 +94,8 @@ QString helpOf(const Command& command)
     }
     options.append(qMakePair(QString("--help"), QString("Show this text.")));
     return "usage: notchbench-cli " + command.name + ' ' + command.positional + " [OPTIONS]\n\n" +
-           wrapped(command.summary, 0) + '\n' + configHelp + "\nOptions:\n" + glossary(options) +
-           "\nExample:\n  " + wrapped("notchbench-cli " + command.example, 2, " \\");
+           wrapped(command.summary, 0) + '\n' +
+           (command.positional.contains("CONFIG") ? configHelp + QString('\n') : QString()) +
+           "Options:\n" + glossary(options) + "\nExample:\n  " +
+           wrapped("notchbench-cli " + command.example, 2, " \\");
 }

@@ -1,25 +1,9 @@
 #include "cli/new_result.h"
 
-#include "setup/config_file.h"
+#include "campaign/recorded_config.h"
+#include "campaign/stimulus_seeds.h"
 
 #include <QDateTime>
-
-namespace {
-
-ConfigSections configSectionsOf(const MeasurementSetup& setup)
-{
-    ConfigSections sections;
-    const ConfigText text = parseConfigText(configTextOf(setup));
-    for (auto section = text.begin(); section != text.end(); ++section) {
-        for (auto key = section->begin(); key != section->end(); ++key) {
-            const bool isQuoted = key->startsWith('"');
-            sections[section.key()][key.key()] = isQuoted ? key->mid(1, key->size() - 2) : *key;
-        }
-    }
-    return sections;
-}
-
-} // namespace
 
 NprResult newResult(const MeasurementSetup& setup)
 {
@@ -43,4 +27,12 @@ SignalFigures figuresOf(const MeasurementSetup& setup, const StimulusStatistics&
     }
     figures.noiseLike = statistics.isNoiseLike;
     return figures;
+}
+
+NprResult resultOfSignal(const MeasurementSetup& setup, const StimulusStatistics& statistics)
+{
+    NprResult result = newResult(setup);
+    result.signal = figuresOf(setup, statistics);
+    result.signal.seeds = seedsOf(setup);
+    return result;
 }

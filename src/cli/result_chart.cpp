@@ -60,6 +60,26 @@ ChartTheory theoryOf(const QString& name, const QVector<NprPoint>& points)
     return theory;
 }
 
+template <typename Value> void addOnce(const Value& value, QVector<Value>& values)
+{
+    if (!values.contains(value)) {
+        values << value;
+    }
+}
+
+void join(const NprChartData& other, const QString& name, NprChartData& chart)
+{
+    for (ChartLine line : other.lines) {
+        line.name = name + ", " + line.name;
+        chart.lines << line;
+    }
+    chart.theories += other.theories;
+    chart.isNoiseLike = chart.isNoiseLike && other.isNoiseLike;
+    for (const double threshold : other.thresholds) {
+        addOnce(threshold, chart.thresholds);
+    }
+}
+
 } // namespace
 
 NprChartData chartOf(const NprResult& result, const ResultContext& context)
@@ -82,5 +102,26 @@ NprChartData chartOf(const NprResult& result, const ResultContext& context)
     for (const int notch : notchesOf(context.theory)) {
         chart.theories << theoryOf(context.theoryName, pointsOf(notch, context.theory));
     }
+    return chart;
+}
+
+NprChartData chartOf(const QVector<ChartedResult>& results)
+{
+    if (results.size() == 1) {
+        return chartOf(results.constFirst().result, results.constFirst().context);
+    }
+    NprChartData chart;
+    QVector<QString> devices;
+    QVector<QString> dates;
+    for (const ChartedResult& one : results) {
+        const NprChartData part = chartOf(one.result, one.context);
+        join(part, one.name, chart);
+        addOnce(part.device, devices);
+        addOnce(part.date, dates);
+    }
+    std::sort(dates.begin(), dates.end());
+    chart.device = QStringList(devices.toList()).join(QStringLiteral("; "));
+    chart.date =
+        dates.size() > 1 ? dates.constFirst() + " to " + dates.constLast() : dates.constFirst();
     return chart;
 }

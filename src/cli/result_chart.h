@@ -14,3 +14,13 @@ struct ResultContext
 };
 
 NprChartData chartOf(const NprResult& result, const ResultContext& context);
+
+struct ChartedResult
+{
+    QString name; // of its lines
+    NprResult result;
+    ResultContext context;
+};
+
+// All in one picture, of which at least one; a single one is drawn as by itself.
+NprChartData chartOf(const QVector<ChartedResult>& results);

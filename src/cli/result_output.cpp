@@ -70,13 +70,6 @@ std::optional<double> ratioAt(const NprPoint& place, const QVector<NprPoint>& po
     return found == points.end() ? std::nullopt : found->npr;
 }
 
-bool writesTo(const Arguments& arguments, const QString& file)
-{
-    return std::any_of(std::begin(forms), std::end(forms), [&](const Form& form) {
-        return arguments.values(form.option).contains(file);
-    });
-}
-
 bool hasWritten(const QByteArray& bytes, const QString& path)
 {
     WholeFile file(path);
@@ -89,18 +82,59 @@ bool hasWritten(const QByteArray& bytes, const QString& path)
     return isWhole;
 }
 
+// The files that couldn't be written.
+QStringList writeForms(const NprResult& result, const Arguments& arguments, Console& console)
+{
+    QStringList unwritten;
+    for (const Form& form : forms) {
+        for (const QString& file : arguments.values(form.option)) {
+            const QByteArray bytes = form.bytes(result);
+            if (file == standardOutput) {
+                console.printBytes(bytes);
+            } else if (!hasWritten(bytes, file)) {
+                unwritten << file;
+            }
+        }
+    }
+    return unwritten;
+}
+
+[[noreturn]] void failWriting(const QString& files)
+{
+    failFile("can't write " + files + "; is there such a folder, and room on its disk?");
+}
+
+void requireWritten(const QStringList& unwritten)
+{
+    if (!unwritten.isEmpty()) {
+        failWriting(unwritten.join(", "));
+    }
+}
+
 } // namespace
+
+Options jsonOption()
+{
+    return {{"json", "FILE",
+             "Write everything as JSON, which --subtract and \"plot\" read; - is standard output.",
+             true}};
+}
 
 Options resultOptions()
 {
-    return {{"csv", "FILE",
-             "Write the points as comma-separated values with a header; - is standard output. A "
-             "spreadsheet with a decimal comma needs to be told that the point is the decimal sign "
-             "(import as English).",
-             true},
-            {"json", "FILE",
-             "Write everything as JSON, which --subtract reads; - is standard output.", true},
-            {"plot", "FILE.png|FILE.svg", "Draw NPR over level.", true}};
+    return Options{{"csv", "FILE",
+                    "Write the points as comma-separated values with a header; - is standard "
+                    "output. A spreadsheet with a decimal comma needs to be told that the point "
+                    "is the decimal sign (import as English).",
+                    true}} +
+           jsonOption() + Options{{"plot", "FILE.png|FILE.svg", "Draw NPR over level.", true}};
+}
+
+bool takesStandardOutput(const Arguments& arguments)
+{
+    return std::any_of(std::begin(forms), std::end(forms), [&](const Form& form) {
+        return arguments.values(form.option).contains(standardOutput);
+    });
 }
 
 void checkResultOptions(const Arguments& arguments)
@@ -122,35 +156,43 @@ void checkResultOptions(const Arguments& arguments)
     }
 }
 
+void writeResult(const NprResult& result, const Arguments& arguments, Console& console)
+{
+    requireWritten(writeForms(result, arguments, console));
+}
+
+void writeBytes(const QByteArray& bytes, const QString& file, Console& console)
+{
+    if (file == standardOutput) {
+        console.printBytes(bytes);
+    } else if (!hasWritten(bytes, file)) {
+        failWriting(file);
+    }
+}
+
+void writeChart(const NprChartData& chart, const QString& file)
+{
+    if (!saveChart(chart, file)) {
+        failWriting(file);
+    }
+}
+
 void putOut(const NprResult& result, const ResultContext& context, const Arguments& arguments,
             Console& console)
 {
-    QStringList unwritten;
-    for (const Form& form : forms) {
-        for (const QString& file : arguments.values(form.option)) {
-            const QByteArray bytes = form.bytes(result);
-            if (file == standardOutput) {
-                console.printBytes(bytes);
-            } else if (!hasWritten(bytes, file)) {
-                unwritten << file;
-            }
-        }
-    }
+    QStringList unwritten = writeForms(result, arguments, console);
     for (const QString& file : arguments.values("plot")) {
         if (!saveChart(chartOf(result, context), file)) {
             unwritten << file;
         }
     }
-    if (!writesTo(arguments, standardOutput)) {
+    if (!takesStandardOutput(arguments)) {
         console.print(pointTable(result.points, context.theory, console));
         if (!result.curves.isEmpty()) {
             console.print('\n' + curveTable(result.curves, console));
         }
     }
-    if (!unwritten.isEmpty()) {
-        failFile("can't write " + unwritten.join(", ") +
-                 "; is there such a folder, and room on its disk?");
-    }
+    requireWritten(unwritten);
 }
 
 QString pointTable(const QVector<NprPoint>& points, const QVector<NprPoint>& theory,

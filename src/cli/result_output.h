@@ -7,14 +7,24 @@
 #include "cli/option.h"
 #include "cli/result_chart.h"
 
-// --csv, --json and --plot.
-Options resultOptions();
+Options jsonOption();
+Options resultOptions(); // --csv, --json and --plot
 
 // Refuses what can't be meant, before anything is measured.
 void checkResultOptions(const Arguments& arguments);
 
-// Writes the files that were asked for; the tables unless standard output got one of them. All are
-// tried; throws Failure for the first that can't be written.
+// Whether one of --csv and --json takes standard output, which then has nothing else.
+bool takesStandardOutput(const Arguments& arguments);
+
+// Writes what --csv and --json ask for. All are tried; throws Failure for those that can't be
+// written.
+void writeResult(const NprResult& result, const Arguments& arguments, Console& console);
+
+// One file, or standard output for "-"; throws Failure.
+void writeBytes(const QByteArray& bytes, const QString& file, Console& console);
+void writeChart(const NprChartData& chart, const QString& file);
+
+// The same with the pictures of --plot; the tables unless standard output got one of them.
 void putOut(const NprResult& result, const ResultContext& context, const Arguments& arguments,
             Console& console);
 

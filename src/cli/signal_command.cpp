@@ -2,6 +2,8 @@
 
 #include "cli/made_signal.h"
 #include "cli/nearest_name.h"
+#include "cli/new_result.h"
+#include "cli/result_output.h"
 #include "cli/setup_arguments.h"
 #include "cli/signal_formats.h"
 
@@ -32,34 +34,42 @@ Formats chosenFormats(const Arguments& arguments)
     return chosen;
 }
 
-void writeSignal(const MeasurementSetup& setup, const QString& base, const SignalFormat& format,
-                 Console& console)
+// Returns the names of the files.
+QString writeSignal(const MeasurementSetup& setup, const QString& base, const SignalFormat& format)
 {
     QStringList files;
     for (const QString& suffix : format.suffixes) {
         files.append(base + suffix);
     }
-    const QString written = files.join(" and ");
+    QString written = files.join(" and ");
     if (!format.write(setup, base)) {
         failFile("can't write " + written + "; is there such a folder, and room on its disk?");
     }
-    console.print("wrote " + written + '\n');
+    return written;
 }
 
 ExitStatus run(const Session& session)
 {
     const Formats chosen = chosenFormats(session.arguments);
+    checkResultOptions(session.arguments);
+    const bool isForPeople = !takesStandardOutput(session.arguments);
     MeasurementSetup setup = readSetup(session.arguments, session.console);
     makeSignal(setup);
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     if (session.stop.received() != 0) {
         return statusOfSignal(session.stop.received());
     }
-    printSignal(setup, statistics, session.console);
+    if (isForPeople) {
+        printSignal(setup, statistics, session.console);
+    }
     warnUnlessNoiseLike(statistics, session.console);
     for (const SignalFormat& format : chosen) {
-        writeSignal(setup, session.arguments.value("out"), format, session.console);
+        const QString written = writeSignal(setup, session.arguments.value("out"), format);
+        if (isForPeople) {
+            session.console.print("wrote " + written + '\n');
+        }
     }
+    writeResult(resultOfSignal(setup, statistics), session.arguments, session.console);
     return ExitStatus::Done;
 }
 
@@ -78,6 +88,6 @@ Command signalCommand()
                      "(BASE.npy, complex64), sigmf (BASE.sigmf-meta, BASE.sigmf-data) or cf32 "
                      "(BASE.cf32, I and Q in turn) in single precision, as served over TCP.",
                      true}} +
-                setupOptions(),
+                jsonOption() + setupOptions(),
             run};
 }

@@ -1,7 +1,9 @@
 #include "cli/trim_command.h"
 
 #include "cli/made_signal.h"
+#include "cli/new_result.h"
 #include "cli/progress.h"
+#include "cli/result_output.h"
 #include "cli/setup_arguments.h"
 #include "cli/values.h"
 #include "files/magnitude_phase_output.h"
@@ -30,6 +32,7 @@ ExitStatus run(const Session& session)
     if (!arguments.has("target") || !arguments.has("out")) {
         failUsage("trim needs --target DB and --out FILE.pmc");
     }
+    checkResultOptions(arguments);
     const double target = numberOf(arguments.value("target"), "--target", {0.1, 100.0, "dB"});
     MeasurementSetup setup = readSetup(arguments, session.console);
     makeSignal(setup);
@@ -39,14 +42,20 @@ ExitStatus run(const Session& session)
     }
     setup.crestFactor = setup.signal.crestFactor();
     const StimulusStatistics statistics = statisticsOf(setup.signal);
-    printSignal(setup, statistics, session.console);
+    const bool isForPeople = !takesStandardOutput(arguments);
+    if (isForPeople) {
+        printSignal(setup, statistics, session.console);
+    }
     warnUnlessNoiseLike(statistics, session.console);
     const QString file = arguments.value("out");
     if (!saveMagnitudePhaseFile(setup.signal, file)) {
         failFile("can't write " + file + "; is there such a folder, and room on its disk?");
     }
-    session.console.print(
-        QStringLiteral("wrote %1 after %2 rounds\n").arg(file).arg(result.rounds));
+    if (isForPeople) {
+        session.console.print(
+            QStringLiteral("wrote %1 after %2 rounds\n").arg(file).arg(result.rounds));
+    }
+    writeResult(resultOfSignal(setup, statistics), arguments, session.console);
     if (!result.isReached) {
         session.console.warn("the target of " + decibels(target) + " can't be reached; " + file +
                              " has " + decibels(result.peak) + " between the samples");
@@ -71,6 +80,6 @@ Command trimCommand()
                      "Where phases and magnitudes go. Load the file with the same notches, or with "
                      "none. A target that can't be reached ends with status 1; the best signal "
                      "found is written."}} +
-                setupOptions(),
+                jsonOption() + setupOptions(),
             run};
 }

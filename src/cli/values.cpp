@@ -43,6 +43,11 @@ int wholeNumberOf(const QString& text, const QString& what, int lowest, int high
     return value;
 }
 
+double thresholdOf(const QString& text)
+{
+    return numberOf(text, "--threshold", {-300.0, 300.0, "dB"});
+}
+
 double numberOr(const Arguments& arguments, const QString& option, const Range& range,
                 double otherwise)
 {

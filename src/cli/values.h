@@ -17,6 +17,9 @@ struct Range
 double numberOf(const QString& text, const QString& what, const Range& range);
 int wholeNumberOf(const QString& text, const QString& what, int lowest, int highest);
 
+// A ratio in dB of "--threshold".
+double thresholdOf(const QString& text);
+
 // That of an option, or the other value when it isn't given.
 double numberOr(const Arguments& arguments, const QString& option, const Range& range,
                 double otherwise);

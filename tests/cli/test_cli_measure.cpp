@@ -68,6 +68,7 @@ private slots:
     void aCurveHasItsPeakAndRanges();
     void notchesAreChosenByTheirNumber();
     void averagesTellTheirSeeds();
+    void aSignalAloneHasNoPoints();
     void aMissedLimitIsStatusOne();
     void aSignalThatIsNoNoiseIsMarked();
     void standardOutputTakesOneResult();
@@ -114,6 +115,11 @@ void TestCliMeasure::everyKindOfResultFitsTheSchema_data()
         {"--simulate", "rapp,saturation=-60,noise-floor=-20", "--limit", "10"});
     QTest::newRow("few peaks") << curve({"--simulate", "soft,saturation=0", "--levels", "-9:-8:1"});
     QTest::newRow("not noise-like") << measuring(QStringList{"--set", "NPR/Phase Mode=2"} + rapp);
+    QTest::newRow("signal") << (QStringList{"signal"} + smallSignal);
+    QTest::newRow("no noise") << (QStringList{"signal"} + smallSignal +
+                                  QStringList{"--set", "NPR/Phase Mode=3"});
+    QTest::newRow("trim") << (QStringList{"trim"} + smallSignal +
+                              QStringList{"--target", "9", "--out", "t.pmc"});
     QTest::newRow("linear") << measuring({"--simulate", "linear"});
 }
 
@@ -174,6 +180,25 @@ void TestCliMeasure::averagesTellTheirSeeds()
                                                                   "NPR/Seed=7", "--json", "-"}))
                                 .out.toUtf8();
     QCOMPARE(jsonOf(json)["signal"].toObject()["seeds"].toArray(), (QJsonArray{7, 8, 9}));
+}
+
+void TestCliMeasure::aSignalAloneHasNoPoints()
+{
+    const QStringList words =
+        QStringList{"signal"} + smallSignal +
+        QStringList{"--set", "NPR/Seed=7", "--out", cli->path("s"), "--format", "cf32"};
+    const CliRun run = cli->run(words + QStringList{"--json", "-"});
+    QCOMPARE(run.status, 0);
+    const QJsonObject result = jsonOf(run.out.toUtf8()); // and nothing else is printed
+    QCOMPARE(result["signal"].toObject()["length"].toInt(), 8192);
+    QCOMPARE(result["signal"].toObject()["seeds"].toArray(), QJsonArray{7});
+    QVERIFY(result["points"].toArray().isEmpty() && result["curves"].toArray().isEmpty());
+    QVERIFY(result["bench"].toObject()["simulated"].isNull());
+    QCOMPARE(result["config"].toObject()["NPR"].toObject()["Seed"].toString(), QString("7"));
+    // With a file in its place people get their table.
+    const CliRun both = cli->run(words + QStringList{"--json", cli->path("s.json")});
+    QVERIFY(both.out.contains("crest factor") && both.out.contains("wrote"));
+    QCOMPARE(jsonOf(bytesOf(cli->path("s.json")))["signal"], result["signal"]);
 }
 
 void TestCliMeasure::aMissedLimitIsStatusOne()

@@ -105,11 +105,12 @@ void TestCliPapers::completionOffersOptionsOfTheCommand()
 
 void TestCliPapers::completionOffersConfigurationsAndFormats()
 {
-    for (const char* name : {"bench.cfg", "other.txt"}) {
+    for (const char* name : {"bench.cfg", "other.txt", "day.json"}) {
         QFile file(cli.path(name));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
     QCOMPARE(complete({"signal", ""}), (QStringList{"bench.cfg", "default"}));
+    QCOMPARE(complete({"plot", "day.json", ""}), QStringList{"day.json"});
     QCOMPARE(complete({"signal", "default", "--format", "w"}), (QStringList{"wav", "wv"}));
 }
 

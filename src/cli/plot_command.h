@@ -1,0 +1,6 @@
+// "plot": results drawn together.
+#pragma once
+
+#include "cli/command.h"
+
+Command plotCommand();
