@@ -1,7 +1,10 @@
 // The command line.
 #include "simulator/simulator_options.h"
 
+#include "simulator/instrument_types.h"
+
 #include <QCommandLineParser>
+#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
@@ -37,6 +40,8 @@ private slots:
     void theDefaultsAreThoseOfTheHelp();
     void everyOptionIsTaken();
     void aFullScaleTakesThePlaceOfALoading();
+    void limitsOfAValueAreTaken();
+    void theHelpNamesEveryModelInWholeSentences();
     void aBadValueIsNamed_data();
     void aBadValueIsNamed();
 };
@@ -146,6 +151,37 @@ void TestSimulatorOptions::aFullScaleTakesThePlaceOfALoading()
     QVERIFY(!good({"--loading", "4"}).wiring.chain.device.fullScale);
 }
 
+void TestSimulatorOptions::limitsOfAValueAreTaken()
+{
+    QCOMPARE(good({"--port", "65535"}).port, quint16{65535});
+    QCOMPARE(good({"--signal-port", "1"}).signalPort, quint16{1});
+    QCOMPARE(good({"--signal-port", "65535"}).signalPort, quint16{65535});
+    QCOMPARE(good({"--bits", "1"}).wiring.chain.device.bits, 1);
+    QCOMPARE(good({"--bits", "24"}).wiring.chain.device.bits, 24);
+    QCOMPARE(good({"--delay", "0"}).manner.delay, 0);
+    QCOMPARE(good({"--delay", "3600"}).manner.delay, 3600000);
+    QCOMPARE(good({"--source-notch", "0"}).wiring.chain.sourceNotch, 0.0);
+}
+
+void TestSimulatorOptions::theHelpNamesEveryModelInWholeSentences()
+{
+    QCommandLineParser parser;
+    addSimulatorOptions(parser);
+    const QString help = parser.helpText().simplified();
+    for (const auto* types : {&generatorTypes(), &microwaveTypes(), &analyzerTypes()}) {
+        QStringList names = typeNames(*types);
+        const QString last = names.takeLast();
+        QVERIFY2(help.contains(names.join(", ") + " or " + last), qPrintable(last));
+    }
+    // An option, perhaps the name of its value, and the sentence's first letter.
+    const QRegularExpression start("(?<!,) (?=(?:-[hv], )?--[a-z-]+ (?:<[A-Z,]+> )?[A-Z])");
+    const QStringList options = help.split(start).mid(1);
+    QVERIFY(options.size() > 20);
+    for (const QString& option : options) {
+        QVERIFY2(option.endsWith('.'), qPrintable(option));
+    }
+}
+
 void TestSimulatorOptions::aBadValueIsNamed_data()
 {
     QTest::addColumn<QStringList>("arguments");
@@ -180,6 +216,7 @@ void TestSimulatorOptions::aBadValueIsNamed_data()
         {{"--full-scale", "high"}, "bad value for --full-scale: high"},
         {{"--full-scale", "0", "--loading", "5"}, "--full-scale and --loading exclude each other"},
         {{"--delay", "-1"}, "bad value for --delay: -1"},
+        {{"--delay", "3600.5"}, "bad value for --delay: 3600.5"},
         {{"--bits"}, "Missing value after '--bits'."},
         {{"file.wv"}, "unexpected argument: file.wv"},
         {{"--frequency", "5"}, "Unknown option 'frequency'."},
@@ -197,5 +234,5 @@ void TestSimulatorOptions::aBadValueIsNamed()
     QTEST(errorText, "message");
 }
 
-QTEST_APPLESS_MAIN(TestSimulatorOptions)
+QTEST_GUILESS_MAIN(TestSimulatorOptions)
 #include "test_simulator_options.moc"

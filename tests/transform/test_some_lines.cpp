@@ -60,6 +60,7 @@ private slots:
     void linesAreThoseOfTheDefinition();
     void aLoneLineIsFoundWhereItIs();
     void aWeakLineIsNotDrownedByStrongOnes();
+    void longRangesAgreeWithTheWholeTransform_data();
     void longRangesAgreeWithTheWholeTransform();
     void rangesMayBeEmpty();
 };
@@ -119,16 +120,24 @@ void TestSomeLines::aWeakLineIsNotDrownedByStrongOnes()
              qPrintable(QString::number(power / expected)));
 }
 
+void TestSomeLines::longRangesAgreeWithTheWholeTransform_data()
+{
+    QTest::addColumn<int>("count");
+    for (const int count : {131072, 262144, 524288}) { // the longer ones in several blocks
+        QTest::newRow(qPrintable(QString::number(count))) << count;
+    }
+}
+
 // The twiddles of the whole transform come from a recurrence over its whole length.
 void TestSomeLines::longRangesAgreeWithTheWholeTransform()
 {
-    constexpr int count = 131072;
+    QFETCH(int, count);
     const Period period = scrambled(count);
     const SomeLines::Range range{-40000, 70001};
     const double power =
         SomeLines(count, {range}).powers(period.re.constData(), period.im.constData())[0];
     Period whole = period;
-    forwardTransform(whole.im, whole.re, count); // quadrature first: the opposite exponent
+    forwardTransform(whole.im, whole.re, quint32(count)); // quadrature first: the opposite exponent
     double expected = 0.0;
     for (int k = range.first; k < range.first + range.count; ++k) {
         const int at = (k + count) % count;
