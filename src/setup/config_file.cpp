@@ -3,15 +3,17 @@
 #include "base/regular_file.h"
 #include "base/truncation.h"
 #include "base/whole_file.h"
+#include "setup/insertion_order.h"
+#include "setup/known_sections.h"
 
 #include <QDebug>
 #include <QDir>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTextStream>
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <iterator>
 #include <new>
 
@@ -259,29 +261,27 @@ const SettingsSection* settingsSection(const QString& name)
     return known != std::end(settingsSections) ? known : nullptr;
 }
 
-// Deliberate: anything named "... Notch 3" counts.
-QRegularExpressionMatch notchSection(const QString& name)
-{
-    static const QRegularExpression pattern(QStringLiteral("Notch\\ (\\d+)"));
-    return pattern.match(name);
-}
-
 // Deliberate: sections are applied in the order of the hash and a row goes to list position n,
 // counted from 0, while the writer counts from 1. So the rows come in any order, and a value that
 // a section does not name stays from the row read before.
 void apply(const ConfigText& sections, MeasurementSetup& setup)
 {
     Notch scratch;
+    QVector<Notch> rows;
+    QVector<qint32> positions;
     for (auto section = sections.begin(); section != sections.end(); ++section) {
         if (const SettingsSection* known = settingsSection(section.key())) {
             known->read(section.value(), setup);
             continue;
         }
-        const QRegularExpressionMatch match = notchSection(section.key());
-        if (match.hasMatch()) {
+        if (const std::optional<qint32> number = numberOfRow(section.key())) {
             readSection(section.value(), notchKeys, scratch);
-            setup.notches->insert(match.captured(1).toInt(), scratch);
+            rows.append(scratch);
+            positions.append(*number);
         }
+    }
+    for (const int row : orderAfterInsertions(positions)) {
+        setup.notches->items.append(rows.at(row));
     }
 }
 
@@ -348,7 +348,7 @@ QVector<ConfigKey> configKeys(const QString& section)
     QVector<ConfigKey> keys;
     if (const SettingsSection* known = settingsSection(section)) {
         known->list(keys);
-    } else if (notchSection(section).hasMatch()) {
+    } else if (numberOfRow(section)) {
         listKeys(notchKeys, keys);
     }
     return keys;
@@ -365,7 +365,14 @@ MeasurementSetup loadConfig(const QString& path)
     if (file.size() > mostConfigBytes) {
         return setup;
     }
-    return configOf(parseConfigText(QTextStream(&file).readAll()));
+    const KnownSections known(configSections(), [](const QString& section) {
+        QSet<QString> names;
+        for (const ConfigKey& key : configKeys(section)) {
+            names.insert(key.name);
+        }
+        return names;
+    });
+    return configOf(parseConfigText(QTextStream(&file).readAll(), std::cref(known)));
 }
 
 void saveConfig(const MeasurementSetup& setup, const QString& path)

@@ -1,7 +1,5 @@
 #include "setup/config_text.h"
 
-#include <QStringView>
-
 namespace {
 
 const QLatin1String separator(" = ");
@@ -31,27 +29,39 @@ bool isDigit(QStringView text, qsizetype at)
     return at < text.size() && text[at] >= QLatin1Char('0') && text[at] <= QLatin1Char('9');
 }
 
-// Lines that hold at least one character; runs of line ends separate them.
-QVector<Line> linesOf(const QString& text)
+// Lines that hold at least one character, one after the other; runs of line ends separate them.
+class LineReader
 {
-    QVector<Line> lines;
-    const QStringView all(text);
-    qsizetype at = 0;
-    int number = 1;
-    while (at < all.size()) {
+public:
+    explicit LineReader(const QString& text) : all(text) { next(); }
+
+    // The present line; its text is null behind the last one.
+    const Line& line() const { return present; }
+
+    void next()
+    {
+        skipLineEnds();
         const qsizetype start = at;
         while (at < all.size() && !isLineEnd(all[at])) {
             ++at;
         }
-        if (at > start) {
-            lines.append({all.mid(start, at - start), number, at < all.size()});
-        }
+        present = {at > start ? all.mid(start, at - start) : QStringView(), number,
+                   at < all.size()};
+    }
+
+private:
+    void skipLineEnds()
+    {
         for (; at < all.size() && isLineEnd(all[at]); ++at) {
             number += endsLine(all, at) ? 1 : 0;
         }
     }
-    return lines;
-}
+
+    const QStringView all;
+    qsizetype at = 0;
+    int number = 1;
+    Line present = {};
+};
 
 qsizetype skipDigits(QStringView text, qsizetype at)
 {
@@ -84,7 +94,7 @@ qsizetype numberLength(QStringView text)
 // Whether some separator, with a key before it, is followed by a value that ends the line.
 bool isKeyLine(const Line& line)
 {
-    if (!line.terminated) {
+    if (line.text.isNull() || !line.terminated) {
         return false;
     }
     const QStringView text = line.text;
@@ -124,56 +134,92 @@ QStringView valueAt(QStringView text)
     return quoted && text.size() >= 3 ? text : QStringView();
 }
 
+struct KeyAndValue
+{
+    QStringView key; // null for a line that carries no value
+    QStringView value;
+};
+
 // Deliberate: the last separator that a value follows divides the line, even inside quotes, so a
 // path with " = 5" in it is cut there. Every reader of these files does the same.
-ConfigLine keyLine(const Line& line, const QString& section)
+KeyAndValue dividedLine(QStringView text)
 {
-    const QStringView text = line.text;
     qsizetype at = text.lastIndexOf(separator);
     while (at >= 1) {
         const QStringView value = valueAt(text.mid(at + separatorLength));
         if (!value.isNull()) {
-            return {line.number, ConfigLine::Role::Key, section, text.left(at).toString(),
-                    value.toString()};
+            return {text.left(at), value};
         }
         at = text.lastIndexOf(separator, at - 1);
     }
-    return {line.number, ConfigLine::Role::Key, section, {}, {}};
+    return {};
+}
+
+// Gives each line to the one of three that it is for.
+template <typename OnSection, typename OnKey, typename OnOther>
+void readLines(const QString& text, OnSection onSection, OnKey onKey, OnOther onOther)
+{
+    LineReader reader(text);
+    while (!reader.line().text.isNull()) {
+        const Line head = reader.line();
+        const QStringView name = sectionName(head);
+        reader.next();
+        if (name.isNull() || !isKeyLine(reader.line())) {
+            onOther(head.number);
+            continue;
+        }
+        onSection(head.number, name);
+        for (; isKeyLine(reader.line()); reader.next()) {
+            onKey(reader.line().number, dividedLine(reader.line().text));
+        }
+    }
 }
 
 } // namespace
 
 QVector<ConfigLine> configLines(const QString& text)
 {
-    QVector<ConfigLine> result;
-    const QVector<Line> lines = linesOf(text);
-    int at = 0;
-    while (at < lines.size()) {
-        const QStringView name = sectionName(lines.at(at));
-        const int number = lines.at(at).number;
-        ++at;
-        if (name.isNull() || at == lines.size() || !isKeyLine(lines.at(at))) {
-            result.append({number, ConfigLine::Role::Other, {}, {}, {}});
-            continue;
-        }
-        const QString section = name.toString();
-        result.append({number, ConfigLine::Role::Section, section, {}, {}});
-        for (; at < lines.size() && isKeyLine(lines.at(at)); ++at) {
-            result.append(keyLine(lines.at(at), section));
-        }
-    }
-    return result;
+    using Role = ConfigLine::Role;
+    QVector<ConfigLine> lines;
+    QString section;
+    readLines(
+        text,
+        [&](int number, QStringView name) {
+            section = name.toString();
+            lines.append({number, Role::Section, section, {}, {}});
+        },
+        [&](int number, const KeyAndValue& line) {
+            lines.append({number, Role::Key, section, line.key.toString(), line.value.toString()});
+        },
+        [&](int number) {
+            lines.append({number, Role::Other, {}, {}, {}});
+        });
+    return lines;
 }
 
-ConfigText parseConfigText(const QString& text)
+ConfigText parseConfigText(const QString& text, const ConfigFilter& filter)
 {
     ConfigText sections;
-    for (const ConfigLine& line : configLines(text)) {
-        if (line.role == ConfigLine::Role::Section) {
-            sections.insert(line.section, {});
-        } else if (!line.key.isEmpty()) {
-            sections[line.section].insert(line.key, line.value);
-        }
-    }
+    ConfigSection* section = nullptr;
+    const QSet<QString>* keys = nullptr;
+    readLines(
+        text,
+        [&](int /*number*/, QStringView name) {
+            keys = filter ? filter(name) : nullptr;
+            section = filter && keys == nullptr ? nullptr : &sections[name.toString()];
+            if (section != nullptr) {
+                section->clear();
+            }
+        },
+        [&](int /*number*/, const KeyAndValue& line) {
+            if (section == nullptr || line.key.isNull()) {
+                return;
+            }
+            const QString key = line.key.toString();
+            if (keys == nullptr || keys->contains(key)) {
+                section->insert(key, line.value.toString());
+            }
+        },
+        [](int /*number*/) {});
     return sections;
 }

@@ -12,14 +12,23 @@
 #pragma once
 
 #include <QHash>
+#include <QSet>
 #include <QString>
+#include <QStringView>
 #include <QVector>
+
+#include <functional>
 
 using ConfigSection = QHash<QString, QString>;    // key -> value, quotes kept
 using ConfigText = QHash<QString, ConfigSection>; // section name -> section
 
-// A repeated section replaces the earlier one as a whole, a repeated key the earlier value.
-ConfigText parseConfigText(const QString& text);
+// The keys to keep of a section of that name; null when none of it is kept. What the filter leaves
+// out costs no memory.
+using ConfigFilter = std::function<const QSet<QString>*(QStringView section)>;
+
+// A repeated section replaces the earlier one as a whole, a repeated key the earlier value. Without
+// a filter everything is kept.
+ConfigText parseConfigText(const QString& text, const ConfigFilter& filter = {});
 
 // What becomes of one line that holds anything, in the order of the text.
 struct ConfigLine

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <ctime>
 #include <thread>
 
 namespace {
@@ -66,6 +67,7 @@ class TestLongTable : public QObject
 private slots:
     void init();
     void clientsThatComeAndGoDelayNothing();
+    void windowAnswersBesideFortyThousandRows();
 };
 
 void TestLongTable::init()
@@ -96,6 +98,23 @@ void TestLongTable::clientsThatComeAndGoDelayNothing()
     qInfo("%d beats, median %lld ms late, at most %lld ms", delays.size(), median, delays.last());
     QVERIFY2(median < 50, QByteArray::number(median).constData());
     QVERIFY2(delays.last() <= 300, QByteArray::number(delays.last()).constData());
+}
+
+// After a file of a mebibyte; time of calculation, for others may be at work.
+void TestLongTable::windowAnswersBesideFortyThousandRows()
+{
+    saveDefaultConfig(withRows(40000), QStringLiteral("Notchbench.cfg"));
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCoreApplication::processEvents();
+    const std::clock_t start = std::clock();
+    for (int refresh = 0; refresh < 10; ++refresh) {
+        window.notifyPropertyChanged();
+        QCoreApplication::processEvents();
+    }
+    const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC / 10;
+    QVERIFY2(seconds < 0.3, QByteArray::number(seconds).constData());
 }
 
 QTEST_MAIN(TestLongTable)
