@@ -4,12 +4,16 @@
 #include "kit/background_jobs.h"
 #include "kit/remote_failure.h"
 #include "kit/scripted_instrument.h"
+#include "kit/system_limits.h"
 #include "measurement/channels.h"
 #include "measurement/npr_measurement_thread.h"
 #include "measurement/usual_device.h"
+#include "remote/ko_remote_interface.h"
 
+#include <QSemaphore>
 #include <QtTest>
 
+#include <new>
 #include <thread>
 
 namespace {
@@ -21,6 +25,17 @@ Notch notchAt(double center, double width)
     notch.width = width;
     return notch;
 }
+
+// A connection to a device for whose answers there is no room.
+class NoMemory : public KORemoteInterface
+{
+public:
+    void open() override {}
+    void close() override {}
+    void sendSCPI(const QString& /*command*/) override {}
+    QString querySCPI(const QString& /*command*/) override { throw std::bad_alloc(); }
+    void goToLocal() override {}
+};
 
 bool isFree(const Instrument& instrument)
 {
@@ -36,6 +51,7 @@ class TestPreset : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { isLimited = becomeOrdinaryUser() && threadLimitBinds(); }
     void channelsOfAnUpperNotch();
     void channelsOfALowerNotch();
     void inTheBackgroundTheWholeChainIsSet();
@@ -45,6 +61,12 @@ private slots:
     void aRetiredAnalyzerIsNotPreset();
     void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
     void aStoppedThreadDoesNotWaitForItsTurn();
+    void aLackOfMemoryIsToldLikeAnyFailure();
+    void withoutAThreadForThePresetItIsSaid();
+    void withoutAThreadForARequestTheNextOneIsServed();
+
+private:
+    bool isLimited = false;
 };
 
 // 1.2 widths between the channels' middles, 0.75 widths wide.
@@ -96,10 +118,15 @@ void TestPreset::aPlaceIsTakenBeforeWhoeverAsksNext()
     const InstrumentChain chain;
     presetInBackground(chain, [](KORemoteException*) {});
     QString message = QStringLiteral("not served");
-    chain.analyzer.link()->ask(
-        [&](const LinkTurn&) { message = chain.analyzer.deviceMessage(); }); // after its first step
+    QString messageOfTheNext = QStringLiteral("not served");
+    chain.analyzer.link()->ask([&](const LinkTurn&) { // between its first step and the next one
+        message = chain.analyzer.deviceMessage();
+        messageOfTheNext = chain.generator.deviceMessage();
+    });
     waitForBackgroundJobs();
     QCOMPARE(message, QString("one for all"));
+    QCOMPARE(messageOfTheNext, QString());
+    QCOMPARE(chain.generator.deviceMessage(), QString("one for all"));
 }
 
 void TestPreset::aFailureInTheBackgroundIsToldOnce()
@@ -173,6 +200,71 @@ void TestPreset::aStoppedThreadDoesNotWaitForItsTurn()
     thread.start(QThread::InheritPriority);
     thread.stop();
     QTRY_VERIFY(thread.isFinished());
+}
+
+void TestPreset::aLackOfMemoryIsToldLikeAnyFailure()
+{
+    const Analyzer analyzer;
+    analyzer.link()->setRemote(std::make_shared<AnalyzerCommands>(std::make_unique<NoMemory>()));
+    NPRMeasurementThread thread;
+    thread.setAnalyzer(analyzer);
+    QString told;
+    bool mayPause = false;
+    connect(
+        &thread, &NPRMeasurementThread::measurementError, &thread,
+        [&](KORemoteException* failure) {
+            told = failure->message();
+            QSemaphore paused;
+            std::thread other([&] { // would wait for the end of the measurement
+                thread.pause();
+                paused.release();
+            });
+            mayPause = paused.tryAcquire(1, 5000);
+            mayPause ? other.join() : other.detach();
+        },
+        Qt::DirectConnection);
+    thread.measureOnce();
+    QCOMPARE(told, QString("Not enough memory"));
+    QVERIFY(mayPause);
+}
+
+void TestPreset::withoutAThreadForThePresetItIsSaid()
+{
+    if (!isLimited) {
+        QSKIP("no limit on threads binds this process");
+    }
+    const InstrumentChain chain;
+    {
+        const ThreadLimit limit;
+        const NoIdleWorkers none;
+        presetInBackground(chain, [](KORemoteException*) {});
+        QCOMPARE(chain.analyzer.deviceMessage(), QString("No thread for the instrument"));
+        QVERIFY(isFree(chain.analyzer));
+    }
+    waitForBackgroundJobs();
+}
+
+void TestPreset::withoutAThreadForARequestTheNextOneIsServed()
+{
+    if (!isLimited) {
+        QSKIP("no limit on threads binds this process");
+    }
+    UsualDevice device;
+    device.answer(acpQuery, "1,2,3\n");
+    NPRMeasurementThread thread;
+    const Analyzer analyzer = connectedAnalyzer();
+    thread.setAnalyzer(analyzer);
+    {
+        const ThreadLimit limit;
+        const NoIdleWorkers none;
+        thread.requestSingleMeasurement();
+        QVERIFY(isFree(analyzer));
+    }
+    waitForBackgroundJobs();
+    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{0.0, 0.0, 0.0}));
+    thread.requestSingleMeasurement();
+    waitForBackgroundJobs();
+    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
 }
 
 QTEST_GUILESS_MAIN(TestPreset)
