@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <memory>
 #include <sys/socket.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -76,6 +77,7 @@ private slots:
     void fullPipeOfAnotherUserIsNotWaitedFor();
     void fileIsAppendedToWhereItStands();
     void readerThatWentIsNoFailure();
+    void messagesOfTheProgramWaitForNobody();
 
 private:
     static void allKinds();
@@ -174,6 +176,27 @@ void TestDroppingOutput::readerThatWentIsNoFailure()
     output.write(line);
     QCOMPARE(::write(ends.descriptors[1], "x", 1), ssize_t{-1}); // the descriptor is still there
     QCOMPARE(errno, EPIPE);
+}
+
+// In a process of its own, whose standard error output nobody reads; the alarm ends it if it waits.
+void TestDroppingOutput::messagesOfTheProgramWaitForNobody()
+{
+    const Ends ends("pipe");
+    const pid_t child = fork();
+    if (child == 0) {
+        dup2(ends.descriptors[1], STDERR_FILENO);
+        alarm(60);
+        dropMessagesThatWait();
+        for (int i = 0; i < 20000; ++i) {
+            qWarning("%s", line.constData());
+        }
+        _exit(7);
+    }
+    int status = 0;
+    QCOMPARE(waitpid(child, &status, 0), child);
+    QVERIFY(WIFEXITED(status));
+    QCOMPARE(WEXITSTATUS(status), 7);
+    QVERIFY(ends.read().startsWith(line));
 }
 
 QTEST_GUILESS_MAIN(TestDroppingOutput)

@@ -2,6 +2,7 @@
 #include "base/stop_signals.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -35,6 +36,7 @@ private slots:
     void theSecondEndsTheProcessWhereAsked();
     void theSecondIsLikeTheFirstOtherwise();
     void anewOneHasReceivedNothing();
+    void oneThatIsGoneLeavesNothingOpen();
 };
 
 void TestStopSignals::theFirstIsToldAndKept_data()
@@ -92,6 +94,22 @@ void TestStopSignals::anewOneHasReceivedNothing()
     }
     const StopSignals stop;
     QCOMPARE(StopSignals::received(), 0);
+}
+
+void TestStopSignals::oneThatIsGoneLeavesNothingOpen()
+{
+    const auto openDescriptors = [] {
+        return QDir(QStringLiteral("/proc/self/fd")).entryList(QDir::NoDotAndDotDot | QDir::System);
+    };
+    const QStringList before = openDescriptors();
+    if (before.isEmpty()) {
+        QSKIP("the system doesn't tell what a process has open");
+    }
+    {
+        const StopSignals stop;
+        QCOMPARE(openDescriptors().size(), before.size() + 2);
+    }
+    QCOMPARE(openDescriptors(), before);
 }
 
 QTEST_GUILESS_MAIN(TestStopSignals)

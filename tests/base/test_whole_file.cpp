@@ -97,7 +97,8 @@ void TestWholeFile::theFormerFileStandsUntilThen()
     QVERIFY(file.isWhole());
     QCOMPARE(content("file"), QByteArray("former"));
     QCOMPARE(names().size(), 2);
-    file.putInPlace();
+    QVERIFY(file.putInPlace());
+    QVERIFY(!file.isOpen());
     QCOMPARE(content("file"), QByteArray("new"));
     QCOMPARE(names(), QStringList("file"));
 }
