@@ -28,6 +28,16 @@ bool isCalculating(const WindowDriver& operate)
     return operate.text("fft_status_label") == QLatin1String("Calculating ...");
 }
 
+// At the greatest length, which takes seconds.
+void startCalculating(const WindowDriver& operate)
+{
+    operate.pick("fft_length_input", 0);
+    operate.click("calc_fft_button");
+    if (!QTest::qWaitFor([&operate] { return isCalculating(operate); })) {
+        qFatal("it doesn't calculate");
+    }
+}
+
 void closeWithNothingRunning(MainWindow& window, const WindowDriver&)
 {
     window.close();
@@ -36,9 +46,7 @@ void closeWithNothingRunning(MainWindow& window, const WindowDriver&)
 // The box stays until the operator ends it, even after the calculation has ended.
 void closeAndWaitForTheCalculation(MainWindow& window, const WindowDriver& operate)
 {
-    operate.pick("fft_length_input", 0);
-    operate.click("calc_fft_button");
-    QTest::qWait(50);
+    startCalculating(operate);
     operate.onNext<QMessageBox>([&operate](QMessageBox* box) {
         const bool texts = box->text() == QLatin1String("Calculation in Progress") &&
                            box->informativeText() == QLatin1String("Closing...\nPlease Wait") &&
@@ -46,7 +54,7 @@ void closeAndWaitForTheCalculation(MainWindow& window, const WindowDriver& opera
                            box->buttons().constFirst()->text() == QLatin1String("Force Close") &&
                            box->defaultButton() == nullptr;
         const bool ended = QTest::qWaitFor([&operate] { return !isCalculating(operate); }, 120000);
-        QTest::qWait(100);
+        waitForBackgroundJobs();
         if (!texts || !ended || !box->isVisible()) {
             qFatal("the box is not as it should be");
         }
@@ -57,9 +65,7 @@ void closeAndWaitForTheCalculation(MainWindow& window, const WindowDriver& opera
 
 void forceTheCloseOfARunningCalculation(MainWindow& window, const WindowDriver& operate)
 {
-    operate.pick("fft_length_input", 0);
-    operate.click("calc_fft_button");
-    QTest::qWait(50);
+    startCalculating(operate);
     operate.onNext<QMessageBox>(
         [](QMessageBox* box) { QTest::mouseClick(box->buttons().constFirst(), Qt::LeftButton); });
     window.close();
@@ -222,7 +228,7 @@ void closeWhileAFormerConnectionStaysOpen(MainWindow& window, const WindowDriver
     closeNow(window);
 }
 
-// The library keeps the call for a second and a half.
+// The library keeps the call until a line has come from outside, and says when it lets it go.
 void closeDuringACallOfVisa(MainWindow& window, const WindowDriver& operate)
 {
     static StandIn visa;
@@ -235,7 +241,9 @@ void closeDuringACallOfVisa(MainWindow& window, const WindowDriver& operate)
         qFatal("nobody asks");
     }
     std::thread([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(1500));
+        (void)std::getchar();
+        std::puts("released");
+        std::fflush(stdout);
         visa.release();
     }).detach();
     closeNow(window);
@@ -246,7 +254,11 @@ void closeWithEveryWindowOpen(MainWindow& window, const WindowDriver& operate)
 {
     operate.trigger("actionDevices");
     operate.trigger("actionAbout");
-    QTest::qWait(50);
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        if (each->isVisible() && !QTest::qWaitForWindowExposed(each)) {
+            qFatal("a window doesn't come");
+        }
+    }
     window.close();
 }
 

@@ -72,6 +72,7 @@ private slots:
 
 private:
     void calculate64();
+    QTcpSocket* windowsEndOf(const StatusClient& client) const;
 
     quint16 port = 0;
 };
@@ -94,6 +95,16 @@ void TestMainWindowServer::calculate64()
     operate->pick("phase_mode_combobox", 3); // constant: sample 0 is sqrt(64) at pi/4
     operate->click("calc_fft_button");
     QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+}
+
+QTcpSocket* TestMainWindowServer::windowsEndOf(const StatusClient& client) const
+{
+    for (auto* socket : window->findChildren<QTcpSocket*>()) {
+        if (socket->peerPort() == client.socket.localPort()) {
+            return socket;
+        }
+    }
+    return nullptr;
 }
 
 void TestMainWindowServer::listensOnPort1000AtStart()
@@ -207,13 +218,11 @@ void TestMainWindowServer::splitRequestIsNotRecognised()
     StatusClient client;
     QVERIFY(client.connectTo(port));
     client.take(24);
+    const QSignalSpy reads(windowsEndOf(client), &QTcpSocket::readyRead);
     client.send("GetServ");
-    // The window reads the first half before the second is sent.
-    client.send(QByteArray());
-    QTest::qWait(100);
+    QTRY_COMPARE(reads.count(), 1);
     client.send("erID");
-    QTest::qWait(100);
-    QCOMPARE(client.socket.bytesAvailable(), 0);
+    QTRY_COMPARE(reads.count(), 2);
     QVERIFY(client.isSilentBeforeIdentity());
 }
 
@@ -233,8 +242,9 @@ void TestMainWindowServer::unknownTextKeepsTheConnection()
     StatusClient client;
     QVERIFY(client.connectTo(port));
     client.take(24);
+    const QSignalSpy reads(windowsEndOf(client), &QTcpSocket::readyRead);
     client.send("getserverid");
-    QTest::qWait(50);
+    QTRY_COMPARE(reads.count(), 1);
     QVERIFY(client.isSilentBeforeIdentity());
     QCOMPARE(client.ask("GetSequenceLength", 8), hex(length64));
 }
@@ -244,8 +254,9 @@ void TestMainWindowServer::hugeRequestKeepsTheWindowAlive()
     StatusClient client;
     QVERIFY(client.connectTo(port));
     client.take(24);
+    const QSignalSpy reads(windowsEndOf(client), &QTcpSocket::readyRead);
     client.send(QByteArray(8 * 1024 * 1024, 'x'));
-    QTest::qWait(200);
+    QTRY_VERIFY(reads.count() >= 10);
     operate->type("seed_input", "3");
     QCOMPARE(operate->text("seed_input"), QStringLiteral("3"));
     QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
@@ -286,12 +297,12 @@ void TestMainWindowServer::secondClientTakesThePlaceOfTheFirst()
     QVERIFY(second.connectTo(port));
     second.take(24);
     // What the first sends is read from the second's buffer, where nothing is.
+    const QSignalSpy reads(windowsEndOf(first), &QTcpSocket::readyRead);
     first.send("GetServerID");
-    QTest::qWait(100);
-    QCOMPARE(first.socket.bytesAvailable(), 0);
-    QCOMPARE(second.socket.bytesAvailable(), 0);
-    QCOMPARE(first.socket.state(), QTcpSocket::ConnectedState);
+    QTRY_COMPARE(reads.count(), 1);
     QVERIFY(second.isSilentBeforeIdentity());
+    QCOMPARE(first.socket.bytesAvailable(), 0);
+    QCOMPARE(first.socket.state(), QTcpSocket::ConnectedState);
 }
 
 void TestMainWindowServer::firstClientThatGoesTakesTheSecondAlong()
@@ -335,8 +346,10 @@ void TestMainWindowServer::clientStaysConnectedThroughAPortChange()
     QVERIFY(client.connectTo(port));
     client.take(24);
     const quint16 otherPort = freePort();
+    const QPointer<QTcpServer> formerServer = window->findChildren<QTcpServer*>().constLast();
+    QCOMPARE(formerServer->serverPort(), port);
     operate->type("port_input", QString::number(otherPort));
-    QTest::qWait(50); // the old server is deleted meanwhile
+    QTRY_VERIFY(formerServer.isNull());
     QVERIFY(client.isSilentBeforeIdentity());
     QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
     StatusClient next;
@@ -367,7 +380,7 @@ void TestMainWindowServer::clientInTheMiddleOfABlockMayVanish()
     client.take(24);
     client.socket.setReadBufferSize(1000);
     client.send("GetSymbol");
-    QTest::qWait(50);
+    QTRY_VERIFY(windowsEndOf(client)->bytesToWrite() > 0);
     client.socket.abort();
     QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
 }

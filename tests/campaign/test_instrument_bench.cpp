@@ -130,7 +130,7 @@ void TestInstrumentBench::theReferenceLevelKeepsItsDistance()
 {
     Devices devices;
     (void)measured(setup(), plan());
-    const QByteArray received = devices.analyzer.takeReceivedUpTo("RLEV -15.000\n");
+    const QByteArray received = devices.analyzer.takeReceivedUpTo("&GTL\n");
     QVector<double> levels = numbersOf(received, "DISP:WIND1:TRAC:Y:RLEV ");
     levels.erase(std::unique(levels.begin(), levels.end()), levels.end());
     // On the way back to -25 dBm the level falls, and the analyzer needs to hear nothing of it.

@@ -2,7 +2,6 @@
 // own, keeps every byte that arrives, and answers lines as it was told.
 #pragma once
 
-#include <QElapsedTimer>
 #include <QMap>
 #include <QMutex>
 #include <QSemaphore>
@@ -61,6 +60,17 @@ public:
         answer(line, {Piece{0, bytes}});
     }
 
+    // Sends this over all connections. It waits at their other ends when this returns.
+    void say(const QByteArray& bytes)
+    {
+        onThread([this, bytes] {
+            for (QTcpSocket* socket : server.findChildren<QTcpSocket*>()) {
+                socket->write(bytes);
+                socket->flush();
+            }
+        });
+    }
+
     // Everything that has arrived over all connections since the last take.
     QByteArray takeReceived()
     {
@@ -71,17 +81,10 @@ public:
     // Waits until what has arrived ends with `end` (or five seconds), then takes it.
     QByteArray takeReceivedUpTo(const QByteArray& end)
     {
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 5000) {
-            {
-                const QMutexLocker lock(&mutex);
-                if (received.endsWith(end)) {
-                    break;
-                }
-            }
-            QTest::qWait(1);
-        }
+        (void)QTest::qWaitFor([&] {
+            const QMutexLocker lock(&mutex);
+            return received.endsWith(end);
+        });
         return takeReceived();
     }
 

@@ -62,17 +62,14 @@ void TestMeasurementTurns::aTurnDuringAPassComesBeforeTheNext()
 void TestMeasurementTurns::stoppingInterruptsNothing()
 {
     UsualDevice device;
-    device.answer(acpQuery, {{400, "1,2,3\n"}});
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
     thread.setAnalyzer(connectedAnalyzer());
     device.takeReceived();
     thread.start(QThread::InheritPriority);
     device.takeReceivedUpTo("ACP\n");
-    QElapsedTimer timer;
-    timer.start();
-    thread.stop();
-    QVERIFY2(timer.elapsed() < 200, QByteArray::number(timer.elapsed()));
+    thread.stop(); // doesn't wait for the answer, which would never come
+    device.say("1,2,3\n");
     QTRY_COMPARE(finished.count(), 1);
     QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
     QTRY_VERIFY(thread.isFinished());

@@ -16,11 +16,12 @@ const char* const requests[] = {"GetNewState", "GetSequenceLength", "GetSymbol",
 // Connects anew whenever another client has taken this one along.
 void poll(quint16 port)
 {
+    QRandomGenerator random(0);
     while (true) {
         QTcpSocket socket;
         socket.connectToHost(QHostAddress::LocalHost, port);
         if (!socket.waitForConnected(1000)) {
-            QThread::msleep(10); // the port is about to change
+            QThread::msleep(random.bounded(20U)); // the port is about to change
             continue;
         }
         for (int round = 0; socket.state() == QAbstractSocket::ConnectedState; ++round) {

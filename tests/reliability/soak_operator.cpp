@@ -1,6 +1,7 @@
 #include "reliability/soak_operator.h"
 
 #include "fit/dialogs/load_trace_dialog.h"
+#include "kit/background_jobs.h"
 #include "setup/config_file.h"
 #include "signal/dialogs/crest_factor_dialog.h"
 
@@ -130,7 +131,7 @@ void SoakOperator::warmUp()
     for (int round = 0; round < 3; ++round) {
         for (const Action& action : table) {
             (this->*action.act)();
-            QTest::qWait(20);
+            QTest::qWait(random.bounded(30));
         }
     }
     end(simulator);
@@ -174,7 +175,8 @@ void SoakOperator::restore()
     for (int attempt = 0; attempt < 3; ++attempt) {
         operate.click("calc_fft_button");
         (void)QTest::qWaitFor(isIdle, 120000);
-        QTest::qWait(200);
+        (void)backgroundJobsEnd(20000); // an instrument's failure ends in a box
+        (void)QTest::qWaitFor([] { return QApplication::activeModalWidget() == nullptr; });
     }
     loadTraceBy("load_direct_button", 10000);
     window.resize(1000, 800);
@@ -292,7 +294,7 @@ void SoakOperator::initInstruments()
     for (auto* dialog : dialogs<DevicesDialog>()) {
         const WindowDriver hand(*dialog);
         hand.click(buttons[random.bounded(6)]);
-        QTest::qWait(20);
+        QTest::qWait(random.bounded(30));
         dialog->hide();
     }
 }

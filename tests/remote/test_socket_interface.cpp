@@ -30,6 +30,7 @@ private slots:
     void anotherPortIsReachedWhereItIsGiven();
     void closingDropsTheConnection();
     void itIsUsedFromOneThreadAfterTheOther();
+    void anEventLoopOfTheThreadThatOpenedItHasNoPartInIt();
     void aHostNameIsNoAddress();
     void aRefusedConnectionNamesTheAddress();
     void beforeOpenItFailsInsteadOfCrashing();
@@ -88,7 +89,7 @@ void TestSocketInterface::aQuickAnswerCostsNoFullWait()
     for (int i = 0; i < 200; ++i) {
         QCOMPARE(transport.querySCPI("*OPC?"), QString("1"));
     }
-    QVERIFY2(timer.elapsed() < 2500, qPrintable(QString::number(timer.elapsed())));
+    QVERIFY(timer.elapsed() < 20000); // a tenth of the waits at full length
 }
 
 void TestSocketInterface::aLateAnswerIsWaitedFor_data()
@@ -120,32 +121,33 @@ void TestSocketInterface::silenceIsAnEmptyAnswerAfterThreeSeconds()
     timer.start();
     QCOMPARE(transport.querySCPI("*IDN?"), QString());
     QVERIFY(timer.elapsed() >= 2900);
-    QVERIFY(timer.elapsed() < 4500);
+    QVERIFY(timer.elapsed() < 5900);
 }
 
 void TestSocketInterface::anAnswerThatComesTooLateIsTheNextOneAlone()
 {
     ScriptedInstrument instrument;
-    instrument.answer("SLOW?", {{3200, "old\n"}});
-    instrument.answer("QUICK?", {{300, "new\n"}});
-    instrument.answer("NEWEST?", {{400, "newest\n"}});
+    instrument.answer("NEWEST?", "newest\n");
     SocketInterface transport(localhost);
     transport.open();
     QCOMPARE(transport.querySCPI("SLOW?"), QString());
-    QTest::qWait(500); // until the old answer waits at our end
-    QCOMPARE(transport.querySCPI("QUICK?"), QString("old"));
+    instrument.say("old\n");
+    QCOMPARE(transport.querySCPI("LATE?"), QString("old"));
+    instrument.say("new\n");
     QCOMPARE(transport.querySCPI("NEWEST?"), QString("new"));
-    QCOMPARE(transport.querySCPI("QUICK?"), QString("newest"));
-    QCOMPARE(transport.querySCPI("*OPC?"), QString("new"));
+    QCOMPARE(transport.querySCPI("LATE?"), QString("newest"));
+    QCOMPARE(instrument.takeReceivedUpTo("LATE?\n"), QByteArray("SLOW?\nLATE?\nNEWEST?\nLATE?\n"));
 }
 
 void TestSocketInterface::ofAnAnswerInPiecesTheFirstIsTaken()
 {
     ScriptedInstrument instrument;
-    instrument.answer("*IDN?", {{0, "first,"}, {400, "second\n"}});
+    instrument.answer("*IDN?", "first,");
     SocketInterface transport(localhost);
     transport.open();
     QCOMPARE(transport.querySCPI("*IDN?"), QString("first,"));
+    instrument.say("second\n");
+    QCOMPARE(transport.querySCPI("*OPC?"), QString("second"));
 }
 
 void TestSocketInterface::aConnectionThatClosesInTheMiddleLeavesWhatArrived()
@@ -170,7 +172,7 @@ void TestSocketInterface::aLineThatHasGoneAwayIsSilent()
     QCOMPARE(transport.querySCPI("*IDN?"), QString());
     QCOMPARE(transport.querySCPI("*IDN?"), QString());
     QCOMPARE(failureOf([&] { transport.sendSCPI("*RST"); }), QString("(none)"));
-    QVERIFY(timer.elapsed() < 2000);
+    QVERIFY(timer.elapsed() < 2900); // a wait would take three seconds
     QCOMPARE(warnings.value(), 0);
 }
 
@@ -250,6 +252,25 @@ void TestSocketInterface::itIsUsedFromOneThreadAfterTheOther()
         QCOMPARE(answer, QString("me"));
     }
     QCOMPARE(transport.querySCPI("*IDN?"), QString("me"));
+}
+
+void TestSocketInterface::anEventLoopOfTheThreadThatOpenedItHasNoPartInIt()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*IDN?", "me\n");
+    const WarningCount warnings;
+    SocketInterface transport(localhost);
+    transport.open();
+    QStringList answers;
+    QScopedPointer<QThread> user(QThread::create([&] {
+        for (int i = 0; i < 20; ++i) {
+            answers << transport.querySCPI("*IDN?");
+        }
+    }));
+    user->start();
+    QTRY_VERIFY(user->isFinished()); // the event loop of the opening thread runs meanwhile
+    QCOMPARE(answers, QStringList(QVector<QString>(20, "me").toList()));
+    QCOMPARE(warnings.value(), 0);
 }
 
 void TestSocketInterface::aHostNameIsNoAddress()

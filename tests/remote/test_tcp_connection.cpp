@@ -106,8 +106,8 @@ void TestTcpConnection::aRefusalIsToldAtOnce()
     QTcpSocket socket;
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(!connectSocket(socket, QHostAddress("127.0.0.9"), port, 3000, patience));
-    QVERIFY2(timer.elapsed() < 1000, QByteArray::number(timer.elapsed()));
+    QVERIFY(!connectSocket(socket, QHostAddress("127.0.0.9"), port, 30000, patience));
+    QVERIFY2(timer.elapsed() < 10000, QByteArray::number(timer.elapsed()));
     QCOMPARE(socket.state(), QAbstractSocket::UnconnectedState);
 }
 
@@ -127,9 +127,9 @@ void TestTcpConnection::aHostThatDoesNotAnswerTakesTheLimit()
     QTcpSocket socket;
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(!connectSocket(socket, localhost, port, 3000, patience));
-    QVERIFY2(timer.elapsed() >= 2900, QByteArray::number(timer.elapsed()));
-    QVERIFY2(timer.elapsed() < 4000, QByteArray::number(timer.elapsed()));
+    QVERIFY(!connectSocket(socket, localhost, port, 500, patience));
+    QVERIFY2(timer.elapsed() >= 490, QByteArray::number(timer.elapsed()));
+    QVERIFY2(timer.elapsed() < 5000, QByteArray::number(timer.elapsed()));
 }
 
 void TestTcpConnection::aHostThatDoesNotAnswerIsGivenUpWhenBrokenOff()
@@ -140,7 +140,7 @@ void TestTcpConnection::aHostThatDoesNotAnswerIsGivenUpWhenBrokenOff()
     bool connected = true;
     std::thread connecting([&] {
         QTcpSocket socket;
-        connected = connectSocket(socket, localhost, port, 3000, patience);
+        connected = connectSocket(socket, localhost, port, 30000, patience);
     });
     const bool waits = host.awaitConnecting();
     QElapsedTimer timer;
@@ -149,7 +149,7 @@ void TestTcpConnection::aHostThatDoesNotAnswerIsGivenUpWhenBrokenOff()
     connecting.join();
     QVERIFY(waits);
     QVERIFY(!connected);
-    QVERIFY2(timer.elapsed() < 1000, QByteArray::number(timer.elapsed()));
+    QVERIFY2(timer.elapsed() < 10000, QByteArray::number(timer.elapsed()));
 }
 
 void TestTcpConnection::nobodyConnectsAfterBreakingOff()
@@ -160,8 +160,8 @@ void TestTcpConnection::nobodyConnectsAfterBreakingOff()
     QTcpSocket socket;
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(!connectSocket(socket, localhost, port, 3000, patience));
-    QVERIFY2(timer.elapsed() < 500, QByteArray::number(timer.elapsed()));
+    QVERIFY(!connectSocket(socket, localhost, port, 30000, patience));
+    QVERIFY2(timer.elapsed() < 10000, QByteArray::number(timer.elapsed()));
 }
 
 void TestTcpConnection::aPeerThatHangsUpAtOnceCostsNothing()
@@ -172,8 +172,8 @@ void TestTcpConnection::aPeerThatHangsUpAtOnceCostsNothing()
     QVERIFY(connectSocket(socket, localhost, port, 3000, patience));
     QElapsedTimer timer;
     timer.start();
-    hangUp(socket, 3000, patience);
-    QVERIFY2(timer.elapsed() < 500, QByteArray::number(timer.elapsed()));
+    hangUp(socket, 30000, patience);
+    QVERIFY2(timer.elapsed() < 10000, QByteArray::number(timer.elapsed()));
     QVERIFY(socket.state() != QAbstractSocket::ConnectedState); // it has been seen
 }
 
@@ -191,11 +191,11 @@ void TestTcpConnection::aPeerThatDoesNotHangUpIsWaitedForAtMostTheLimit()
     QVERIFY(connectSocket(socket, localhost, port, 3000, patience));
     QElapsedTimer timer;
     timer.start();
-    hangUp(socket, 700, patience);
+    hangUp(socket, 500, patience);
     const qint64 taken = timer.elapsed();
     done = true;
-    QVERIFY2(taken >= 650, QByteArray::number(taken));
-    QVERIFY2(taken < 1500, QByteArray::number(taken));
+    QVERIFY2(taken >= 490, QByteArray::number(taken));
+    QVERIFY2(taken < 5000, QByteArray::number(taken));
 }
 
 void TestTcpConnection::aLateAnswerDoesNotEndTheWaitForTheHangUp()
@@ -211,7 +211,7 @@ void TestTcpConnection::aLateAnswerDoesNotEndTheWaitForTheHangUp()
     const Patience patience;
     QTcpSocket socket;
     QVERIFY(connectSocket(socket, localhost, port, 3000, patience));
-    hangUp(socket, 3000, patience);
+    hangUp(socket, 30000, patience);
     QVERIFY(closed);
     QVERIFY(socket.state() != QAbstractSocket::ConnectedState);
 }
@@ -231,7 +231,7 @@ void TestTcpConnection::hangingUpIsBrokenOff()
     std::thread hangingUp([&] {
         QTcpSocket socket;
         if (connectSocket(socket, localhost, port, 3000, patience)) {
-            hangUp(socket, 10000, patience);
+            hangUp(socket, 30000, patience);
         }
     });
     while (!asked) {
@@ -242,7 +242,7 @@ void TestTcpConnection::hangingUpIsBrokenOff()
     patience.end();
     hangingUp.join();
     done = true;
-    QVERIFY2(timer.elapsed() < 1000, QByteArray::number(timer.elapsed()));
+    QVERIFY2(timer.elapsed() < 10000, QByteArray::number(timer.elapsed()));
 }
 
 void TestTcpConnection::anUnconnectedSocketHangsUpAtOnce()
@@ -251,8 +251,8 @@ void TestTcpConnection::anUnconnectedSocketHangsUpAtOnce()
     QTcpSocket socket;
     QElapsedTimer timer;
     timer.start();
-    hangUp(socket, 3000, patience);
-    QVERIFY(timer.elapsed() < 500);
+    hangUp(socket, 30000, patience);
+    QVERIFY(timer.elapsed() < 10000);
 }
 
 QTEST_GUILESS_MAIN(TestTcpConnection)
