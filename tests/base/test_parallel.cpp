@@ -1,8 +1,13 @@
 // Pieces of a job on several cores: each once, whatever else the machine does.
 #include "base/parallel.h"
 
+#include "base/worker_threads.h"
+
 #include <QtTest>
 
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -13,6 +18,8 @@ class TestParallel : public QObject
 
 private slots:
     void everyPieceIsTakenOnce();
+    void asManyThreadsWorkAsAreAskedFor_data();
+    void asManyThreadsWorkAsAreAskedFor();
     void theCallerWaitsForNoAssistantThatHasNotBegun();
     void aFailureReachesTheCaller();
     void runsCoverAllNumbersOnce();
@@ -32,6 +39,31 @@ std::vector<int> takenBy(int threads)
     return taken;
 }
 
+// Where workers wait for each other.
+class Meeting
+{
+public:
+    // Waits until that many have come, ten seconds at most.
+    void await(int count)
+    {
+        std::unique_lock<std::mutex> lock(mutex);
+        ++arrived;
+        changed.notify_all();
+        changed.wait_for(lock, std::chrono::seconds(10), [&] { return arrived >= count; });
+    }
+
+    int count() const
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        return arrived;
+    }
+
+private:
+    mutable std::mutex mutex;
+    std::condition_variable changed;
+    int arrived = 0;
+};
+
 } // namespace
 
 void TestParallel::everyPieceIsTakenOnce()
@@ -39,6 +71,37 @@ void TestParallel::everyPieceIsTakenOnce()
     for (const int threads : {1, 2, 3, 16}) {
         QVERIFY(takenBy(threads) == std::vector<int>(1000, 1));
     }
+}
+
+void TestParallel::asManyThreadsWorkAsAreAskedFor_data()
+{
+    QTest::addColumn<quint64>("pieces");
+    QTest::addColumn<int>("threads");
+    QTest::addColumn<int>("working");
+    QTest::newRow("the caller alone") << quint64{100} << 1 << 1;
+    QTest::newRow("two") << quint64{100} << 2 << 2;
+    QTest::newRow("five") << quint64{100} << 5 << 5;
+    QTest::newRow("no more than there are pieces") << quint64{3} << 16 << 3;
+}
+
+void TestParallel::asManyThreadsWorkAsAreAskedFor()
+{
+    QFETCH(quint64, pieces);
+    QFETCH(int, threads);
+    QFETCH(int, working);
+    WorkerThreads& assistants = WorkerThreads::ofProcess();
+    assistants.waitForDone();
+    const auto caller = std::this_thread::get_id();
+    Meeting meeting;
+    int called = 0;
+    inParallel(pieces, threads, [&](Pieces&) {
+        meeting.await(working);
+        if (std::this_thread::get_id() == caller) {
+            called = assistants.busyCount();
+        }
+    });
+    QCOMPARE(meeting.count(), working);
+    QVERIFY2(called < working, QByteArray::number(called)); // some may be done already
 }
 
 // An assistant that is still on its way when the pieces have run out is called off.

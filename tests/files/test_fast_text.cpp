@@ -1,6 +1,8 @@
 // The fast ways of text and words against the plain ones, over random and awkward texts and values.
+#include "files/decimal_text.h"
 #include "files/extremes.h"
 #include "files/fixed_decimals.h"
+#include "files/plain_lines.h"
 #include "files/reference_files.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
@@ -38,6 +40,19 @@ SignalData noise(int count)
         signal.qSamples[i] = i % 1000 == 0 ? -0.0 : sample(engine);
     }
     return signal;
+}
+
+// The shortest of some runs, in ns.
+template <class Work> qint64 leastTime(Work work)
+{
+    qint64 least = std::numeric_limits<qint64>::max();
+    for (int run = 0; run < 5; ++run) {
+        QElapsedTimer timer;
+        timer.start();
+        work();
+        least = std::min(least, timer.nsecsElapsed());
+    }
+    return least;
 }
 
 struct Span
@@ -177,6 +192,14 @@ private slots:
     void textsThatAreNotPlainGiveTheValuesOfThePlainReader_data();
     void textsThatAreNotPlainGiveTheValuesOfThePlainReader();
     void longFilesGiveTheValuesOfThePlainReader();
+    void commonNumbersAreSure_data();
+    void commonNumbersAreSure();
+    void oddNumbersAreLeftToQt_data();
+    void oddNumbersAreLeftToQt();
+    void plainTextComesAsItsLines();
+    void textThatIsNotPlainEndsTheLines();
+    void readingTakesAPartOfThePlainReadersTime();
+    void writingTakesAPartOfThePlainLoopsTime();
 
 private:
     QByteArray contents(const QString& name) const
@@ -346,6 +369,10 @@ void TestFastText::textsThatAreNotPlainGiveTheValuesOfThePlainReader_data()
     QTest::newRow("broken encoding") << QByteArray("4\n1 0.5\xFF 2.5\n2 0.5 2.5\n");
     QTest::newRow("zero byte") << QByteArray("4\n1 0.5 2.5\n2 0\0.5 1\n3 1 1\n", 28);
     QTest::newRow("odd byte far behind") << plain + QByteArray(9 << 20, ' ') + "\n2 1 1\n\x80\n";
+    QTest::newRow("twenty digits") << QByteArray("4\n1 18446744073709551617 0.5\n"
+                                                 "2 -36893488147419103233 1844674407370955.1617\n"
+                                                 "18446744073709551617 3 3\n");
+    QTest::newRow("colons") << QByteArray("4\n1:0 1 1\n2 1: 3\n3 1.: 0.:5\n: 5 5\n1 1 2:\n");
     QTest::newRow("lone carriage returns") << QByteArray("4\r\n1 0.5 2.5\r2 1 1\n");
 }
 
@@ -359,6 +386,111 @@ void TestFastText::textsThatAreNotPlainGiveTheValuesOfThePlainReader()
 void TestFastText::longFilesGiveTheValuesOfThePlainReader()
 {
     compareReaders(Texts(1000).file(300000));
+}
+
+void TestFastText::commonNumbersAreSure_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("whole") << QByteArray("42") << 42.0;
+    QTest::newRow("zero") << QByteArray("0") << 0.0;
+    QTest::newRow("decimals") << QByteArray("-0.125") << -0.125;
+    QTest::newRow("all digits of a double") << QByteArray("0.30000000000000004") << 0.1 + 0.2;
+    QTest::newRow("largest exact") << QByteArray("9007199254740991") << 9007199254740991.0;
+    QTest::newRow("exponent") << QByteArray("-2.5e-07") << -2.5e-7;
+    QTest::newRow("capital exponent") << QByteArray("1E5") << 1e5;
+}
+
+void TestFastText::commonNumbersAreSure()
+{
+    QFETCH(QByteArray, text);
+    QFETCH(double, expected);
+    const QByteArray line = text + " 7";
+    TextRange rest{line.constData(), line.constData() + line.size()};
+    double value = 0.0;
+#ifndef __cpp_lib_to_chars
+    if (text.size() > 16 || text.toUpper().contains('E')) {
+        QSKIP("this library leaves such numbers to Qt");
+    }
+#endif
+    QVERIFY(takeSureDouble(rest, value));
+    QCOMPARE(value, expected);
+    QCOMPARE(QByteArray(rest.begin), QByteArray(" 7"));
+}
+
+void TestFastText::oddNumbersAreLeftToQt_data()
+{
+    QTest::addColumn<QByteArray>("text");
+    for (const char* text : {"", "-", "+1", ".5", "1.", "x", "-0", "-0.0", "1e-300", "1e300"}) {
+        QTest::newRow(text) << QByteArray(text);
+    }
+}
+
+void TestFastText::oddNumbersAreLeftToQt()
+{
+    QFETCH(QByteArray, text);
+    TextRange rest{text.constData(), text.constData() + text.size()};
+    double value = 0.0;
+    QVERIFY(!takeSureDouble(rest, value));
+}
+
+void TestFastText::plainTextComesAsItsLines()
+{
+    QFile file(folder.filePath("plain"));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    file.write("one ~\r\n\t2\n\nlast");
+    file.seek(0);
+    PlainLines pieces(file);
+    TextRange lines{};
+    QByteArrayList found;
+    while (pieces.next(lines)) {
+        while (lines.size() > 0) {
+            const TextRange line = takeLine(lines);
+            found << QByteArray(line.begin, static_cast<int>(line.size()));
+        }
+    }
+    QCOMPARE(found, (QByteArrayList{"one ~\r", "\t2", "", "last"}));
+    QVERIFY(pieces.isPlain());
+}
+
+void TestFastText::textThatIsNotPlainEndsTheLines()
+{
+    for (const char odd : {'\0', '\x08', '\x0E', '\x1F', '\x7F', '\x80', '\xFF'}) {
+        QFile file(folder.filePath("odd"));
+        QVERIFY(file.open(QIODevice::ReadWrite | QIODevice::Truncate));
+        file.write(QByteArray("1\n2") + odd + "\n");
+        file.seek(0);
+        PlainLines pieces(file);
+        TextRange lines{};
+        QVERIFY(!pieces.next(lines));
+        QVERIFY2(!pieces.isPlain(), QByteArray::number(odd));
+    }
+}
+
+void TestFastText::readingTakesAPartOfThePlainReadersTime()
+{
+    const QString path = folder.filePath("long.pmc");
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("200000\n");
+    for (int line = 0; line < 200000; ++line) {
+        file.write(QByteArray::number(line) + " -0.39269908169872414 1.4142135623730951\n");
+    }
+    file.close();
+    const qint64 plain = leastTime([&] { reference::readMagnitudePhase(path); });
+    const qint64 fast = leastTime([&] { loadMagnitudePhaseFile(path); });
+    QVERIFY2(fast < plain / 2, qPrintable(QString("%1 of %2 ns").arg(fast).arg(plain)));
+}
+
+void TestFastText::writingTakesAPartOfThePlainLoopsTime()
+{
+    const SignalData signal = noise(200000);
+    const qint64 plain = leastTime([&] {
+        reference::writeText(folder.filePath("p.i"), signal.iSamples, 0.5);
+        reference::writeText(folder.filePath("p.q"), signal.qSamples, 0.5);
+    });
+    const qint64 fast = leastTime([&] { writeIQTextFiles(signal, folder.filePath("f")); });
+    QVERIFY2(fast < plain / 2, qPrintable(QString("%1 of %2 ns").arg(fast).arg(plain)));
 }
 
 QTEST_APPLESS_MAIN(TestFastText)

@@ -28,7 +28,9 @@ private slots:
     void init() { folder = std::make_unique<QTemporaryDir>(); }
     void textFormScalesTheLargestPeakToTwoAndAHalf();
     void textFormOfZeroIsNotANumber();
-    void wavFormHasItsHeaderAndUsesTheSpan();
+    void wavFormHasItsHeaderAndUsesTheWiderSpan_data();
+    void wavFormHasItsHeaderAndUsesTheWiderSpan();
+    void wavFormKeepsTheLowBitsOfHugeSamples();
     void wavFormOfAConstantSignalHasUndefinedSamplesButItsSize();
     void wvFormHasItsTagsAndFullScale();
     void wvFormRoundsNegativeValuesUp();
@@ -66,18 +68,44 @@ void TestWaveformOutput::textFormOfZeroIsNotANumber()
     QVERIFY(read(".i").contains("nan"));
 }
 
-void TestWaveformOutput::wavFormHasItsHeaderAndUsesTheSpan()
+void TestWaveformOutput::wavFormHasItsHeaderAndUsesTheWiderSpan_data()
 {
+    QTest::addColumn<QVector<double>>("i");
+    QTest::addColumn<QVector<double>>("q");
+    QTest::addColumn<QByteArray>("iWords");
+    QTest::addColumn<QByteArray>("qWords");
     // Spans 2 and 4: the factors are 8191/4 = 2047.75 and 8192/4 = 2048.
-    writeIQWaveFiles(signalOf({1.0, -1.0}, {3.0, -1.0}), base(), 100000000);
+    const QVector<double> narrow{1.0, -1.0};
+    const QVector<double> wide{3.0, -1.0};
+    const QByteArray narrowWords = QByteArray::fromHex("ff07 00f8"); // 2047, -2048
+    const QByteArray wideWords = QByteArray::fromHex("ff17 00f8");   // 6143, -2048
+    QTest::newRow("of I") << wide << narrow << wideWords << narrowWords;
+    QTest::newRow("of Q") << narrow << wide << narrowWords << wideWords;
+}
+
+void TestWaveformOutput::wavFormHasItsHeaderAndUsesTheWiderSpan()
+{
+    QFETCH(QVector<double>, i);
+    QFETCH(QVector<double>, q);
+    writeIQWaveFiles(signalOf(i, q), base(), 100000000);
     // 8 * 2 + 36 = 52, PCM, 1 channel, 100 MHz, 400 MHz, 4, 16 bits, 16 bytes of data.
     const QByteArray header =
         QByteArray("RIFF") + QByteArray::fromHex("34000000") + "WAVEfmt " +
         QByteArray::fromHex("10000000 0100 0100 00e1f505 0084d717 0400 1000") + "data" +
         QByteArray::fromHex("10000000");
     QCOMPARE(header.size(), 44);
-    QCOMPARE(read(".i.wav"), header + QByteArray::fromHex("ff07 00f8")); // 2047, -2048
-    QCOMPARE(read(".q.wav"), header + QByteArray::fromHex("ff17 00f8")); // 6143, -2048
+    QFETCH(QByteArray, iWords);
+    QFETCH(QByteArray, qWords);
+    QCOMPARE(read(".i.wav"), header + iWords);
+    QCOMPARE(read(".q.wav"), header + qWords);
+}
+
+void TestWaveformOutput::wavFormKeepsTheLowBitsOfHugeSamples()
+{
+    // Spans of 1: 8191 * 1000000 = 124984 * 65536 + 48576, and 8192 * 1000000 = 125000 * 65536.
+    writeIQWaveFiles(signalOf({1000000.0, 1000001.0}, {-1000001.0, -1000000.0}), base(), 1);
+    QCOMPARE(read(".i.wav").mid(44), QByteArray::fromHex("c0bd bfdd")); // 48576, 48576 + 8191
+    QCOMPARE(read(".q.wav").mid(44), QByteArray::fromHex("00e0 0000")); // -8192, 0
 }
 
 void TestWaveformOutput::wavFormOfAConstantSignalHasUndefinedSamplesButItsSize()
@@ -176,6 +204,8 @@ void TestWaveformOutput::wordsAreTheLowBitsOfTheTruncatedValue_data()
     QTest::newRow("1.9") << 1.9 << 1;
     QTest::newRow("-1.9") << -1.9 << 0xFFFF;
     QTest::newRow("65537") << 65537.0 << 1;
+    QTest::newRow("beyond 2^31") << 2147483655.0 << 7;
+    QTest::newRow("below -2^31") << -2147483657.0 << 0xFFF7;
     QTest::newRow("beyond 32 bits") << 4294967296.0 * 4 + 7 << 7;
     QTest::newRow("beyond 64 bits") << 1e30 << 0;
     QTest::newRow("infinite") << -std::numeric_limits<double>::infinity() << 0;
@@ -187,6 +217,17 @@ void TestWaveformOutput::wordsAreTheLowBitsOfTheTruncatedValue()
     QFETCH(double, value);
     QFETCH(int, word);
     QCOMPARE(int{truncatedWord(value)}, word);
+    // The same among others, which may all be converted at once.
+    const double values[] = {1.0, value, -2.0};
+    QByteArray words(6, '\0');
+    truncateToWords(values, 3, words.data());
+    const char bytes[] = {1,
+                          0,
+                          static_cast<char>(word & 0xFF),
+                          static_cast<char>(word >> 8),
+                          static_cast<char>(0xFE),
+                          static_cast<char>(0xFF)};
+    QCOMPARE(words, QByteArray(bytes, 6));
 }
 
 void TestWaveformOutput::longSignalsAreWrittenWhole()

@@ -52,6 +52,7 @@ private slots:
     void aFitThatFailsLeavesDirectUsable();
     void morePointsThanLinesStopAtTheLines();
     void aDialogClosedDuringTheJobIsNotTouched();
+    void closingTheDialogEndsTheReading();
     void chartIsUpHalfASecondAfterTheFit();
     void theLongestSignalKeepsTheWindowAnswering();
 
@@ -329,6 +330,23 @@ void TestLoadTraceDialog::aDialogClosedDuringTheJobIsNotTouched()
     dialog->close();
     waitForBackgroundJobs();
     QTRY_VERIFY(dialog.isNull());
+    QVERIFY(isUntouched());
+}
+
+void TestLoadTraceDialog::closingTheDialogEndsTheReading()
+{
+    // A file of zeros, so large that it would be read for many minutes.
+    QFile file(writeTrace(""));
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    if (!file.resize(qint64{1} << 40)) {
+        QSKIP("no room for a file of a terabyte, not even of zeros");
+    }
+    openDialog(file.fileName());
+    QCOMPARE(WorkerThreads::ofProcess().busyCount(), 1);
+    dialog->close();
+    const bool ended = backgroundJobsEnd(10000);
+    file.resize(0); // or else the reading goes on
+    QVERIFY(ended);
     QVERIFY(isUntouched());
 }
 

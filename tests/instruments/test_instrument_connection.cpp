@@ -35,6 +35,7 @@ private slots:
     void aFailedDeviceIsTriedAgainThroughItsConnection();
     void resetWithoutAConnectionDoesNothing();
     void resetKeepsTheMessage();
+    void resetAfterAFailedInitSaysNothingToAnybody();
     void copiesShareTheConnection();
 };
 
@@ -310,6 +311,28 @@ void TestInstrumentConnection::resetKeepsTheMessage()
     QCOMPARE(device.takeReceivedUpTo("&GTL\n"), QByteArray("*RST\n&GTL\n"));
     QCOMPARE(analyzer.deviceMessage(), QString("ACME,42"));
     QVERIFY(analyzer.initialized());
+}
+
+void TestInstrumentConnection::resetAfterAFailedInitSaysNothingToAnybody()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", identity);
+    Analyzer analyzer;
+    analyzer.init();
+    device.takeReceivedUpTo("&GTL\n");
+    analyzer.ipAddress = "127.0.0.9";
+    analyzer.init();
+    analyzer.reset();
+    QCOMPARE(analyzer.deviceMessage(), QString("Unable to connect to Host: 127.0.0.9"));
+    QVERIFY(!analyzer.initialized());
+    // One that leaves no connection behind leaves none of the former ones either.
+    analyzer.interfaceKind = InterfaceKind::Gpib0;
+    analyzer.init();
+    QVERIFY(analyzer.remote() == nullptr);
+    analyzer.reset();
+    QCOMPARE(analyzer.deviceMessage(), QString("Could not load VISA"));
+    QTRY_COMPARE(device.openConnections(), 0);
+    QCOMPARE(device.takeReceived(), QByteArray());
 }
 
 void TestInstrumentConnection::copiesShareTheConnection()

@@ -5,6 +5,7 @@
 
 #include <QFile>
 
+#include <csignal>
 #include <cstdlib>
 #include <future>
 #include <grp.h>
@@ -67,6 +68,16 @@ class ThreadLimit : public LoweredLimit
 {
 public:
     ThreadLimit() : LoweredLimit(RLIMIT_NPROC, 0) {}
+};
+
+// No file grows beyond the size; the write that would fails, as on a disk that is full.
+class FileSizeLimit : public LoweredLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes) : LoweredLimit(RLIMIT_FSIZE, bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
 };
 
 // So many bytes more than now.

@@ -1,10 +1,15 @@
 // Tuning to a notch and the preset of the chain, read at the other end of the line.
 #include "setup/measurement_setup.h"
 
+#include "kit/bench_instrument.h"
+#include "kit/conversations.h"
 #include "kit/remote_failure.h"
 #include "kit/scripted_instrument.h"
 
 #include <QtTest>
+
+#include <map>
+#include <memory>
 
 class TestTuning : public QObject
 {
@@ -19,6 +24,7 @@ private slots:
     void withoutAnAnalyzerItIsSaid();
     void presetConnectsThenSetsThenPreparesTheMeasurement();
     void presetIncludesTheMicrowaveGenerator();
+    void presetConnectsAllDevicesBeforeItSetsTheFirst();
     void presetWithoutAnyDeviceIsQuiet();
     void presetWithoutVisaIsReported();
 
@@ -150,6 +156,44 @@ void TestTuning::presetIncludesTheMicrowaveGenerator()
     QVERIFY(setup.microwave.initialized());
     QVERIFY(sent.contains("FREQ 20000000000.000000\nOUTP ON\n*IDN?\n"));
     QVERIFY(sent.indexOf("FREQ 20000000000") < sent.indexOf("SENS:DET1"));
+}
+
+// Each device at an address of its own says when it was asked who it is, which ends every step.
+void TestTuning::presetConnectsAllDevicesBeforeItSetsTheFirst()
+{
+    const std::map<QByteArray, QString> addresses = {
+        {"analyzer", "127.0.0.1"}, {"generator", "127.0.0.2"}, {"microwave", "127.0.0.3"}};
+    std::map<QByteArray, std::unique_ptr<BenchInstrument>> devices;
+    for (const auto& [name, address] : addresses) {
+        devices[name] = std::make_unique<BenchInstrument>(address);
+        devices[name]->answer("*IDN?", name + '\n');
+    }
+    MeasurementSetup setup;
+    setup.analyzer.ipAddress = addresses.at("analyzer");
+    setup.generator.ipAddress = addresses.at("generator");
+    setup.microwave.ipAddress = addresses.at("microwave");
+    setup.microwave.device = 1;
+    setup.presetInstruments();
+    std::map<BenchInstrument::Clock::time_point, QByteArray> asked;
+    for (const auto& [name, device] : devices) {
+        for (const BenchInstrument::Line& line : device->lines()) {
+            if (line.text == "*IDN?") {
+                asked[line.at] = name;
+            }
+        }
+    }
+    QByteArrayList order;
+    for (const auto& [at, name] : asked) {
+        order << name;
+    }
+    QCOMPARE(order, (QByteArrayList{"analyzer", "generator", "microwave", "analyzer", "generator",
+                                    "microwave"}));
+    QCOMPARE(setup.analyzer.deviceMessage(), QString("analyzer"));
+    QCOMPARE(setup.generator.deviceMessage(), QString("generator"));
+    QCOMPARE(setup.microwave.deviceMessage(), QString("microwave"));
+    QTRY_COMPARE(spokenWith(*devices["analyzer"]), QString("init, set, channel power"));
+    QCOMPARE(spokenWith(*devices["generator"]), QString("init, set"));
+    QVERIFY(devices["microwave"]->count("OUTP ON") == 1);
 }
 
 void TestTuning::presetWithoutAnyDeviceIsQuiet()

@@ -4,14 +4,13 @@
 #include "files/sample_output.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/system_limits.h"
 #include "setup/config_file.h"
 
 #include <QtTest>
 
-#include <csignal>
 #include <memory>
 #include <sys/mount.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,26 +18,6 @@ namespace {
 
 constexpr int sampleCount = 65536;
 constexpr rlim_t diskSize = 65536; // bytes, fewer than every form of the signal takes
-
-// While it lives no file of this process grows beyond the size; the write that would fails.
-class SizeLimit
-{
-public:
-    explicit SizeLimit(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &former);
-        rlimit limit = former;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SizeLimit() { setrlimit(RLIMIT_FSIZE, &former); }
-    SizeLimit(const SizeLimit&) = delete;
-    SizeLimit& operator=(const SizeLimit&) = delete;
-
-private:
-    rlimit former = {};
-};
 
 // While it lives the process has no more rights than an ordinary user.
 class OrdinaryUser
@@ -187,7 +166,7 @@ void TestFullDisk::limitOnFilesLeavesTheFormerOnes()
         put(base() + ending, "good");
     }
     {
-        const SizeLimit limit(diskSize);
+        const FileSizeLimit limit(diskSize);
         form.save(base());
     }
     for (const QString& ending : form.endings) {
@@ -228,7 +207,7 @@ void TestFullDisk::nothingIsLeftOnAFullDisk()
 {
     QFETCH(QByteArray, name);
     {
-        const SizeLimit limit(diskSize);
+        const FileSizeLimit limit(diskSize);
         forms[name].save(base());
     }
     QVERIFY(QDir(folder->path()).isEmpty());
@@ -240,7 +219,7 @@ void TestFullDisk::writersOfSignalsTellWhetherTheyWrote()
     for (const char* ending : {".i", ".q.wav", ".wv"}) {
         QVERIFY(saveWaveform(base() + ending, signal, 1e8));
         QVERIFY(!saveWaveform(base() + "/none" + ending, signal, 1e8));
-        const SizeLimit limit(diskSize);
+        const FileSizeLimit limit(diskSize);
         QVERIFY(!saveWaveform(base() + ending, signal, 1e8));
     }
     QVERIFY(!saveWaveform(base() + ".txt", signal, 1e8));
@@ -252,7 +231,7 @@ void TestFullDisk::writersOfSignalsTellWhetherTheyWrote()
     QVERIFY(!writeRawFile(signal, base() + "/none.cf32"));
     QVERIFY(!writeNpyFile(signal, base() + "/none.npy"));
     QVERIFY(!writeSigmfFiles(longSetup(), "bench", base() + "/none"));
-    const SizeLimit limit(diskSize);
+    const FileSizeLimit limit(diskSize);
     QVERIFY(!saveMagnitudePhaseFile(signal, base() + ".pmc"));
     QVERIFY(!writeRawFile(signal, base() + ".cf32"));
     QVERIFY(!writeNpyFile(signal, base() + ".npy"));
@@ -271,7 +250,7 @@ void TestFullDisk::fullSecondFileLeavesTheFirstAsItWas()
     put(base() + ".i", "good");
     put(base() + ".q", "good");
     {
-        const SizeLimit limit(57000);
+        const FileSizeLimit limit(57000);
         writeIQTextFiles(signal, base());
     }
     QCOMPARE(contentOf(base() + ".i"), QByteArray("good"));

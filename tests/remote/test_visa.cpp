@@ -33,6 +33,7 @@ private slots:
     void closingLeavesTheResourceManagerOpen();
     void aSessionThatCannotBeClosedClosesTheManager();
     void aManagerThatCannotBeClosedIsAFailure();
+    void closingBeforeOpeningClosesNoOpenSession();
     void onlyCloseEndsASession();
     void goToLocalDiffers();
     void theCountIsThatOfTheCharacters();
@@ -230,6 +231,18 @@ void TestVisa::aManagerThatCannotBeClosedIsAFailure()
     visa.fail("viClose", -1);
     visa.fail("viClose", -1);
     QCOMPARE(failureOf([&] { transport.close(); }), QString("Error at koClose"));
+}
+
+// The library is told of the session 0, which is none.
+void TestVisa::closingBeforeOpeningClosesNoOpenSession()
+{
+    StandIn visa;
+    VXIInterface open("127.0.0.1");
+    open.open();
+    VXIInterface transport("127.0.0.2");
+    visa.log();
+    QCOMPARE(failureOf([&] { transport.close(); }), QString("(none)"));
+    QCOMPARE(visa.log(), QByteArray("viClose(0)\n"));
 }
 
 void TestVisa::onlyCloseEndsASession()

@@ -3,6 +3,7 @@
 
 #include "kit/instrumented.h"
 #include "kit/process_memory.h"
+#include "kit/system_limits.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -218,11 +219,14 @@ private slots:
     void lineEndsOfEveryKindAreRead_data();
     void lineEndsOfEveryKindAreRead();
     void sectionNamedAfterANotchCounts();
+    void valueThatTheFirstRowDoesNotNameIsZero();
     void unknownSectionsAndKeysAreIgnored();
     void missingFileGivesDefaults();
     void anyBytesGiveARecord();
     void unwritablePlaceChangesNothing();
-    void failedSaveLeavesTheFormerFile();
+    void aSaveReplacesTheFormerFile();
+    void diskThatFillsWithTheLastBytesLeavesTheFormerFile_data();
+    void diskThatFillsWithTheLastBytesLeavesTheFormerFile();
     void defaultFileGetsItsFolders();
 
 private:
@@ -457,6 +461,20 @@ void TestConfigFile::sectionNamedAfterANotchCounts()
     QCOMPARE(setup.notches->items.at(0).startIndex, 4);
 }
 
+void TestConfigFile::valueThatTheFirstRowDoesNotNameIsZero()
+{
+    const MeasurementSetup setup = load("[Notch 1]\nfcenter = 5\nStart = 4\n");
+    QCOMPARE(setup.notches->items.size(), 1);
+    const Notch& notch = setup.notches->items.at(0);
+    QCOMPARE(notch.center, 5.0);
+    QCOMPARE(notch.startIndex, 4);
+    QCOMPARE(notch.stopFreq, 0.0);
+    QCOMPARE(notch.startFreq, 0.0);
+    QCOMPARE(notch.width, 0.0);
+    QCOMPARE(notch.depth, 0.0);
+    QCOMPARE(notch.stopIndex, 0);
+}
+
 void TestConfigFile::unknownSectionsAndKeysAreIgnored()
 {
     const MeasurementSetup setup = load("[Other]\nSeed = 9\n[NPR]\nseed = 8\nSeed = 7\n");
@@ -487,11 +505,40 @@ void TestConfigFile::unwritablePlaceChangesNothing()
 }
 
 // What stands in the folder beside the file is part of the promise: no half-written rest.
-void TestConfigFile::failedSaveLeavesTheFormerFile()
+void TestConfigFile::aSaveReplacesTheFormerFile()
 {
     MeasurementSetup setup;
     saveConfig(setup, path());
     setup.seed = 9;
+    saveConfig(setup, path());
+    QCOMPARE(loadConfig(path()).seed, 9U);
+    QCOMPARE(QDir(folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"test.cfg"});
+}
+
+void TestConfigFile::diskThatFillsWithTheLastBytesLeavesTheFormerFile_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::newRow("less than a buffer") << 0;
+    QTest::newRow("many buffers") << 2000;
+}
+
+void TestConfigFile::diskThatFillsWithTheLastBytesLeavesTheFormerFile()
+{
+    QFETCH(int, rows);
+    MeasurementSetup setup;
+    for (int row = 0; row < rows; ++row) {
+        setup.notches->insert(row, Notch());
+    }
+    saveConfig(setup, path());
+    const auto size = static_cast<rlim_t>(QFileInfo(path()).size());
+    QVERIFY(size > 1000);
+    setup.seed = 9; // as long as 1
+    for (const rlim_t missing : {1U, 100U, 1000U}) {
+        const FileSizeLimit limit(size - missing);
+        saveConfig(setup, path());
+        QCOMPARE(loadConfig(path()).seed, 1U);
+    }
+    const FileSizeLimit limit(size);
     saveConfig(setup, path());
     QCOMPARE(loadConfig(path()).seed, 9U);
     QCOMPARE(QDir(folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"test.cfg"});

@@ -87,6 +87,8 @@ private slots:
     void sortOrdersByCenter_data();
     void sortOrdersByCenter();
     void sortKeepsEveryRowAmongEqualCenters();
+    void sortSettlesTheOrderOfEqualCenters_data();
+    void sortSettlesTheOrderOfEqualCenters();
 };
 
 void TestNotchOperations::attenuateIncludesBothEnds()
@@ -305,6 +307,39 @@ void TestNotchOperations::sortKeepsEveryRowAmongEqualCenters()
     for (int i = 0; i < 200; ++i) {
         QCOMPARE(rows.at(i), i);
     }
+}
+
+void TestNotchOperations::sortSettlesTheOrderOfEqualCenters_data()
+{
+    QTest::addColumn<QVector<int>>("centers");
+    QTest::addColumn<QVector<int>>("order"); // the former places of the rows
+    QTest::newRow("two") << QVector<int>{1, 1} << QVector<int>{0, 1};
+    QTest::newRow("three") << QVector<int>{1, 1, 1} << QVector<int>{0, 1, 2};
+    // Row 2 goes to the end as the pivot (0 1 3 2), the ends of the others are exchanged (3 1 0 2),
+    // and the pivot takes the place of row 1.
+    QTest::newRow("four") << QVector<int>{1, 1, 1, 1} << QVector<int>{3, 2, 0, 1};
+    // 0 1 4 3 2, then 3 1 4 0 2 and 3 4 1 0 2, and the pivot takes the place of row 1.
+    QTest::newRow("five") << QVector<int>{1, 1, 1, 1, 1} << QVector<int>{3, 4, 2, 0, 1};
+    // Median of three: 5 1 2 3 4 0 with pivot 3. Split: 1 3 | 2 0 4 5, whose median of three is
+    // 5 0 4 2 with pivot 4; split: 5 2 | 4 | 0.
+    QTest::newRow("two by two") << QVector<int>{1, 0, 1, 0, 1, 0} << QVector<int>{1, 3, 5, 2, 4, 0};
+}
+
+void TestNotchOperations::sortSettlesTheOrderOfEqualCenters()
+{
+    QFETCH(QVector<int>, centers);
+    QFETCH(QVector<int>, order);
+    NotchList list;
+    for (int row = 0; row < centers.size(); ++row) {
+        list.items.append(notchOf(row, row, 0.0));
+        list.items.last().center = centers.at(row);
+    }
+    list.sort();
+    QVector<int> sorted;
+    for (const Notch& notch : qAsConst(list.items)) {
+        sorted.append(notch.startIndex);
+    }
+    QCOMPARE(sorted, order);
 }
 
 QTEST_APPLESS_MAIN(TestNotchOperations)

@@ -1,5 +1,7 @@
 // The whole calculation: closed forms, an independent direct sum, and the textbook order of
 // operations for the bits.
+#include "base/parallel.h"
+#include "kit/thread_count.h"
 #include "setup/measurement_setup.h"
 #include "signal/notch_operations.h"
 #include "signal/reference_pipeline.h"
@@ -51,6 +53,15 @@ bool sameBits(const QVector<double>& a, const QVector<double>& b)
                        static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
 }
 
+// Rows of the FFT lengths, the greatest first.
+void addLengths(int firstRow, int lastRow)
+{
+    QTest::addColumn<int>("fftLengthIndex");
+    for (int index = firstRow; index <= lastRow; ++index) {
+        QTest::addRow("%d", 4194304 >> index) << index;
+    }
+}
+
 } // namespace
 
 class TestPipeline : public QObject
@@ -58,9 +69,12 @@ class TestPipeline : public QObject
     Q_OBJECT
 
 private slots:
+    void longSpectraAreConvertedByAllCores(); // first: threads stay for a while
     void samplesAreTheDirectSumOfTheBins();
-    void samplesHaveTheBitsOfTheLiteralOrder_data();
+    void samplesHaveTheBitsOfTheLiteralOrder_data() { addLengths(4, 16); }
     void samplesHaveTheBitsOfTheLiteralOrder();
+    void longSignalsHaveTheBitsOfTheLiteralOrder_data() { addLengths(0, 3); }
+    void longSignalsHaveTheBitsOfTheLiteralOrder() { samplesHaveTheBitsOfTheLiteralOrder(); }
     void meanPowerIsTheMeanOfTheSquaredMagnitudes();
     void constantPhasesGiveOnePeakOfRootN();
     void parabolicPhasesGiveAConstantEnvelope_data();
@@ -78,10 +92,24 @@ private slots:
     void compensationNeedsItsCheckBox();
     void sinxCompensationDoesNotTouchFiles();
     void magnitudeFileDrivesThePipeline();
-    void oddLengthFromAFileStaysInside();
+    void oddLengthFromAFileGoesTheSameWay();
     void zeroSpectrumHasNoCrestFactor();
     void copyForAnotherThreadSharesNoRows();
 };
+
+void TestPipeline::longSpectraAreConvertedByAllCores()
+{
+    const int before = threadCount();
+    if (before == 0 || usefulThreads() == 1) {
+        QSKIP("a single core, or the system doesn't tell the threads of a process");
+    }
+    SignalData shortOne(65536); // one run for each half of the band
+    shortOne.buildTransformInput();
+    QCOMPARE(threadCount(), before);
+    SignalData longOne(262144);
+    longOne.buildTransformInput();
+    QVERIFY(threadCount() > before);
+}
 
 void TestPipeline::samplesAreTheDirectSumOfTheBins()
 {
@@ -94,14 +122,6 @@ void TestPipeline::samplesAreTheDirectSumOfTheBins()
         const std::complex<double> expected = sampleAt(setup.signal, k);
         QVERIFY(qAbs(setup.signal.iSamples[k] - expected.real()) < 1e-12);
         QVERIFY(qAbs(setup.signal.qSamples[k] - expected.imag()) < 1e-12);
-    }
-}
-
-void TestPipeline::samplesHaveTheBitsOfTheLiteralOrder_data()
-{
-    QTest::addColumn<int>("fftLengthIndex");
-    for (int index = 0; index <= 16; ++index) {
-        QTest::addRow("%d", 4194304 >> index) << index;
     }
 }
 
@@ -223,21 +243,26 @@ void TestPipeline::missingMagnitudePhaseFileGivesAnEmptySignal()
 void TestPipeline::missingSampleFilesGiveAnEmptySignal()
 {
     MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
+    setup.calculateSignal();
     setup.customSource = SignalSource::IQFiles;
+    setup.iFile = QStringLiteral("/nonexistent/i.wav");
+    setup.qFile = QStringLiteral("/nonexistent/q.wav");
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 0);
+    QVERIFY(setup.signal.iSamples.isEmpty());
     QVERIFY(setup.crestFactor == 0.0);
 }
 
 void TestPipeline::absurdLengthGivesAnEmptySignal()
 {
-    MeasurementSetup setup;
-    setup.fftLengthIndex = -8; // 2^30, as a configuration file can ask for
-    setup.calculateSignal();
-    QCOMPARE(setup.signal.length, 0);
-    setup.fftLengthIndex = 40;
-    setup.calculateSignal();
-    QCOMPARE(setup.signal.length, 0);
+    for (const int index : {-8, 40}) { // 2^30, as a configuration file can ask for, and none
+        MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
+        setup.calculateSignal();
+        setup.fftLengthIndex = index;
+        setup.calculateSignal();
+        QCOMPARE(setup.signal.length, 0);
+        QVERIFY(setup.crestFactor == 0.0);
+    }
 }
 
 void TestPipeline::unknownPhaseModeShapesTheOldSpectrumAgain()
@@ -328,7 +353,7 @@ void TestPipeline::magnitudeFileDrivesThePipeline()
     QVERIFY(qAbs(setup.crestFactor) < 1e-12);
 }
 
-void TestPipeline::oddLengthFromAFileStaysInside()
+void TestPipeline::oddLengthFromAFileGoesTheSameWay()
 {
     QTemporaryDir dir;
     for (const int length : {1, 3, 5, 7, 1001}) {
@@ -341,8 +366,14 @@ void TestPipeline::oddLengthFromAFileStaysInside()
         setup.customSource = SignalSource::MagnitudePhaseFile;
         setup.phaseMagFile = file.fileName();
         setup.calculateSignal();
+        SignalData expected(static_cast<quint32>(length));
+        expected.phase[0] = 0.1;
+        // The first of half + 3 bins is inside the notch where half is at most 3.
+        expected.magnitude[0] = length == 7 ? std::pow(10.0, -1.0) : 1.0;
+        reference::makeSamples(expected);
         QCOMPARE(setup.signal.length, length);
-        QCOMPARE(setup.signal.iSamples.size(), length);
+        QVERIFY2(sameBits(setup.signal.iSamples, expected.iSamples), QByteArray::number(length));
+        QVERIFY2(sameBits(setup.signal.qSamples, expected.qSamples), QByteArray::number(length));
     }
 }
 

@@ -49,6 +49,9 @@ inline void fft(std::vector<Complex>& x)
         for (std::size_t l = 0; l < k; ++l) {
             for (std::size_t a = l; a < N; a += n) {
                 const std::size_t b = a + k;
+                if (b >= N) { // only where N is no power of two
+                    continue;
+                }
                 const Complex t = x[a] - x[b];
                 x[a] = x[a] + x[b];
                 x[b] = product(t, w);
