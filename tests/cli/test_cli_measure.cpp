@@ -53,6 +53,20 @@ QJsonObject pointOf(const QJsonObject& result, int point)
     return result["points"].toArray()[point].toObject();
 }
 
+// Those instruments; the analyzer answers every reading alike.
+struct MeasuredDevices
+{
+    explicit MeasuredDevices(const QByteArray& reading)
+    {
+        generator.answer("*IDN?", "a generator\n");
+        analyzer.answer("*IDN?", "an analyzer\n");
+        analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", reading);
+    }
+
+    ScriptedInstrument generator{5025, "127.0.0.2"};
+    ScriptedInstrument analyzer{5025, "127.0.0.3"};
+};
+
 } // namespace
 
 class TestCliMeasure : public QObject
@@ -392,18 +406,15 @@ void TestCliMeasure::anInterruptionKeepsWhatWasMeasured()
 {
     QFETCH(int, signal);
     QFETCH(int, status);
-    ScriptedInstrument generator(5025, "127.0.0.2");
-    ScriptedInstrument analyzer(5025, "127.0.0.3");
-    generator.answer("*IDN?", "a generator\n");
-    analyzer.answer("*IDN?", "an analyzer\n");
-    analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-40.0,-20.0,-20.0\n");
+    MeasuredDevices devices("-40.0,-20.0,-20.0\n");
     const QString file = cli->path("r.json");
     cli->process.start(NOTCHBENCH_CLI,
                        curve(instruments + QStringList{"--levels", "-40:-30:1", "--average",
                                                        "100000", "--json", file}));
     // The third reading is asked for.
     QByteArray received;
-    QTRY_VERIFY_WITH_TIMEOUT((received += analyzer.takeReceived()).count("RES? ACP") > 2, 20000);
+    QTRY_VERIFY_WITH_TIMEOUT((received += devices.analyzer.takeReceived()).count("RES? ACP") > 2,
+                             20000);
     ::kill(static_cast<pid_t>(cli->process.processId()), signal);
     QVERIFY(cli->process.waitForFinished(20000));
     QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
@@ -412,17 +423,13 @@ void TestCliMeasure::anInterruptionKeepsWhatWasMeasured()
     QVERIFY(schemaErrors(json).isEmpty());
     QCOMPARE(jsonOf(json)["points"].toArray().size(), 1);
     // CONFIG's -20 dBm is above the highest level.
-    QVERIFY(generator.takeReceivedUpTo("POW -30.000000\n*IDN?\n&GTL\n")
+    QVERIFY(devices.generator.takeReceivedUpTo("POW -30.000000\n*IDN?\n&GTL\n")
                 .endsWith("POW -30.000000\n*IDN?\n&GTL\n"));
 }
 
 void TestCliMeasure::instrumentsAreMeasuredWith()
 {
-    ScriptedInstrument generator(5025, "127.0.0.2");
-    ScriptedInstrument analyzer(5025, "127.0.0.3");
-    generator.answer("*IDN?", "a generator\n");
-    analyzer.answer("*IDN?", "an analyzer\n");
-    analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-40.0,-20.0,-20.0\n");
+    MeasuredDevices devices("-40.0,-20.0,-20.0\n");
     const CliRun run = cli->run(measuring(instruments + QStringList{"--json", "-"}));
     QCOMPARE(run.status, 0);
     QVERIFY2(run.err.contains("must already play") && run.err.contains("3 readings, about 7 s"),
@@ -437,11 +444,7 @@ void TestCliMeasure::instrumentsAreMeasuredWith()
 
 void TestCliMeasure::aLostInstrumentIsStatusFour()
 {
-    ScriptedInstrument generator(5025, "127.0.0.2");
-    ScriptedInstrument analyzer(5025, "127.0.0.3");
-    generator.answer("*IDN?", "a generator\n");
-    analyzer.answer("*IDN?", "an analyzer\n");
-    analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-40.0\n");
+    const MeasuredDevices devices("-40.0\n");
     const QString file = cli->path("r.json");
     const CliRun run = cli->run(measuring(instruments + QStringList{"--json", file}));
     QCOMPARE(run.status, 4);

@@ -124,18 +124,15 @@ void TestCliUsage::mistakesAreOneLineAndStatusTwo_data()
     row("two configs", {"signal", "default", "b.cfg"}, "unexpected argument b.cfg");
     row("option", {"signal", "default", "--seed", "7"},
         "unknown option --seed; did you mean --set?");
-    row("no key", {"signal", "default", "--set", "NPR/Seed"},
-        "--set takes SECTION/KEY=VALUE, such as NPR/Seed=7, not \"NPR/Seed\"");
-    row("key", {"signal", "default", "--set", "NPR/FFT Length=64"},
-        "--set: unknown key NPR/FFT Length; did you mean NPR/FFT Len?");
-    row("section", {"signal", "default", "--set", "NPT/Seed=7"},
-        "--set: unknown key NPT/Seed; did you mean NPR/Seed?");
-    row("row", {"signal", "default", "--set", "Notch 1/fspan=7"},
-        "--set: CONFIG has no [Notch 1]; --notches makes rows");
-    row("number", {"signal", "default", "--set", "NPR/Seed=many"},
-        "--set: NPR/Seed takes a whole number, not \"many\"");
-    row("real", {"signal", "default", "--set", "NPR/SRate=fast"},
-        "--set: NPR/SRate takes a number, not \"fast\"");
+    const auto setting = [&row](const char* name, const char* value, const QString& text) {
+        row(name, {"signal", "default", "--set", value}, "--set" + text);
+    };
+    setting("no key", "NPR/Seed", " takes SECTION/KEY=VALUE, such as NPR/Seed=7, not \"NPR/Seed\"");
+    setting("key", "NPR/FFT Length=64", ": unknown key NPR/FFT Length; did you mean NPR/FFT Len?");
+    setting("section", "NPT/Seed=7", ": unknown key NPT/Seed; did you mean NPR/Seed?");
+    setting("row", "Notch 1/fspan=7", ": CONFIG has no [Notch 1]; --notches makes rows");
+    setting("number", "NPR/Seed=many", ": NPR/Seed takes a whole number, not \"many\"");
+    setting("real", "NPR/SRate=fast", ": NPR/SRate takes a number, not \"fast\"");
     row("notches", {"signal", "default", "--notches", "9"},
         "--notches takes COUNT,WIDTH_HZ,DEPTH_DB[,OFFSET_HZ], such as 9,1e6,-100, not \"9\"");
     row("count", {"signal", "default", "--notches", "0,1e6,-100"},

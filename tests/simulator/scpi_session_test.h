@@ -16,6 +16,25 @@ inline QByteArray tell(ScpiSession& session, const QByteArray& line)
     return session.takeAnswers();
 }
 
+// A line that asks nothing and is understood leaves neither an answer nor an error.
+inline bool isUnderstood(ScpiSession& session, const QByteArray& line)
+{
+    return tell(session, line).isEmpty() && tell(session, "SYST:ERR?") == noError;
+}
+
+// How the program prepares the analyzer for its readings.
+inline const QList<QByteArray> channelPowerPreset = {"SENS:DET1:FUNC RMS",
+                                                     ":CALC1:MARK1:FUNC:POW:SEL ACP",
+                                                     ":SENS1:POW:ACH:ACP 1",
+                                                     ":CALC1:MARK1:FUNC:POW:RES:PHZ OFF;*WAI",
+                                                     "POW:ACH:MODE REL",
+                                                     "INP:ATT:AUTO ON",
+                                                     "BAND:RES:AUTO ON",
+                                                     "BAND:VID:AUTO ON",
+                                                     "SWE:TIME 1.000000",
+                                                     "DISP:WIND1:TRAC:Y:RLEV -20.000",
+                                                     "&GTL"};
+
 class ScpiSessionTest : public QObject
 {
 protected:

@@ -31,6 +31,14 @@ const Word words[] = {
     {"SOUR2:POW -20.000000", secondPath},
 };
 
+void addRows(const QStringList& models)
+{
+    QTest::addColumn<QString>("model");
+    for (const QString& name : models) {
+        QTest::newRow(qPrintable(name)) << name;
+    }
+}
+
 } // namespace
 
 class TestInstrumentTypes : public ScpiSessionTest
@@ -38,24 +46,16 @@ class TestInstrumentTypes : public ScpiSessionTest
     Q_OBJECT
 
 private slots:
-    void aGeneratorKnowsItsOwnWordsOnly_data();
+    void aGeneratorKnowsItsOwnWordsOnly_data() { addRows(typeNames(generatorTypes())); }
     void aGeneratorKnowsItsOwnWordsOnly();
     void aMicrowaveGeneratorKnowsItsOwnWordsOnly();
     void anOptionThatIsMissingIsTold();
-    void everyAnalyzerKnowsTheSameWords_data();
+    void everyAnalyzerKnowsTheSameWords_data() { addRows(typeNames(analyzerTypes())); }
     void everyAnalyzerKnowsTheSameWords();
     void rangesAreTheModels();
     void identityAndOptionsAreTheModels();
     void unknownModelsAreNotFound();
 };
-
-void TestInstrumentTypes::aGeneratorKnowsItsOwnWordsOnly_data()
-{
-    QTest::addColumn<QString>("model");
-    for (const QString& name : typeNames(generatorTypes())) {
-        QTest::newRow(qPrintable(name)) << name;
-    }
-}
 
 void TestInstrumentTypes::aGeneratorKnowsItsOwnWordsOnly()
 {
@@ -124,14 +124,6 @@ void TestInstrumentTypes::anOptionThatIsMissingIsTold()
     }
 }
 
-void TestInstrumentTypes::everyAnalyzerKnowsTheSameWords_data()
-{
-    QTest::addColumn<QString>("model");
-    for (const QString& name : typeNames(analyzerTypes())) {
-        QTest::newRow(qPrintable(name)) << name;
-    }
-}
-
 void TestInstrumentTypes::everyAnalyzerKnowsTheSameWords()
 {
     QFETCH(QString, model);
@@ -139,29 +131,19 @@ void TestInstrumentTypes::everyAnalyzerKnowsTheSameWords()
     models.analyzer = findType(analyzerTypes(), model);
     SimulatedInstrument instrument(bench, BenchFace::Analyzer, models);
     ScpiSession session(instrument);
-    const char* const lines[] = {"SENS:DET1:FUNC RMS",
-                                 ":CALC1:MARK1:FUNC:POW:SEL ACP",
-                                 ":SENS1:POW:ACH:ACP 1",
-                                 ":CALC1:MARK1:FUNC:POW:RES:PHZ OFF;*WAI",
-                                 "POW:ACH:MODE REL",
-                                 "INP:ATT:AUTO ON",
-                                 "SWE:TIME 1.000000",
-                                 "DISP:WIND1:TRAC:Y:RLEV -20.000",
-                                 "FREQ:CENT 1008800000.00000000000",
-                                 "FREQ:SPAN 3500000.00000000000",
-                                 "POW:ACH:BWID 750000.00000000000",
-                                 "POW:ACH:BWID:ACH 750000.00000000000",
-                                 "POW:ACH:SPAC 1200000.00000000000",
-                                 "BAND:RES 30000.00000000000",
-                                 "BAND:VID 300000.00000000000",
-                                 "INIT:CONT OFF",
-                                 "INIT;*WAI",
-                                 "&GTL",
-                                 "",
-                                 ";*CLS"};
-    for (const char* line : lines) {
-        QCOMPARE(tell(session, line), QByteArray());
-        QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+    const QList<QByteArray> measuring = {"FREQ:CENT 1008800000.00000000000",
+                                         "FREQ:SPAN 3500000.00000000000",
+                                         "POW:ACH:BWID 750000.00000000000",
+                                         "POW:ACH:BWID:ACH 750000.00000000000",
+                                         "POW:ACH:SPAC 1200000.00000000000",
+                                         "BAND:RES 30000.00000000000",
+                                         "BAND:VID 300000.00000000000",
+                                         "INIT:CONT OFF",
+                                         "INIT;*WAI",
+                                         "",
+                                         ";*CLS"};
+    for (const QByteArray& line : channelPowerPreset + measuring) {
+        QVERIFY2(isUnderstood(session, line), line);
     }
     QCOMPARE(tell(session, "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP").count(','), 2);
 }

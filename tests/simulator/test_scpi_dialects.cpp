@@ -110,20 +110,8 @@ void TestScpiDialects::aLevelOfTheMicrowaveGeneratorReplacesItsIfInput()
 void TestScpiDialects::theChannelPowerPresetIsUnderstood()
 {
     ScpiSession session = main();
-    const char* const lines[] = {"SENS:DET1:FUNC RMS",
-                                 ":CALC1:MARK1:FUNC:POW:SEL ACP",
-                                 ":SENS1:POW:ACH:ACP 1",
-                                 ":CALC1:MARK1:FUNC:POW:RES:PHZ OFF;*WAI",
-                                 "POW:ACH:MODE REL",
-                                 "INP:ATT:AUTO ON",
-                                 "BAND:RES:AUTO ON",
-                                 "BAND:VID:AUTO ON",
-                                 "SWE:TIME 1.000000",
-                                 "DISP:WIND1:TRAC:Y:RLEV -20.000",
-                                 "&GTL"};
-    for (const char* line : lines) {
-        QCOMPARE(tell(session, line), QByteArray());
-        QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+    for (const QByteArray& line : channelPowerPreset) {
+        QVERIFY2(isUnderstood(session, line), line);
     }
     QCOMPARE(bench.settings.analyzer.sweepTime.value, 1.0);
     QCOMPARE(bench.settings.analyzer.referenceLevel, -20.0);

@@ -25,6 +25,9 @@ private slots:
     void openingRewritesTwoStopBits();
     void aRateOutsideOfTheListStays();
     void valuesWithoutARowStay();
+    void everySettingSaysWhatItIs_data();
+    void everySettingSaysWhatItIs();
+    void okSaysThatNothingIsLeftToStore();
     void okHidesIt();
     void withoutAnInstrumentNothingHappens();
 
@@ -175,6 +178,42 @@ void TestRs232Dialog::valuesWithoutARowStay()
     QCOMPARE(instrument->rs232Parity, -9);
     QCOMPARE(instrument->rs232StopBits, 1000);
     QCOMPARE(instrument->rs232FlowControl, -1);
+}
+
+void TestRs232Dialog::everySettingSaysWhatItIs_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("tip");
+    const auto row = [](const char* object, const char* name, const char* tip) {
+        QTest::newRow(object) << name << tip + QString("; used at the next \"Init\".");
+    };
+    row("baud", "Baud rate", "Speed of the line in baud");
+    row("data", "Data bits", "Data bits of a character");
+    row("parity", "Parity", "Parity of a character");
+    row("stop", "Stop bits", "Stop bits behind a character");
+    row("flowcontrol", "Flow control", "How the instrument holds the line");
+}
+
+void TestRs232Dialog::everySettingSaysWhatItIs()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, tip);
+    const QByteArray object = QTest::currentDataTag();
+    const auto* box = operate->find<QComboBox>(object);
+    const auto* label = operate->find<QLabel>(object + "_label");
+    QCOMPARE(label->text(), name + ':');
+    QCOMPARE(box->accessibleName(), name);
+    for (const QWidget* each : {static_cast<const QWidget*>(box), static_cast<const QWidget*>(label)}) {
+        QCOMPARE(each->toolTip(), tip);
+        QCOMPARE(each->whatsThis(), tip);
+    }
+}
+
+void TestRs232Dialog::okSaysThatNothingIsLeftToStore()
+{
+    const auto* button = operate->find<QPushButton>("ok_button");
+    QCOMPARE(button->toolTip(), QString("Closes this window; all settings are stored already."));
+    QCOMPARE(button->whatsThis(), button->toolTip());
 }
 
 void TestRs232Dialog::okHidesIt()
