@@ -10,24 +10,25 @@ if(NOTCHBENCH_SANITIZER MATCHES "thread")
         "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/races.supp:ignore_noninstrumented_modules=1:history_size=4")
 endif()
 
-# notchbench_test(<name> FILES ... LINKS ... [WINDOW] [LABELS ...] [LOCKS ...] [TIMEOUT s]
-#                [LIBRARY_PATH folder])
-# makes one Qt Test program and its CTest entry. WINDOW marks a test that drives
-# widgets; it runs on the offscreen platform. Every test has a home of its own, so
-# that none reads or writes the settings of the person who runs it.
-function(notchbench_test name)
-    cmake_parse_arguments(ARG "WINDOW" "TIMEOUT;LIBRARY_PATH" "FILES;LINKS;LABELS;LOCKS" ${ARGN})
-    add_executable(${name} ${ARG_FILES})
-    target_link_libraries(${name} PRIVATE notchbench_options ${ARG_LINKS} Qt5::Test)
-    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
-    target_compile_definitions(${name} PRIVATE
-        NOTCHBENCH_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
-        NOTCHBENCH_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+# notchbench_test_entry(<entry> <name> [FUNCTIONS ...] [EXCEPT ...] [SERIAL] ...)
+# makes one CTest entry of a test program: with the named test functions, with all but the named
+# ones, or with all. Every entry has a home of its own, so that none reads or writes the settings of
+# the person who runs it or of another. The other options are those of notchbench_test.
+function(notchbench_test_entry entry name)
+    cmake_parse_arguments(ARG "WINDOW;SERIAL" "TIMEOUT;LIBRARY_PATH"
+        "FUNCTIONS;EXCEPT;LABELS;LOCKS" ${ARGN})
+    if(ARG_EXCEPT)
+        list(JOIN ARG_EXCEPT "|" except)
+        add_test(NAME ${entry} COMMAND sh -c
+            "exec \"$0\" $(\"$0\" -functions | tr -d '()' | grep -vxE '${except}')"
+            $<TARGET_FILE:${name}>)
+    else()
+        add_test(NAME ${entry} COMMAND ${name} ${ARG_FUNCTIONS})
+    endif()
 
-    set(home ${CMAKE_BINARY_DIR}/test-homes/${name})
+    set(home ${CMAKE_BINARY_DIR}/test-homes/${entry})
     file(MAKE_DIRECTORY ${home}/run)
     file(CHMOD ${home}/run DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
-    add_test(NAME ${name} COMMAND ${name})
     set(environment HOME=${home} XDG_DATA_HOME=${home}/data XDG_RUNTIME_DIR=${home}/run
         QT_LOGGING_RULES=qt.qpa.*=false)
     if(ARG_WINDOW)
@@ -37,14 +38,49 @@ function(notchbench_test name)
         list(APPEND environment LD_LIBRARY_PATH=${ARG_LIBRARY_PATH})
     endif()
     if(NOT ARG_TIMEOUT)
-        set(ARG_TIMEOUT 120)
+        set(ARG_TIMEOUT 300) # many times what any takes, as the machine may be busy
     endif()
     if(NOTCHBENCH_SANITIZER) # several times slower
         math(EXPR ARG_TIMEOUT "4 * ${ARG_TIMEOUT}")
     endif()
-    set_tests_properties(${name} PROPERTIES
+    set_tests_properties(${entry} PROPERTIES
         ENVIRONMENT "${environment};${NOTCHBENCH_SANITIZER_ENVIRONMENT}"
         TIMEOUT ${ARG_TIMEOUT}
         LABELS "${ARG_LABELS}"
+        RUN_SERIAL ${ARG_SERIAL}
         RESOURCE_LOCK "${ARG_LOCKS}")
+endfunction()
+
+# notchbench_test(<name> FILES ... LINKS ... [TIMED ...] [SLOW ...] [WINDOW] [LABELS ...]
+#                [LOCKS ...] [TIMEOUT s] [LIBRARY_PATH folder])
+# makes one Qt Test program and its CTest entries. WINDOW marks a test that drives widgets; it runs
+# on the offscreen platform.
+#
+# TIMED names the test functions that hold the program to a promise about time, which a busy
+# machine may break: they are the entry <name>_time, labelled "time", and run alone. SLOW names
+# those that take seconds: the entry <name>_slow, labelled "slow". <name> has the others. A program
+# that is slow as a whole has the label "slow" itself.
+function(notchbench_test name)
+    cmake_parse_arguments(ARG "WINDOW" "TIMEOUT;LIBRARY_PATH"
+        "FILES;LINKS;TIMED;SLOW;LABELS;LOCKS" ${ARGN})
+    add_executable(${name} ${ARG_FILES})
+    target_link_libraries(${name} PRIVATE notchbench_options ${ARG_LINKS} Qt5::Test)
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    target_compile_definitions(${name} PRIVATE
+        NOTCHBENCH_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
+        NOTCHBENCH_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
+
+    set(common LOCKS ${ARG_LOCKS} TIMEOUT ${ARG_TIMEOUT} LIBRARY_PATH ${ARG_LIBRARY_PATH})
+    if(ARG_WINDOW)
+        list(APPEND common WINDOW)
+    endif()
+    notchbench_test_entry(${name} ${name} ${common}
+        EXCEPT ${ARG_TIMED} ${ARG_SLOW} LABELS ${ARG_LABELS})
+    if(ARG_TIMED)
+        notchbench_test_entry(${name}_time ${name} ${common}
+            FUNCTIONS ${ARG_TIMED} LABELS time SERIAL)
+    endif()
+    if(ARG_SLOW)
+        notchbench_test_entry(${name}_slow ${name} ${common} FUNCTIONS ${ARG_SLOW} LABELS slow)
+    endif()
 endfunction()
