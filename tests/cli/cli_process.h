@@ -39,7 +39,13 @@ public:
 
     CliRun run(const QStringList& words, const QByteArray& input = {})
     {
-        process.start(NOTCHBENCH_CLI, words);
+        return runBy(NOTCHBENCH_CLI, words, input);
+    }
+
+    // By way of another program, which starts it.
+    CliRun runBy(const char* program, const QStringList& words, const QByteArray& input = {})
+    {
+        process.start(program, words);
         process.write(input);
         process.closeWriteChannel();
         process.waitForFinished(100000);
