@@ -49,6 +49,7 @@ class TestGivensQR : public QObject
 private slots:
     void eachCaseOfTheRotationIsTheHandWorkedOne_data();
     void eachCaseOfTheRotationIsTheHandWorkedOne();
+    void theRotationIsThatOfTheLastStep();
     void factorsOfAnyShapeMultiplyToTheInput_data();
     void factorsOfAnyShapeMultiplyToTheInput();
     void aSingleElementIsLeftAlone();
@@ -89,6 +90,16 @@ void TestGivensQR::eachCaseOfTheRotationIsTheHandWorkedOne()
     qr.decompose(matrix(2, 2, input));
     QVERIFY(isNear(qr.r, matrix(2, 2, r)));
     QVERIFY(isNear(qr.q, matrix(2, 2, q)));
+}
+
+// Turned by (c, -s; s, c), the column (3, 4) becomes (5, 0).
+void TestGivensQR::theRotationIsThatOfTheLastStep()
+{
+    GivensQR qr;
+    QVERIFY(isNear(qr.rotation, Matrix(2, 2)));
+    qr.decompose(matrix(2, 2, {3, 1, 4, 2}));
+    QVERIFY(isNear(qr.rotation, matrix(2, 2, {.6, .8, -.8, .6})));
+    QVERIFY(isNear(qr.rotation.multiply(matrix(2, 1, {3, 4})), matrix(2, 1, {5, 0})));
 }
 
 void TestGivensQR::factorsOfAnyShapeMultiplyToTheInput_data()

@@ -61,7 +61,9 @@ private slots:
     void aRetiredAnalyzerIsNotPreset();
     void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
     void aStoppedThreadDoesNotWaitForItsTurn();
+    void aPausedThreadAsksForNoTurn();
     void aLackOfMemoryIsToldLikeAnyFailure();
+    void aLackOfMemoryDuringThePresetIsSaid();
     void withoutAThreadForThePresetItIsSaid();
     void withoutAThreadForARequestTheNextOneIsServed();
 
@@ -189,17 +191,43 @@ void TestPreset::aMeasurementOnTheCallingThreadIsDoneWhenItReturns()
     QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
 }
 
-// Somebody else talks to the analyzer, perhaps for long.
+// Somebody else talks to the analyzer, perhaps for long. The thread is met at different moments, in
+// most of them asleep.
 void TestPreset::aStoppedThreadDoesNotWaitForItsTurn()
 {
     const Analyzer analyzer;
-    const LinkTurn other = analyzer.link()->takeTurn();
+    bool hasEnded = true;
+    for (unsigned long delay = 0; delay < 20 && hasEnded; ++delay) {
+        LinkTurn other = analyzer.link()->takeTurn();
+        NPRMeasurementThread thread;
+        thread.setAnalyzer(analyzer);
+        thread.pause();
+        thread.start(QThread::InheritPriority);
+        QThread::usleep(100 * delay);
+        thread.stop();
+        hasEnded = thread.wait(5000);
+        other.giveBack();
+    }
+    QVERIFY(hasEnded);
+}
+
+// Whoever asks for the link of a device that nobody measures with is first in the queue.
+void TestPreset::aPausedThreadAsksForNoTurn()
+{
+    const Analyzer analyzer;
+    LinkTurn other = analyzer.link()->takeTurn();
     NPRMeasurementThread thread;
     thread.setAnalyzer(analyzer);
     thread.pause();
     thread.start(QThread::InheritPriority);
-    thread.stop();
-    QTRY_VERIFY(thread.isFinished());
+    for (int i = 0; i < 100; ++i) { // time for it to ask
+        QThread::yieldCurrentThread();
+        QCoreApplication::processEvents();
+    }
+    std::thread::id served;
+    analyzer.link()->ask([&served](const LinkTurn&) { served = std::this_thread::get_id(); });
+    other.giveBack(); // to the next one, within this call
+    QVERIFY(served == std::this_thread::get_id());
 }
 
 void TestPreset::aLackOfMemoryIsToldLikeAnyFailure()
@@ -226,6 +254,23 @@ void TestPreset::aLackOfMemoryIsToldLikeAnyFailure()
     thread.measureOnce();
     QCOMPARE(told, QString("Not enough memory"));
     QVERIFY(mayPause);
+}
+
+// It comes from the one to whom the link is handed on after the first step.
+void TestPreset::aLackOfMemoryDuringThePresetIsSaid()
+{
+    ScriptedInstrument device;
+    device.answer("*IDN?", "one for all\n");
+    const InstrumentChain chain;
+    LinkTurn other = chain.analyzer.link()->takeTurn();
+    int failures = 0;
+    presetInBackground(chain, [&failures](KORemoteException*) { ++failures; });
+    chain.analyzer.link()->ask([](const LinkTurn&) { throw std::bad_alloc(); });
+    other.giveBack();
+    waitForBackgroundJobs();
+    QCOMPARE(chain.analyzer.deviceMessage(), QString("Not enough memory"));
+    QCOMPARE(failures, 0);
+    QVERIFY(isFree(chain.analyzer));
 }
 
 void TestPreset::withoutAThreadForThePresetItIsSaid()
