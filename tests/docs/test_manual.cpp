@@ -61,6 +61,7 @@ private slots:
     void initTestCase();
     void everyPageIsInTheProjectAndItsContents();
     void everyLinkLeadsToAPage();
+    void everyPageLeadsToItsNeighbours();
     void everyPictureIsThere();
     void everyTextOfTheMainWindowIsExplained();
     void everyMisleadingReadingHasCauseAndRemedy();
@@ -106,6 +107,17 @@ void TestManual::everyLinkLeadsToAPage()
     }
 }
 
+void TestManual::everyPageLeadsToItsNeighbours()
+{
+    // The first section is the manual as a whole.
+    const QStringList order = allMatches(project, "<section [^>]*ref=\"([^\"]*)\"").mid(1);
+    for (int i = 0; i < order.size(); ++i) {
+        const QString foot = pages[order.at(i)].section("class=\"pages\"", 1);
+        const QStringList before = i > 0 ? order.mid(i - 1, 1) : QStringList();
+        QCOMPARE(allMatches(foot, "href=\"([^\"]*)\""), before + order.mid(i + 1, 1));
+    }
+}
+
 void TestManual::everyPictureIsThere()
 {
     QSet<QString> shown;
@@ -141,7 +153,7 @@ void TestManual::everyTextOfTheMainWindowIsExplained()
 void TestManual::everyMisleadingReadingHasCauseAndRemedy()
 {
     const QString table =
-        pages["measuring.html"].section("id=\"misleading\"", 1).section("</table>", 0, 0);
+        pages["trust.html"].section("id=\"misleading\"", 1).section("</table>", 0, 0);
     const QStringList rows = table.split("<tr>").mid(2); // after the head
     for (const char* reading : {"0.00 / 0.00 / 0.00", "near 0 on one side", "NPR that stops rising",
                                 "NPR that is too good", "a reading that doesn't move"}) {
