@@ -3,6 +3,7 @@
 #include "base/worker_threads.h"
 #include "measurement/require_commands.h"
 #include "remote/ko_remote_exception.h"
+#include "setup/measurement_setup.h"
 
 #include <memory>
 #include <utility>
@@ -105,4 +106,9 @@ void presetInBackground(const InstrumentChain& chain,
             turn->giveBack();
         }
     });
+}
+
+void MeasurementSetup::presetInstruments() const
+{
+    ::presetInstruments({generator, analyzer, microwave}, analyzer.link()->takeTurn());
 }

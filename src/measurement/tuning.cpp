@@ -1,9 +1,6 @@
-// Tuning the analyzer to the picked notch, and bringing the whole chain up. Declared in
-// setup/measurement_setup.h; both need the instruments' traffic and nothing of the signal.
 #include "measurement/tuning.h"
 
 #include "measurement/channels.h"
-#include "measurement/preset.h"
 #include "measurement/require_commands.h"
 #include "setup/measurement_setup.h"
 
@@ -35,9 +32,4 @@ void MeasurementSetup::tuneAnalyzerToNotch() const
     if (const LinkTurn turn = analyzer.link()->takeTurn()) {
         tuneToNotch(notches->items.at(measureNotch - 1), analyzer);
     }
-}
-
-void MeasurementSetup::presetInstruments() const
-{
-    ::presetInstruments({generator, analyzer, microwave}, analyzer.link()->takeTurn());
 }
