@@ -1,27 +1,12 @@
 // Man page and completion keep up with what the program itself tells.
 #include "cli/cli_process.h"
+#include "structure/source_files.h"
 
-#include <QFile>
-#include <QRegularExpression>
 #include <QtTest>
 
 namespace {
 
-QString textOf(const char* path)
-{
-    QFile file(QString(NOTCHBENCH_SOURCE_DIR "/packaging/") + path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-QStringList captures(const QString& text, const char* pattern)
-{
-    QStringList found;
-    auto match = QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(text);
-    while (match.hasNext()) {
-        found.append(match.next().captured(1));
-    }
-    return found;
-}
+const QString manPage = QStringLiteral(NOTCHBENCH_SOURCE_DIR "/packaging/notchbench-cli.1");
 
 } // namespace
 
@@ -40,7 +25,7 @@ private slots:
 private:
     QStringList options(const QString& command)
     {
-        return captures(cli.run({command, "--help"}).out, "^  (--[a-z]+)");
+        return allMatches(cli.run({command, "--help"}).out, "^  (--[a-z]+)");
     }
     QStringList complete(const QStringList& words);
 
@@ -51,7 +36,7 @@ private:
 void TestCliPapers::initTestCase()
 {
     const QString help = cli.run({"--help"}).out;
-    commands = captures(help.section("Commands:\n", 1).section("\n\n", 0, 0), "^  ([a-z]+) ");
+    commands = allMatches(help.section("Commands:\n", 1).section("\n\n", 0, 0), "^  ([a-z]+) ");
     QVERIFY(commands.size() >= 3);
 }
 
@@ -75,7 +60,7 @@ QStringList TestCliPapers::complete(const QStringList& words)
 
 void TestCliPapers::theManPageTellsEveryCommandAndOption()
 {
-    const QString page = textOf("notchbench-cli.1").replace("\\-", "-");
+    const QString page = textOfFile(manPage).replace("\\-", "-");
     for (const QString& command : qAsConst(commands)) {
         QVERIFY2(page.contains(".B " + command + '\n'), qPrintable(command));
         const QStringList itsOptions = options(command);
@@ -119,8 +104,7 @@ void TestCliPapers::everyFormatIsOfferedAndInTheManPage()
     const QString refusal = cli.run({"signal", "default", "--out", "x"}).err;
     const QStringList formats = refusal.section("formats are ", 1).trimmed().split(", ");
     QCOMPARE(complete({"signal", "default", "--format", ""}), formats);
-    const QString page =
-        textOf("notchbench-cli.1").section(".SS Of signal", 1).section(".SS", 0, 0);
+    const QString page = textOfFile(manPage).section(".SS Of signal", 1).section(".SS", 0, 0);
     for (const QString& format : formats) {
         QVERIFY2(page.contains(".B " + format + '\n'), qPrintable(format));
     }

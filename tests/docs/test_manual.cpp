@@ -1,9 +1,8 @@
 // The manual as a whole: pages, links and index hold together, and every text that the main window
 // shows is explained somewhere.
-#include <QDir>
-#include <QFile>
+#include "structure/source_files.h"
+
 #include <QMap>
-#include <QRegularExpression>
 #include <QSet>
 #include <QXmlStreamReader>
 #include <QtTest>
@@ -11,22 +10,6 @@
 namespace {
 
 const QString manualFolder = QStringLiteral(NOTCHBENCH_SOURCE_DIR "/docs/manual/");
-
-QString textOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-QStringList allMatches(const QString& text, const char* pattern)
-{
-    QStringList found;
-    auto match = QRegularExpression(QLatin1String(pattern)).globalMatch(text);
-    while (match.hasNext()) {
-        found.append(match.next().captured(1));
-    }
-    return found;
-}
 
 QSet<QString> asSet(const QStringList& list)
 {
@@ -37,7 +20,7 @@ QSet<QString> asSet(const QStringList& list)
 QStringList textsOfForm(const QString& path)
 {
     QStringList texts;
-    QXmlStreamReader form(textOf(path));
+    QXmlStreamReader form(textOfFile(path));
     QString property;
     while (!form.atEnd()) {
         form.readNext();
@@ -73,10 +56,10 @@ private:
 
 void TestManual::initTestCase()
 {
-    project = textOf(manualFolder + "notchbench.qhp");
+    project = textOfFile(manualFolder + "notchbench.qhp");
     const QStringList names = QDir(manualFolder).entryList({"*.html"});
     for (const QString& name : names) {
-        pages[name] = textOf(manualFolder + name);
+        pages[name] = textOfFile(manualFolder + name);
     }
     QVERIFY(pages.size() > 5);
 }

@@ -1,10 +1,12 @@
-// The program's own files, for tests that read them.
+// The program's own files and pages, for tests that read them.
 #pragma once
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QRegularExpression>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 
 struct SourceFile
@@ -30,6 +32,20 @@ inline QVector<SourceFile> sourceFiles(const QString& folder, const QStringList&
     while (files.hasNext()) {
         const QString path = files.next();
         found.append({QDir(folder).relativeFilePath(path), textOfFile(path)});
+    }
+    return found;
+}
+
+// What the first group of a pattern takes, for each place where it fits. "^" and "$" are the ends
+// of lines, and "." takes those too.
+inline QStringList allMatches(const QString& text, const char* pattern)
+{
+    QStringList found;
+    const QRegularExpression expression(QString::fromLatin1(pattern),
+                                        QRegularExpression::MultilineOption |
+                                            QRegularExpression::DotMatchesEverythingOption);
+    for (auto match = expression.globalMatch(text); match.hasNext();) {
+        found.append(match.next().captured(1));
     }
     return found;
 }
