@@ -1,6 +1,7 @@
 // The whole calculation: closed forms, an independent direct sum, and the textbook order of
 // operations for the bits.
 #include "base/parallel.h"
+#include "files/signal_input.h"
 #include "kit/thread_count.h"
 #include "setup/measurement_setup.h"
 #include "signal/notch_operations.h"
@@ -93,6 +94,7 @@ private slots:
     void sinxCompensationDoesNotTouchFiles();
     void magnitudeFileDrivesThePipeline();
     void oddLengthFromAFileGoesTheSameWay();
+    void sampleFilesDriveThePipeline();
     void zeroSpectrumHasNoCrestFactor();
     void copyForAnotherThreadSharesNoRows();
 };
@@ -374,6 +376,32 @@ void TestPipeline::oddLengthFromAFileGoesTheSameWay()
         QCOMPARE(setup.signal.length, length);
         QVERIFY2(sameBits(setup.signal.iSamples, expected.iSamples), QByteArray::number(length));
         QVERIFY2(sameBits(setup.signal.qSamples, expected.qSamples), QByteArray::number(length));
+    }
+}
+
+void TestPipeline::sampleFilesDriveThePipeline()
+{
+    QTemporaryDir dir;
+    MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
+    setup.customSource = SignalSource::IQFiles;
+    setup.iFile = dir.filePath("i.wav");
+    setup.qFile = dir.filePath("q.wav");
+    for (const QString& path : {setup.iFile, setup.qFile}) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        for (int k = 0; k < 64; ++k) { // 14 bits, the lower byte first
+            const int word = k * (path == setup.iFile ? 2731 : 5987) % 16384;
+            file.putChar(static_cast<char>(word & 0xFF));
+            file.putChar(static_cast<char>(word >> 8));
+        }
+    }
+    setup.calculateSignal();
+    QCOMPARE(setup.signal.length, 64);
+    QCOMPARE(setup.signal.magnitude, loadIQFiles(setup.iFile, setup.qFile).magnitude);
+    for (int k = 0; k < 64; ++k) {
+        const std::complex<double> expected = sampleAt(setup.signal, k);
+        QVERIFY(qAbs(setup.signal.iSamples[k] - expected.real()) < 1e-12);
+        QVERIFY(qAbs(setup.signal.qSamples[k] - expected.imag()) < 1e-12);
     }
 }
 
