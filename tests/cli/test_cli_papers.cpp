@@ -64,7 +64,7 @@ void TestCliPapers::theManPageTellsEveryCommandAndOption()
     for (const QString& command : qAsConst(commands)) {
         QVERIFY2(page.contains(".B " + command + '\n'), qPrintable(command));
         const QStringList itsOptions = options(command);
-        QVERIFY(itsOptions.size() >= 4);
+        QVERIFY(!itsOptions.isEmpty());
         for (const QString& option : itsOptions) {
             QVERIFY2(QRegularExpression(option + "\\b").match(page).hasMatch(), qPrintable(option));
         }
