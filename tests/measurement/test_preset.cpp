@@ -62,6 +62,7 @@ private slots:
     void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
     void aStoppedThreadDoesNotWaitForItsTurn();
     void aPausedThreadAsksForNoTurn();
+    void afterItsEndNoRequestReachesTheDevice();
     void aLackOfMemoryIsToldLikeAnyFailure();
     void aLackOfMemoryDuringThePresetIsSaid();
     void withoutAThreadForThePresetItIsSaid();
@@ -228,6 +229,26 @@ void TestPreset::aPausedThreadAsksForNoTurn()
     analyzer.link()->ask([&served](const LinkTurn&) { served = std::this_thread::get_id(); });
     other.giveBack(); // to the next one, within this call
     QVERIFY(served == std::this_thread::get_id());
+}
+
+void TestPreset::afterItsEndNoRequestReachesTheDevice()
+{
+    UsualDevice device;
+    device.answer(acpQuery, "1,2,3\n");
+    const Analyzer analyzer = connectedAnalyzer();
+    device.takeReceivedUpTo("&GTL\n");
+    LinkTurn other = analyzer.link()->takeTurn();
+    {
+        NPRMeasurementThread thread;
+        thread.setAnalyzer(analyzer);
+        thread.requestSingleMeasurement();
+        thread.requestSingleMeasurement();
+    }
+    other.giveBack();
+    waitForBackgroundJobs();
+    QVERIFY(isFree(analyzer));
+    analyzer.commands()->send("end");
+    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
 }
 
 void TestPreset::aLackOfMemoryIsToldLikeAnyFailure()
