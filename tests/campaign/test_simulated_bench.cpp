@@ -318,6 +318,7 @@ void TestSimulatedBench::theCoresChangeNoBit()
     const CampaignOutcome many = measured(setup, deviceChain("rapp"), plan);
     const WorkAlone alone;
     const CampaignOutcome one = measured(setup, deviceChain("rapp"), plan);
+    QCOMPARE(many.points.size(), 7 * 9);
     QCOMPARE(one.points.size(), many.points.size());
     for (int k = 0; k < one.points.size(); ++k) {
         QVERIFY(*one.points[k].npr == *many.points[k].npr);

@@ -211,6 +211,7 @@ void TestTheoryOfCampaigns::campaignsFollowTheory()
     SimulatedBench bench(setup.forOtherThread(), chain, QString());
     const CampaignOutcome outcome = runCampaign(plan, bench, Interruption());
     const Theory theory(setup.signal, setup.sampleRate, chain, plan.notches);
+    QCOMPARE(outcome.points.size(), 2 * 9);
     for (const NprPoint& point : outcome.points) {
         const double expected = *theory.at(point.level)[point.notch - 1];
         // Four sigma, for there are 90 points, and what interpolation and folding leave.

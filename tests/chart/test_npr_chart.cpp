@@ -49,6 +49,18 @@ public:
     NprChartView view;
 };
 
+bool hasColour(const QImage& image, const QRect& area, const QColor& colour)
+{
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            if (image.pixelColor(x, y) == colour) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
 // Whether a pixel of about this colour lies within a few pixels of the place.
 bool hasColourNear(const QImage& image, const QPoint& place, const QColor& colour, int reach = 3)
 {
@@ -213,13 +225,9 @@ void TestNprChart::theLegendIsNotCut()
     }
     // The last line's sample of the legend lies below the plot.
     const ShownChart chart(data);
-    bool found = false;
-    for (int y = chart.at(0, 20).y() + 60; y < image.height() && !found; ++y) {
-        for (int x = 0; x < image.width() && !found; ++x) {
-            found = image.pixelColor(x, y) == ChartStyle::lineColour(5);
-        }
-    }
-    QVERIFY(found);
+    QRect below = image.rect();
+    below.setTop(chart.at(0, 20).y() + 60);
+    QVERIFY(hasColour(image, below, ChartStyle::lineColour(5)));
 }
 
 void TestNprChart::aChangeOfSizeMovesTheMarks()
@@ -248,6 +256,8 @@ void TestNprChart::nothingMeasuredIsAnEmptyPicture()
 {
     const QImage image = chartImage({});
     QCOMPARE(image.size(), QSize(1600, 1000));
+    QVERIFY(!hasColour(image, image.rect(), ChartStyle::lineColour(0)));
+    QVERIFY(hasColour(chartImage(tent()), image.rect(), ChartStyle::lineColour(0)));
 }
 
 void TestNprChart::filesHaveTheirSizeAndTheirTexts()

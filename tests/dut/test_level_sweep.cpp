@@ -53,7 +53,7 @@ void TestLevelSweep::channelsHoldWhatAChainPutsThere_data()
     QTest::addColumn<Chain*>("chain");
     static Chain chains[8];
     int row = 0;
-    for (const QString& device : deviceNames()) {
+    for (const QString& device : {"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
         chains[row] = chainOf(device);
         QTest::newRow(qPrintable(device)) << &chains[row];
         ++row;
@@ -103,6 +103,7 @@ void TestLevelSweep::aLinearDeviceAddsNothing()
     Envelope scratch;
     const LevelResponse response =
         LevelSweep(chainOf(QStringLiteral("linear")), stimulus(), channels).at(-7.0, scratch);
+    QCOMPARE(response.channels.size(), channels.size());
     for (const ChannelContent& channel : response.channels) {
         QVERIFY(areClose(channel.stimulus, channel.lines));
     }

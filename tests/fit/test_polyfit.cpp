@@ -160,7 +160,9 @@ void TestPolyfit::tooFewPointsGiveNoNumbersAndNoException()
         QVERIFY(!std::isfinite(coefficient));
     }
     // Two distinct places for three coefficients.
-    for (const double coefficient : polyfit({0, 1, 1, 0}, {1, 2, 2, 1}, 2)) {
+    const QVector<double> undetermined = polyfit({0, 1, 1, 0}, {1, 2, 2, 1}, 2);
+    QCOMPARE(undetermined.size(), 3);
+    for (const double coefficient : undetermined) {
         QVERIFY(!std::isfinite(coefficient));
     }
 }

@@ -129,6 +129,7 @@ void TestTraceCorrection::polynomialFollowsATiltAtEveryLine()
 {
     const QVector<double> lines = lineFrequencies(1024, 100e6, 100e6 / 1024);
     const QVector<double> correction = polynomialCorrection(traceOf(1001, 100e6, tilt), lines);
+    QCOMPARE(correction.size(), 1024);
     for (int i = 0; i < lines.size(); ++i) {
         // The system's condition leaves about eight digits.
         QVERIFY(std::fabs(correction.at(i) + tilt(lines.at(i))) < 1e-6);
@@ -140,6 +141,7 @@ void TestTraceCorrection::polynomialFollowsARipple()
     const auto ripple = [](double frequency) { return 3.0 + std::sin(frequency / 10e6); };
     const QVector<double> lines = lineFrequencies(4096, 100e6, 100e6 / 4096);
     const QVector<double> correction = polynomialCorrection(traceOf(1001, 100e6, ripple), lines);
+    QCOMPARE(correction.size(), 4096);
     for (int i = 0; i < lines.size(); ++i) {
         QVERIFY(std::fabs(correction.at(i) - (4.0 - ripple(lines.at(i)))) < 1e-4);
     }
@@ -149,7 +151,9 @@ void TestTraceCorrection::topOfThePolynomialIsAtLeastZero()
 {
     const QVector<double> lines = lineFrequencies(64, 100e6, 100e6 / 64);
     const auto flat = [](double) { return -20.0; };
-    for (const double value : polynomialCorrection(traceOf(101, 100e6, flat), lines)) {
+    const QVector<double> correction = polynomialCorrection(traceOf(101, 100e6, flat), lines);
+    QCOMPARE(correction.size(), 64);
+    for (const double value : correction) {
         QVERIFY(std::fabs(value - 20.0) < 1e-6);
     }
 }

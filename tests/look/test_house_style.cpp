@@ -80,7 +80,9 @@ void TestHouseStyle::everyImageOfTheSheetExistsAtBothDensities()
 
 void TestHouseStyle::everyImageIsNamedBelowTheResourcesPath()
 {
-    for (const QString& name : imagesOfTheSheet()) {
+    const QStringList names = imagesOfTheSheet();
+    QVERIFY(!names.isEmpty());
+    for (const QString& name : names) {
         QVERIFY2(name.startsWith(QLatin1String(":/Images/Resources/")), qPrintable(name));
     }
 }

@@ -23,6 +23,7 @@ private slots:
     void aSingleSeedIsMinimumAndMaximum();
     void statisticsAreThoseOfTheRows();
     void theSameSweepGivesTheSameTable();
+    void theSecondSweepCountsFromZero();
     void theRecordStaysAsItWas();
     void settingsChangedDuringASweepDoNotCount();
     void constantPhasesAreSweptAtRandom();
@@ -102,11 +103,14 @@ void TestCrestFactorDialog::outputsAreDisabledAndTheCountIsBounded()
     const auto* count = operate->find<QSpinBox>("seed_count_input");
     QCOMPARE(count->minimum(), 1);
     QCOMPARE(count->maximum(), 1000);
+    int outputs = 0;
     for (const auto* output : dialog->findChildren<QLineEdit*>()) {
         if (output->objectName().endsWith("_output")) {
             QVERIFY2(!output->isEnabled(), qPrintable(output->objectName()));
+            ++outputs;
         }
     }
+    QCOMPARE(outputs, 7);
     QCOMPARE(table()->editTriggers(), QAbstractItemView::NoEditTriggers);
     QVERIFY(operate->find<QProgressBar>("progressBar")->isTextVisible());
     QCOMPARE(operate->find<QProgressBar>("progressBar")->value(), 0);
@@ -171,6 +175,19 @@ void TestCrestFactorDialog::theSameSweepGivesTheSameTable()
     const QStringList first = rows();
     sweep(40);
     QCOMPARE(rows(), first);
+}
+
+void TestCrestFactorDialog::theSecondSweepCountsFromZero()
+{
+    sweep(5);
+    const auto* bar = operate->find<QProgressBar>("progressBar");
+    QCOMPARE(bar->value(), 5);
+    operate->type("seed_count_input", "7");
+    operate->click("start_button"); // results wait for a turn of the event loop
+    QCOMPARE(bar->value(), 0);
+    QCOMPARE(bar->maximum(), 7);
+    QTRY_VERIFY(isIdle());
+    QCOMPARE(bar->value(), 7);
 }
 
 void TestCrestFactorDialog::theRecordStaysAsItWas()

@@ -121,6 +121,7 @@ void TestSources::parabolicPhasesFollowTheSquareLaw()
 void TestSources::constantPhasesAreAQuarterTurnInEighths()
 {
     const SignalData data = makeConstantPhases(128, false);
+    QCOMPARE(data.phase.size(), 128);
     for (const double phase : data.phase) {
         QVERIFY(phase == 0.7853981633974483);
     }

@@ -232,6 +232,7 @@ void TestWindowsOSInfo::theFirstIeeeDriverHidesTheSecond()
     machine.addFile(systemFolder + "\\GPIB-32.dll", 1);
     machine.addFile(systemFolder + "\\sicl32.dll", 2);
     QCOMPARE(row("Remote Control", "IEEE driver"), QStringLiteral("1.2.3.1"));
+    QVERIFY(!machine.lookedAt.empty());
     for (const std::string& path : machine.lookedAt) {
         QVERIFY(path != systemFolder + "\\sicl32.dll");
     }
