@@ -4,6 +4,7 @@
 #include "setup/config_file.h"
 
 #include <QElapsedTimer>
+#include <QTcpServer>
 #include <QTcpSocket>
 #include <QTimer>
 #include <QtTest>
@@ -79,7 +80,10 @@ void TestLongTable::clientsThatComeAndGoDelayNothing()
 {
     constexpr int clients = 200;
     saveDefaultConfig(withRows(1000), QStringLiteral("Notchbench.cfg"));
-    constexpr quint16 port = 1000;
+    QTcpServer probe; // for a port that anybody may use
+    QVERIFY(probe.listen(QHostAddress::LocalHost));
+    const quint16 port = probe.serverPort();
+    probe.close();
     MainWindow window(nullptr, port);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
