@@ -84,8 +84,10 @@ private:
     {
         ++taken;
         if (progressed) {
-            progressed(
-                {taken, plan.readingCount(), plan.levels[level], plan.notches[notch].number});
+            const NumberedNotch& where = plan.notches[notch];
+            const PointSums& sum = sums.at(level * plan.notches.size() + notch);
+            progressed({taken, plan.readingCount(), plan.levels[level], where.number,
+                        sum.point(plan.levels[level], where)});
         }
     }
 
@@ -112,7 +114,8 @@ void measure(Run& run, CampaignOutcome& outcome)
 
 } // namespace
 
-// The newest progress, left by the campaign and fetched by the main thread.
+// The newest progress and the points since the last one, left by the campaign and fetched by the
+// main thread.
 class Campaign::Letterbox
 {
 public:
@@ -120,17 +123,20 @@ public:
     {
         const std::lock_guard<std::mutex> lock(mutex);
         newest = progress;
+        points << progress.point;
     }
     // None when it was fetched before.
-    std::optional<CampaignProgress> fetch()
+    std::optional<CampaignProgress> fetch(QVector<NprPoint>& itsPoints)
     {
         const std::lock_guard<std::mutex> lock(mutex);
+        itsPoints = std::exchange(points, {});
         return std::exchange(newest, std::nullopt);
     }
 
 private:
     std::mutex mutex;
     std::optional<CampaignProgress> newest;
+    QVector<NprPoint> points;
 };
 
 void Interruption::raise()
@@ -184,7 +190,9 @@ void Campaign::interrupt()
 
 void Campaign::tellProgress()
 {
-    if (const std::optional<CampaignProgress> progress = letterbox->fetch()) {
+    QVector<NprPoint> points;
+    if (const std::optional<CampaignProgress> progress = letterbox->fetch(points)) {
+        emit measured(points);
         emit progressed(*progress);
     }
 }

@@ -32,6 +32,7 @@ struct CampaignProgress
     int total = 0;
     double level = 0.0; // of the last reading, dBm
     int notch = 0;      // its number
+    NprPoint point;     // that it belongs to, as far as it is known by now
 };
 
 struct CampaignOutcome
@@ -72,6 +73,9 @@ public:
 signals:
     // Not every reading when they come quickly.
     void progressed(const CampaignProgress& progress);
+    // Before it: the points that were read since the last time, in their order; one may come
+    // several times.
+    void measured(const QVector<NprPoint>& points);
     void finished();
 
 private:

@@ -29,18 +29,23 @@ QVector<double> levelsOf(const QString& text)
 
 ExitStatus run(const Session& session)
 {
-    if (!session.arguments.has("levels")) {
-        failUsage(QStringLiteral("curve needs --levels FROM:TO:STEP in dBm, such as -40:0:1"));
-    }
-    Measuring wanted;
-    wanted.levels = levelsOf(session.arguments.value("levels"));
-    for (const QString& threshold : session.arguments.values("threshold")) {
-        wanted.thresholds << thresholdOf(threshold);
-    }
-    return measure(session, wanted);
+    return measure(session, curveOf(session.arguments));
 }
 
 } // namespace
+
+Measuring curveOf(const Arguments& arguments)
+{
+    if (!arguments.has("levels")) {
+        failUsage(QStringLiteral("curve needs --levels FROM:TO:STEP in dBm, such as -40:0:1"));
+    }
+    Measuring wanted;
+    wanted.levels = levelsOf(arguments.value("levels"));
+    for (const QString& threshold : arguments.values("threshold")) {
+        wanted.thresholds << thresholdOf(threshold);
+    }
+    return wanted;
+}
 
 Command curveCommand()
 {

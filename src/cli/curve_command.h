@@ -2,5 +2,9 @@
 #pragma once
 
 #include "cli/command.h"
+#include "cli/prepared_measuring.h"
 
 Command curveCommand();
+
+// Levels and thresholds. Throws Failure.
+Measuring curveOf(const Arguments& arguments);

@@ -29,23 +29,6 @@ const QVector<OwnKeys>& ownKeys()
     return all;
 }
 
-QStringList keysOf(const QString& device)
-{
-    QStringList keys;
-    for (const ChainFigure& figure : chainFigures()) {
-        const bool isOthers =
-            std::any_of(ownKeys().begin(), ownKeys().end(),
-                        [&](const OwnKeys& own) { return own.keys.contains(figure.name); });
-        const bool isOwn = std::any_of(ownKeys().begin(), ownKeys().end(), [&](const OwnKeys& own) {
-            return own.device == device && own.keys.contains(figure.name);
-        });
-        if (isOwn || !isOthers) {
-            keys << figure.name;
-        }
-    }
-    return keys << rippleKey;
-}
-
 const ChainFigure& figureNamed(const QString& name)
 {
     return *std::find_if(chainFigures().begin(), chainFigures().end(),
@@ -75,6 +58,26 @@ void storeFigure(const ChainFigure& figure, const QString& value, const QString&
 
 } // namespace
 
+QStringList keysOfDevice(const QString& device)
+{
+    if (!deviceNames().contains(device)) {
+        return {};
+    }
+    QStringList keys;
+    for (const ChainFigure& figure : chainFigures()) {
+        const bool isOthers =
+            std::any_of(ownKeys().begin(), ownKeys().end(),
+                        [&](const OwnKeys& own) { return own.keys.contains(figure.name); });
+        const bool isOwn = std::any_of(ownKeys().begin(), ownKeys().end(), [&](const OwnKeys& own) {
+            return own.device == device && own.keys.contains(figure.name);
+        });
+        if (isOwn || !isOthers) {
+            keys << figure.name;
+        }
+    }
+    return keys << rippleKey;
+}
+
 Chain chainOf(const QString& text, const QString& what)
 {
     Chain chain;
@@ -85,7 +88,7 @@ Chain chainOf(const QString& text, const QString& what)
                   didYouMean(chain.device.name, deviceNames()) + "; there are " +
                   deviceNames().join(", "));
     }
-    const QStringList keys = keysOf(chain.device.name);
+    const QStringList keys = keysOfDevice(chain.device.name);
     QStringList given;
     for (const QString& word : qAsConst(words)) {
         const QString key = word.section('=', 0, 0);

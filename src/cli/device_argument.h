@@ -3,9 +3,14 @@
 
 #include "dut/chain.h"
 
+#include <QStringList>
+
 // what names the option in a failure, as in "--simulate". Throws Failure for a device or key that
 // isn't known, a key of another device, and a value out of its bounds.
 Chain chainOf(const QString& text, const QString& what);
+
+// That it may have, its own first; none of a device that isn't known.
+QStringList keysOfDevice(const QString& device);
 
 // Devices and their keys, for help texts.
 QString deviceHelp();

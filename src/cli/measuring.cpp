@@ -3,72 +3,15 @@
 #include "campaign/campaign.h"
 #include "campaign/instrument_bench.h"
 #include "campaign/npr_curve.h"
-#include "campaign/simulated_bench.h"
-#include "campaign/subtraction.h"
-#include "cli/made_signal.h"
-#include "cli/measuring_request.h"
-#include "cli/new_result.h"
+#include "cli/prepared_measuring.h"
 #include "cli/progress.h"
 #include "cli/result_output.h"
-#include "cli/setup_arguments.h"
-#include "cli/theory_argument.h"
 
 #include <QEventLoop>
 
 #include <cmath>
 
 namespace {
-
-// A bench and what people are told before it begins.
-struct ChosenBench
-{
-    std::shared_ptr<Bench> bench;
-    double presentLevel;
-};
-
-ChosenBench chosenBench(const MeasurementSetup& setup, const MeasuringRequest& request)
-{
-    const auto instruments = std::make_shared<InstrumentBench>(setup);
-    const double presentLevel = instruments->presentLevel();
-    if (!request.simulated) {
-        return {instruments, presentLevel};
-    }
-    const QString objection = SimulatedBench::objectionTo(setup.signal);
-    if (!objection.isEmpty()) {
-        failFile(objection);
-    }
-    return {std::make_shared<SimulatedBench>(setup.forOtherThread(), *request.simulated,
-                                             request.simulatedText),
-            presentLevel};
-}
-
-// Before hours of measuring, not after them.
-void requireSubtractable(const MeasuringRequest& request, const NprResult& result,
-                         const CampaignPlan& plan, const Arguments& arguments)
-{
-    if (!request.without) {
-        return;
-    }
-    const QString objection = objectionToSubtracting(*request.without, result, plan);
-    if (!objection.isEmpty()) {
-        failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
-                  "; measure it with the same notches, levels and bandwidth");
-    }
-}
-
-ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& request,
-                        const CampaignPlan& plan, const Session& session, const Measuring& wanted)
-{
-    ResultContext context;
-    context.limit = request.limit;
-    context.thresholds = wanted.thresholds;
-    if (request.theory) {
-        const QString name = session.arguments.value("theory");
-        context.theoryName = "theory " + (name == "same" ? request.simulatedText : name);
-        context.theory = theoryPoints(setup, *request.theory, plan);
-    }
-    return context;
-}
 
 QString durationText(double seconds)
 {
@@ -132,32 +75,6 @@ ExitStatus statusOf(const CampaignOutcome& outcome, const NprResult& result,
     return hasMissedLimit(result.points) ? ExitStatus::LimitMissed : ExitStatus::Done;
 }
 
-// The bytes of a result's points are those that this command's measurement gave, and what follows.
-void conclude(NprResult& result, const CampaignOutcome& outcome, const MeasuringRequest& request,
-              const Measuring& wanted, const Session& session)
-{
-    result.bench = outcome.bench;
-    result.signal.seeds = outcome.seeds;
-    result.points = outcome.points;
-    for (NprPoint& point : result.points) {
-        if (!result.signal.noiseLike) {
-            point.addMark(PointMark::notNoiseLike);
-        }
-    }
-    if (request.without) {
-        subtractBench(request.without->points, result.points);
-    }
-    if (request.limit) {
-        applyLimit(result.points, *request.limit);
-    }
-    if (!wanted.levels.isEmpty()) {
-        result.curves = curvesOf(result.points, wanted.thresholds);
-    }
-    if (!outcome.warning.isEmpty()) {
-        session.console.warn(outcome.warning);
-    }
-}
-
 // Writes what was measured whatever the campaign's end; the first failure decides the status.
 void putOutAfter(ExitStatus status, const NprResult& result, const ResultContext& context,
                  const Session& session)
@@ -176,28 +93,16 @@ void putOutAfter(ExitStatus status, const NprResult& result, const ResultContext
 
 ExitStatus measure(const Session& session, const Measuring& wanted)
 {
-    const MeasuringRequest request = requestOf(session.arguments);
-    MeasurementSetup setup = readSetup(session.arguments, session.console);
-    requireNotchMode(setup);
-    NprResult result = newResult(setup);
-    makeSignal(setup);
-    const StimulusStatistics statistics = statisticsOf(setup.signal);
-    warnUnlessNoiseLike(statistics, session.console);
-    result.signal = figuresOf(setup, statistics);
-    const ChosenBench chosen = chosenBench(setup, request);
-    const CampaignPlan plan =
-        planOf(setup, request,
-               wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels,
-               session.arguments);
-    requireSubtractable(request, result, plan, session.arguments);
-    const ResultContext context = contextOf(setup, request, plan, session, wanted);
-    setup.signal = SignalData(); // the bench has it, where it plays it
-    if (const auto* instruments = dynamic_cast<const InstrumentBench*>(chosen.bench.get())) {
-        tellBeforehand(*instruments, plan, session.console);
+    const PreparedMeasuring ready = prepareMeasuring(session.arguments, wanted, session.console);
+    if (const auto* instruments = dynamic_cast<const InstrumentBench*>(ready.bench.get())) {
+        tellBeforehand(*instruments, ready.plan, session.console);
     }
-    const CampaignOutcome outcome = run(plan, chosen.bench, session);
-    conclude(result, outcome, request, wanted, session);
-    const ExitStatus status = statusOf(outcome, result, request, session);
-    putOutAfter(status, result, context, session);
+    const CampaignOutcome outcome = run(ready.plan, ready.bench, session);
+    if (!outcome.warning.isEmpty()) {
+        session.console.warn(outcome.warning);
+    }
+    const NprResult result = resultOf(ready, outcome.points, outcome.bench, outcome.seeds);
+    const ExitStatus status = statusOf(outcome, result, ready.request, session);
+    putOutAfter(status, result, ready.context, session);
     return status;
 }

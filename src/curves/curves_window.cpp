@@ -2,6 +2,7 @@
 
 #include "curves/notch_switches.h"
 #include "curves/result_file.h"
+#include "curves/running_curve.h"
 
 #include "base/background.h"
 #include "look/house_style.h"
@@ -17,7 +18,9 @@
 
 namespace {
 
-const char emptyHint[] = "No result yet.\n\nOpen results (Ctrl+O, or drop their files here).";
+const char emptyHint[] =
+    "No result yet.\n\nMeasure a curve (Ctrl+M): a simulated device needs no instrument.\nOr open "
+    "results (Ctrl+O, or drop their files here).";
 const char hiddenHint[] = "Nothing is shown: check a result and a notch on the left.";
 
 } // namespace
@@ -42,6 +45,7 @@ CurvesWindow::CurvesWindow(QWidget* parent)
     ui->splitter->setStretchFactor(1, 1);
     connectActions();
     connectLists();
+    showRunning();
     refresh();
 }
 
@@ -57,6 +61,8 @@ void CurvesWindow::connectActions()
     const auto on = [this](QAction* action, auto call) {
         connect(action, &QAction::triggered, this, call);
     };
+    on(ui->action_measure, [this] { askForCurve(); });
+    on(ui->action_stop, [this] { running->stop(); });
     on(ui->action_open, [this] { askForFiles(); });
     on(ui->action_close, [this] { closeChosen(); });
     on(ui->action_quit, [this] { close(); });
@@ -69,6 +75,8 @@ void CurvesWindow::connectActions()
     on(ui->action_all_notches, [this] { showAllNotches(); });
     on(ui->action_next_notch, [this] { showNextNotch(); });
     on(ui->action_keys, [this] { showKeys(); });
+    connect(ui->measure_button, &QPushButton::clicked, this, &CurvesWindow::askForCurve);
+    connect(ui->stop_button, &QPushButton::clicked, ui->action_stop, &QAction::trigger);
     connect(ui->open_button, &QPushButton::clicked, this, &CurvesWindow::askForFiles);
     connect(ui->message_close, &QPushButton::clicked, this, &CurvesWindow::dismissMessages);
 }

@@ -9,6 +9,8 @@
 
 #include <memory>
 
+class RunningCurve;
+
 namespace Ui {
 class CurvesWindow;
 } // namespace Ui
@@ -25,6 +27,9 @@ public:
     // open.
     void open(const QStringList& paths);
 
+    // Measures what the words of the command line "curve" ask for. One curve at a time.
+    void measure(const QStringList& words);
+
     const ResultModel& results() const { return model; }
 
     // A line in the bar above the chart, below those that stand there.
@@ -38,6 +43,10 @@ private:
     void connectActions();
     void connectLists();
     void askForFiles();
+    void askForCurve();
+    void showRunning();
+    void takeRunning();
+    void endRunning(const QString& failure);
     void closeChosen();
     void dismissMessages();
     void choose(int id);
@@ -51,6 +60,8 @@ private:
     std::unique_ptr<Ui::CurvesWindow> ui;
     ResultModel model;
     PlotChoice choice;
+    std::unique_ptr<RunningCurve> running; // null when nothing is measured
+    int runningId = 0;
     bool isListingNotches = false;
     QStringList messages;
 };

@@ -200,10 +200,15 @@ void TestCampaign::theBackgroundDeliversInTheMainThread()
         readings = progress.readings;
         where = QThread::currentThread();
     });
+    QVector<NprPoint> measured;
+    connect(&campaign, &Campaign::measured, this,
+            [&](const QVector<NprPoint>& points) { measured += points; });
     QSignalSpy finished(&campaign, &Campaign::finished);
     campaign.start(plan(), bench);
     QVERIFY(finished.wait());
     QCOMPARE(campaign.outcome().points.size(), 4);
+    QCOMPARE(measured.size(), 4);
+    QCOMPARE(measured.constLast().npr, campaign.outcome().points.constLast().npr);
     QCOMPARE(campaign.outcome().ending, CampaignOutcome::Ending::Done);
     QCOMPARE(readings, 4); // the newest is never lost
     QCOMPARE(where, QCoreApplication::instance()->thread());

@@ -1,0 +1,36 @@
+// From the words of a command that measures to a bench and a plan that can be run, and from points
+// to a result. Nothing here talks to an instrument.
+#pragma once
+
+#include "campaign/bench.h"
+#include "cli/console.h"
+#include "cli/measuring_request.h"
+#include "cli/result_chart.h"
+
+#include <memory>
+
+// levels: none for the present one. thresholds: of the curves; none are drawn up without levels.
+struct Measuring
+{
+    QVector<double> levels;
+    QVector<double> thresholds;
+};
+
+struct PreparedMeasuring
+{
+    MeasuringRequest request;
+    NprResult result; // without points
+    CampaignPlan plan;
+    std::shared_ptr<Bench> bench;
+    ResultContext context;
+    bool hasCurves = false;
+};
+
+// Reads CONFIG and makes the signal, which takes a while. Warnings go to the console. Any thread.
+// Throws Failure.
+PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
+                                   Console& console);
+
+// What so many points are worth: marks, subtraction, limit, curves. Any thread.
+NprResult resultOf(const PreparedMeasuring& ready, const QVector<NprPoint>& points,
+                   const BenchNames& bench, const QVector<quint32>& seeds);

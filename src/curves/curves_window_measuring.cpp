@@ -1,0 +1,80 @@
+// Measuring a curve from the window.
+#include "curves/bench_holders.h"
+#include "curves/curves_window.h"
+#include "curves/measure_dialog.h"
+#include "curves/running_curve.h"
+
+#include "ui_curves_window.h"
+
+#include <QTime>
+
+void CurvesWindow::askForCurve()
+{
+    if (running != nullptr) {
+        return;
+    }
+    MeasureDialog dialog(this);
+    if (dialog.exec() == QDialog::Accepted) {
+        measure(dialog.words());
+    }
+}
+
+void CurvesWindow::measure(const QStringList& words)
+{
+    running = std::make_unique<RunningCurve>();
+    runningId = 0;
+    connect(running.get(), &RunningCurve::changed, this, &CurvesWindow::takeRunning);
+    connect(running.get(), &RunningCurve::warned, this, &CurvesWindow::tell);
+    connect(running.get(), &RunningCurve::ended, this, &CurvesWindow::endRunning);
+    running->start(words);
+    showRunning();
+}
+
+void CurvesWindow::showRunning()
+{
+    const bool isRunning = running != nullptr;
+    ui->running_bar->setVisible(isRunning);
+    ui->action_measure->setEnabled(!isRunning);
+    ui->measure_button->setEnabled(!isRunning);
+    ui->action_stop->setEnabled(isRunning);
+    if (isRunning) {
+        ui->running_text->setText(running->progressText());
+        ui->running_share->setValue(running->percent());
+    }
+}
+
+// The row comes with the first news.
+void CurvesWindow::takeRunning()
+{
+    ShownResult shown;
+    if (const ShownResult* former = model.find(runningId)) {
+        shown = *former;
+    } else {
+        const ResultContext& context = running->measuring().context;
+        shown.name = "curve of " + QTime::currentTime().toString(QStringLiteral("hh:mm:ss"));
+        shown.limit = context.limit;
+        shown.theoryName = context.theoryName;
+        shown.theory = context.theory;
+    }
+    shown.result = running->result();
+    shown.state = running->isRunning() ? ShownResult::State::Running : ShownResult::State::Unsaved;
+    if (shown.id != 0) {
+        model.change(shown);
+    } else {
+        runningId = model.add(shown);
+        choose(runningId);
+    }
+    showRunning();
+}
+
+void CurvesWindow::endRunning(const QString& failure)
+{
+    if (!failure.isEmpty()) {
+        const QString kept = model.find(runningId) == nullptr
+                                 ? QString()
+                                 : QStringLiteral(" What was measured is kept.");
+        tell("The measurement ended: " + failure + '.' + kept);
+    }
+    running.release()->deleteLater(); // it is telling this
+    showRunning();
+}

@@ -1,0 +1,150 @@
+#include "curves/measure_dialog.h"
+
+#include "base/background.h"
+#include "cli/device_argument.h"
+#include "dut/device.h"
+#include "look/house_style.h"
+#include "ui_measure_dialog.h"
+
+#include <QClipboard>
+#include <QDir>
+#include <QFileDialog>
+
+namespace {
+
+const char figurePrefix[] = "figure_";
+
+QString keyOf(const QWidget& field)
+{
+    return field.objectName().mid(int(sizeof(figurePrefix)) - 1).replace('_', '-');
+}
+
+QList<QLineEdit*> figureFields(const QWidget& dialog)
+{
+    return dialog.findChildren<QLineEdit*>(QRegularExpression("^" + QString(figurePrefix)));
+}
+
+} // namespace
+
+MeasureDialog::MeasureDialog(QWidget* parent)
+    : QDialog(parent), ui(std::make_unique<Ui::MeasureDialog>())
+{
+    ui->setupUi(this);
+    setStyleSheet(houseStyleSheet());
+    ui->device_input->addItems(deviceNames());
+    ui->device_input->setCurrentText(QStringLiteral("rapp"));
+    ui->buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Measure"));
+    constexpr int breath = 150; // ms
+    pause.setSingleShot(true);
+    pause.setInterval(breath);
+    connectInputs();
+    showBench();
+}
+
+MeasureDialog::~MeasureDialog() = default;
+
+void MeasureDialog::connectInputs()
+{
+    connect(&pause, &QTimer::timeout, this, &MeasureDialog::check);
+    for (QLineEdit* line : findChildren<QLineEdit*>()) {
+        connect(line, &QLineEdit::textChanged, this, &MeasureDialog::scheduleCheck);
+    }
+    connect(ui->simulated_button, &QRadioButton::toggled, this, &MeasureDialog::showBench);
+    connect(ui->device_input, &QComboBox::currentTextChanged, this, &MeasureDialog::showBench);
+    connect(ui->theory_box, &QCheckBox::toggled, this, &MeasureDialog::scheduleCheck);
+    connect(ui->browse_button, &QPushButton::clicked, this, &MeasureDialog::browse);
+    connect(ui->copy_button, &QPushButton::clicked, this,
+            [this] { QApplication::clipboard()->setText(ui->command_text->text()); });
+    connect(ui->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+void MeasureDialog::browse()
+{
+    const QString name =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Configuration"), QDir::currentPath(),
+                                     QStringLiteral("Config File (*.cfg);;All Files (*)"));
+    if (!name.isEmpty()) {
+        ui->config_input->setText(name);
+        ui->notches_input->clear(); // the file has its own
+    }
+}
+
+MeasureOrder MeasureDialog::order() const
+{
+    MeasureOrder order;
+    order.config = ui->config_input->text().trimmed();
+    order.notches = ui->notches_input->text().trimmed();
+    order.isSimulated = ui->simulated_button->isChecked();
+    order.device = ui->device_input->currentText();
+    for (const QLineEdit* field : figureFields(*this)) {
+        if (keysOfDevice(order.device).contains(keyOf(*field))) {
+            order.figures[keyOf(*field)] = field->text().trimmed();
+        }
+    }
+    order.others = ui->others_input->text().trimmed();
+    order.from = ui->from_input->text().trimmed();
+    order.to = ui->to_input->text().trimmed();
+    order.step = ui->step_input->text().trimmed();
+    order.averages = ui->average_input->text().trimmed();
+    order.limit = ui->limit_input->text().trimmed();
+    order.thresholds = ui->threshold_input->text().split(' ', Qt::SkipEmptyParts);
+    order.hasTheory = ui->theory_box->isEnabled() && ui->theory_box->isChecked();
+    return order;
+}
+
+QStringList MeasureDialog::words() const
+{
+    return wordsOf(order());
+}
+
+// A linear device has no theory: it makes no distortion.
+void MeasureDialog::showBench()
+{
+    const bool isSimulated = ui->simulated_button->isChecked();
+    const QString device = ui->device_input->currentText();
+    for (QLineEdit* field : figureFields(*this)) {
+        const bool isOwn = keysOfDevice(device).contains(keyOf(*field));
+        field->setVisible(isOwn);
+        ui->device_form->labelForField(field)->setVisible(isOwn);
+    }
+    ui->device_box->setEnabled(isSimulated);
+    ui->theory_box->setEnabled(device != deviceNames().constFirst());
+    scheduleCheck();
+}
+
+// Until the check has come back nothing can be started.
+void MeasureDialog::scheduleCheck()
+{
+    ui->command_text->setText(commandLineOf(words()));
+    ui->command_text->setCursorPosition(0);
+    ui->buttons->button(QDialogButtonBox::Ok)->setEnabled(false);
+    ++checks;
+    pause.start();
+}
+
+void MeasureDialog::check()
+{
+    const int number = checks;
+    inBackground(
+        this, [typed = words()] { return checkOrder(typed); },
+        [this, number](const OrderCheck& checked) {
+            if (number == checks) {
+                showCheck(checked);
+            }
+        });
+}
+
+void MeasureDialog::showCheck(const OrderCheck& checked)
+{
+    const bool isGood = checked.failure.isEmpty();
+    ui->buttons->button(QDialogButtonBox::Ok)->setEnabled(isGood);
+    ui->check_text->setProperty("isGood", isGood);
+    ui->check_text->style()->unpolish(ui->check_text); // the sheet looks at the property
+    ui->check_text->style()->polish(ui->check_text);
+    const QString estimate =
+        QStringLiteral("%1 readings, %2.").arg(checked.readings).arg(durationText(checked.seconds));
+    ui->check_text->setText(!isGood                    ? checked.failure
+                            : checked.notice.isEmpty() ? estimate
+                                                       : estimate + '\n' + checked.notice);
+}

@@ -1,0 +1,30 @@
+// What the dialog asks for, as typed. Its words are those of the command line, which alone decides
+// what is valid: nothing is checked here. Any thread.
+#pragma once
+
+#include <QMap>
+#include <QString>
+#include <QStringList>
+
+struct MeasureOrder
+{
+    QString config = QStringLiteral("default"); // a file, or that word for the program's defaults
+    QString notches; // "COUNT,WIDTH_HZ,DEPTH_DB,OFFSET_HZ"; empty: config's
+    bool isSimulated = true;
+    QString device;
+    QMap<QString, QString> figures; // of the device, by their keys; empty ones are left out
+    QString others;                 // more of them, "KEY=VALUE,..."
+    QString from;                   // levels, dBm
+    QString to;
+    QString step; // dB
+    QString averages;
+    QString limit;
+    QStringList thresholds;
+    bool hasTheory = false; // of the simulated device
+};
+
+// Behind "notchbench-cli".
+QStringList wordsOf(const MeasureOrder& order);
+
+// For a shell, with what it would take apart in quotes.
+QString commandLineOf(const QStringList& words);

@@ -1,0 +1,147 @@
+#include "curves/order_check.h"
+
+#include "campaign/instrument_bench.h"
+#include "cli/arguments.h"
+#include "cli/curve_command.h"
+#include "cli/exit_status.h"
+#include "cli/setup_arguments.h"
+#include "curves/bench_holders.h"
+
+#include <QFile>
+
+#include <cmath>
+#include <cstdlib>
+
+namespace {
+
+// What the command would write to a terminal, line by line.
+class HeardConsole
+{
+public:
+    HeardConsole() : stream(open_memstream(&text, &size)), console(stream, stream) {}
+    ~HeardConsole()
+    {
+        std::fclose(stream);
+        std::free(text); // NOLINT: from open_memstream
+    }
+    HeardConsole(const HeardConsole&) = delete;
+    HeardConsole& operator=(const HeardConsole&) = delete;
+
+    Console& itself() { return console; }
+    QStringList lines()
+    {
+        std::fflush(stream);
+        const QString all = QString::fromLocal8Bit(text, static_cast<int>(size));
+        QStringList found = all.split('\n', Qt::SkipEmptyParts);
+        for (QString& line : found) {
+            line.remove(QStringLiteral("notchbench-cli: ")).remove(QStringLiteral("warning: "));
+        }
+        return found;
+    }
+
+private:
+    char* text = nullptr;
+    std::size_t size = 0;
+    std::FILE* stream;
+    Console console;
+};
+
+Arguments argumentsOf(const QStringList& words)
+{
+    return {words.mid(1), curveCommand().options};
+}
+
+// A window has no standard input to read one from.
+void refuseStandardInput(const Arguments& arguments)
+{
+    if (arguments.positional().contains(QStringLiteral("-"))) {
+        failUsage(QStringLiteral("a configuration is a file or \"default\""));
+    }
+}
+
+// A level of one stimulus takes so long for each point of the signal; other work is little.
+double simulatedSeconds(const CampaignPlan& plan, int signalLength)
+{
+    constexpr double perPoint = 1.5e-7;
+    constexpr double perStimulus = 5e-7;
+    return double(plan.averages) * signalLength * (plan.levels.size() * perPoint + perStimulus);
+}
+
+// That of a file is known when it is read; until then it counts as long enough for any notch.
+qint32 expectedLength(const MeasurementSetup& setup)
+{
+    constexpr qint32 longEnough = 1 << 22;
+    return setup.customSource == SignalSource::Internal ? static_cast<qint32>(setup.fftLength())
+                                                        : longEnough;
+}
+
+void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& check)
+{
+    const Measuring wanted = curveOf(arguments);
+    const MeasuringRequest request = requestOf(arguments);
+    MeasurementSetup setup = readSetup(arguments, console.itself());
+    requireNotchMode(setup);
+    setup.signal.length = expectedLength(setup);
+    const CampaignPlan plan = planOf(setup, request, wanted.levels, arguments);
+    check.readings = plan.readingCount();
+    check.seconds = request.simulated ? simulatedSeconds(plan, setup.signal.length)
+                                      : InstrumentBench(setup).expectedSeconds(plan);
+    QStringList notices = console.lines();
+    if (!request.simulated) {
+        notices << holdersNotice(setup);
+        notices << QStringLiteral("The generator has to play the signal already.");
+    }
+    notices.removeAll(QString());
+    check.notice = notices.join('\n');
+}
+
+QString holdersOf(const Arguments& arguments, const MeasuringRequest& request)
+{
+    HeardConsole unheard; // its warnings were told before
+    return request.simulated ? QString() : holdersNotice(readSetup(arguments, unheard.itself()));
+}
+
+} // namespace
+
+OrderCheck checkOrder(const QStringList& words)
+{
+    OrderCheck check;
+    HeardConsole console;
+    try {
+        const Arguments arguments = argumentsOf(words);
+        refuseStandardInput(arguments);
+        estimate(arguments, console, check);
+        check.failure.clear();
+    } catch (const Failure& failure) {
+        check.failure = failure.text;
+    }
+    return check;
+}
+
+ReadyOrder prepareOrder(const QStringList& words)
+{
+    ReadyOrder ready;
+    HeardConsole console;
+    try {
+        const Arguments arguments = argumentsOf(words);
+        refuseStandardInput(arguments);
+        ready.measuring = prepareMeasuring(arguments, curveOf(arguments), console.itself());
+        ready.measuring.result.program.replace("notchbench-cli", "notchbench-curves");
+        ready.holders = holdersOf(arguments, ready.measuring.request);
+        ready.failure.clear();
+    } catch (const Failure& failure) {
+        ready.failure = failure.text;
+    }
+    ready.warnings = console.lines();
+    return ready;
+}
+
+QString durationText(double seconds)
+{
+    const auto whole = static_cast<qint64>(std::ceil(seconds));
+    return whole < 60 ? QStringLiteral("about %1 s").arg(whole)
+                      : QStringLiteral("about %1:%2:%3 h")
+                            .arg(whole / 3600)
+                            .arg(whole / 60 % 60, 2, 10, QLatin1Char('0'))
+                            .arg(whole % 60, 2, 10, QLatin1Char('0'));
+}

@@ -1,0 +1,32 @@
+// Words of the command line "curve", checked and made ready by the command's own code. Any thread;
+// files are read, so the main thread leaves it to another one.
+#pragma once
+
+#include "cli/prepared_measuring.h"
+
+#include <QStringList>
+
+struct OrderCheck
+{
+    QString failure = QStringLiteral("not enough memory or no thread"); // empty when all is well
+    QString notice; // what has to be known before the start; empty otherwise
+    int readings = 0;
+    double seconds = 0.0; // about
+};
+
+// Without making the signal.
+OrderCheck checkOrder(const QStringList& words);
+
+struct ReadyOrder
+{
+    QString failure = QStringLiteral("not enough memory or no thread");
+    QStringList warnings;
+    QString holders; // who holds an instrument; empty for nobody
+    PreparedMeasuring measuring;
+};
+
+// Makes the signal.
+ReadyOrder prepareOrder(const QStringList& words);
+
+// "about 20 s", "about 1:10:00 h"
+QString durationText(double seconds);

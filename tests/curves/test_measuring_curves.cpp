@@ -1,0 +1,179 @@
+// Curves measured from the window: simulated in the process, and with instruments that are lost.
+#include "curves/curves_window_test.h"
+#include "curves/measure_dialog.h"
+#include "kit/simulator_process.h"
+
+#include <QClipboard>
+
+namespace {
+
+const QStringList quick = {"curve",     "default",      "--set",      "NPR/FFT Len=4096",
+                           "--notches", "2,1e6,-100,0", "--simulate", "rapp,saturation=0",
+                           "--levels",  "-30:-10:5"};
+
+QStringList endless()
+{
+    QStringList words = quick;
+    words.last() = "-30:-10:0.01";
+    return words << "--average"
+                 << "1000";
+}
+
+// With the instruments of the defaults, which are those of the simulated bench.
+QStringList withInstruments()
+{
+    QStringList words = quick;
+    const int simulate = words.indexOf("--simulate");
+    words.removeAt(simulate);
+    words.removeAt(simulate);
+    return words;
+}
+
+} // namespace
+
+class TestMeasuringCurves : public CurvesWindowTest
+{
+    Q_OBJECT
+
+private slots:
+    void init() { openWindow(); }
+    void cleanup() { closeWindow(); }
+
+    void theDialogChecksWhatIsTyped();
+    void theDialogShowsTheDevicesOwnNumbers();
+    void anAcceptedDialogMeasures();
+    void aMeasuredCurveIsNotSaved();
+    void stopKeepsWhatWasMeasured();
+    void aMissingInstrumentIsAMessage();
+    void aLostInstrumentIsAMessageAndThePointsStay();
+    void anInstrumentThatAnotherProgramHoldsIsTold();
+
+private:
+    ShownResult only() const { return window->results().results().value(0); }
+};
+
+void TestMeasuringCurves::theDialogChecksWhatIsTyped()
+{
+    MeasureDialog dialog(window.get());
+    dialog.show();
+    const WindowDriver hand(dialog);
+    auto* measure = hand.find<QDialogButtonBox>("buttons")->button(QDialogButtonBox::Ok);
+    QTRY_VERIFY(measure->isEnabled());
+    QVERIFY(hand.text("check_text").startsWith("123 readings, about "));
+    auto* from = hand.find<QLineEdit>("from_input");
+    from->selectAll();
+    QTest::keyClicks(from, "-4x");
+    QVERIFY(!measure->isEnabled()); // at once, before it is checked
+    QTRY_VERIFY(hand.text("check_text").contains("--levels FROM"));
+    QVERIFY(!measure->isEnabled());
+    QVERIFY(hand.text("command_text").contains("--levels -4x:0:1"));
+    QTest::keyClick(from, Qt::Key_Backspace);
+    QTRY_VERIFY(measure->isEnabled());
+    hand.click("copy_button");
+    QCOMPARE(QApplication::clipboard()->text(), hand.text("command_text"));
+}
+
+void TestMeasuringCurves::theDialogShowsTheDevicesOwnNumbers()
+{
+    MeasureDialog dialog(window.get());
+    dialog.show();
+    const WindowDriver hand(dialog);
+    auto* device = hand.find<QComboBox>("device_input");
+    device->setCurrentText("adc");
+    QVERIFY(hand.find<QWidget>("figure_bits")->isVisible());
+    QVERIFY(!hand.find<QWidget>("figure_saturation")->isVisible());
+    QVERIFY(hand.text("command_text").contains("--simulate adc,bits=12,full-scale=0 "));
+    hand.click("instruments_button");
+    QVERIFY(!hand.isEnabled("device_box"));
+    QVERIFY(!hand.text("command_text").contains("--simulate"));
+}
+
+void TestMeasuringCurves::anAcceptedDialogMeasures()
+{
+    operate->onNext<MeasureDialog>([](MeasureDialog* dialog) {
+        const WindowDriver hand(*dialog);
+        auto* step = hand.find<QLineEdit>("step_input");
+        step->selectAll();
+        QTest::keyClicks(step, "20");
+        auto* measure = hand.find<QDialogButtonBox>("buttons")->button(QDialogButtonBox::Ok);
+        QTRY_VERIFY(measure->isEnabled());
+        QTest::mouseClick(measure, Qt::LeftButton);
+    });
+    operate->click("measure_button");
+    QTRY_VERIFY_WITH_TIMEOUT(
+        only().state == ShownResult::State::Unsaved && only().result.points.size() == 9, 60000);
+}
+
+void TestMeasuringCurves::aMeasuredCurveIsNotSaved()
+{
+    window->measure(quick);
+    QVERIFY(operate->find<QWidget>("running_bar")->isVisible());
+    QVERIFY(!operate->isEnabled("measure_button"));
+    QTRY_VERIFY_WITH_TIMEOUT(!operate->find<QWidget>("running_bar")->isVisible(), 60000);
+    QCOMPARE(only().state, ShownResult::State::Unsaved);
+    QCOMPARE(only().result.points.size(), 10);
+    QCOMPARE(only().result.bench.simulated.value_or(""), QString("rapp,saturation=0"));
+    QCOMPARE(only().result.curves.size(), 2);
+    QVERIFY(operate->isEnabled("measure_button"));
+}
+
+void TestMeasuringCurves::stopKeepsWhatWasMeasured()
+{
+    window->measure(endless());
+    QTRY_VERIFY_WITH_TIMEOUT(only().result.points.size() > 2, 60000);
+    QCOMPARE(only().state, ShownResult::State::Running);
+    operate->click("stop_button");
+    QTRY_VERIFY_WITH_TIMEOUT(!operate->find<QWidget>("running_bar")->isVisible(), 60000);
+    QCOMPARE(only().state, ShownResult::State::Unsaved);
+    QVERIFY(only().result.points.size() > 2);
+    QVERIFY(!operate->find<QWidget>("message_bar")->isVisible()); // it is no failure
+}
+
+void TestMeasuringCurves::aMissingInstrumentIsAMessage()
+{
+    window->measure(withInstruments());
+    QTRY_VERIFY_WITH_TIMEOUT(operate->find<QWidget>("message_bar")->isVisible(), 60000);
+    QVERIFY2(operate->text("message_text").contains("127.0.0.1"),
+             qPrintable(operate->text("message_text")));
+    QVERIFY(!operate->find<QWidget>("running_bar")->isVisible());
+}
+
+void TestMeasuringCurves::aLostInstrumentIsAMessageAndThePointsStay()
+{
+    SimulatorProcess simulator(1000, {});
+    QVERIFY(simulator.isReady());
+    QStringList words = withInstruments();
+    words.last() = "-30:-10:0.1";
+    window->measure(words << "--settle"
+                          << "0.05");
+    QTRY_VERIFY_WITH_TIMEOUT(only().result.points.size() > 1, 60000);
+    simulator.kill();
+    QTRY_VERIFY_WITH_TIMEOUT(operate->find<QWidget>("message_bar")->isVisible(), 60000);
+    QVERIFY(operate->text("message_text").contains("What was measured is kept"));
+    QCOMPARE(only().state, ShownResult::State::Unsaved);
+    QVERIFY(only().result.points.size() > 1);
+}
+
+void TestMeasuringCurves::anInstrumentThatAnotherProgramHoldsIsTold()
+{
+    SimulatorProcess simulator(1000, {});
+    QVERIFY(simulator.isReady());
+    // A program that connects and goes on holding the connection.
+    QProcess holder;
+    holder.start("python3", {"-c", "import socket, sys\n"
+                                   "held = socket.create_connection(('127.0.0.1', 5025))\n"
+                                   "print('held', flush=True)\n"
+                                   "sys.stdin.read()\n"});
+    QTRY_VERIFY_WITH_TIMEOUT(holder.canReadLine(), 20000);
+    MeasureDialog dialog(window.get());
+    dialog.show();
+    const WindowDriver hand(dialog);
+    hand.click("instruments_button");
+    QTRY_VERIFY2(hand.text("check_text").contains("Another program of this machine"),
+                 qPrintable(hand.text("check_text")));
+    holder.closeWriteChannel();
+    QVERIFY(holder.waitForFinished());
+}
+
+QTEST_MAIN(TestMeasuringCurves)
+#include "test_measuring_curves.moc"
