@@ -160,7 +160,8 @@ void TestSimulatedBench::aConverterHasItsPeakAndRange()
     QFETCH(int, averages);
     const MeasurementSetup setup = oneNotch();
     const QVector<double> levels = levelSteps(-36.0, -5.0, 1.0);
-    const CampaignOutcome outcome = measured(setup, converter(bits), planOf(setup, levels, averages));
+    const CampaignOutcome outcome =
+        measured(setup, converter(bits), planOf(setup, levels, averages));
     const NprCurve curve = curvesOf(outcome.points, {41.0}).constFirst();
     QVERIFY2(std::abs(*curve.peakNpr - npr) < 0.5, qPrintable(QString::number(*curve.peakNpr)));
     QVERIFY2(std::abs(*curve.peakLevel - level) < 0.7,

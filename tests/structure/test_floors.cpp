@@ -41,7 +41,8 @@ const QStringList rooms = {"base",
 
 bool mayHaveWidgets(const QString& room)
 {
-    return QStringList{"look", "graph", "chart", "app", "curves"}.contains(room) || room.endsWith("/dialogs");
+    return QStringList{"look", "graph", "chart", "app", "curves"}.contains(room) ||
+           room.endsWith("/dialogs");
 }
 
 // The simulator stands beside the program, so that it can contradict it.

@@ -203,7 +203,8 @@ void TestRs232Dialog::everySettingSaysWhatItIs()
     const auto* label = operate->find<QLabel>(object + "_label");
     QCOMPARE(label->text(), name + ':');
     QCOMPARE(box->accessibleName(), name);
-    for (const QWidget* each : {static_cast<const QWidget*>(box), static_cast<const QWidget*>(label)}) {
+    for (const QWidget* each :
+         {static_cast<const QWidget*>(box), static_cast<const QWidget*>(label)}) {
         QCOMPARE(each->toolTip(), tip);
         QCOMPARE(each->whatsThis(), tip);
     }
