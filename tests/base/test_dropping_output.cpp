@@ -72,6 +72,7 @@ private slots:
     void linesArriveAsTheyAre();
     void whatNobodyReadsIsDroppedAndWritingGoesOn_data() { allKinds(); }
     void whatNobodyReadsIsDroppedAndWritingGoesOn();
+    void ofALineThatIsDroppedWholeNothingStays();
     void flagsThatOthersShareStay_data() { allKinds(); }
     void flagsThatOthersShareStay();
     void fullPipeOfAnotherUserIsNotWaitedFor();
@@ -122,6 +123,23 @@ void TestDroppingOutput::whatNobodyReadsIsDroppedAndWritingGoesOn()
     for (const QByteArray& whole : lines.mid(0, lines.size() - 3)) {
         QCOMPARE(whole + '\n', line);
     }
+}
+
+// A pipe takes a short line whole or not at all.
+void TestDroppingOutput::ofALineThatIsDroppedWholeNothingStays()
+{
+    const Ends ends("pipe");
+    DroppingOutput output(ends.descriptors[1]);
+    alarm(60);
+    for (int i = 0; i < 2000; ++i) {
+        output.write(line);
+    }
+    alarm(0);
+    const QByteArray taken = ends.read();
+    QVERIFY(taken.size() < 2000 * line.size());
+    output.write("last\n");
+    QCOMPARE(taken, line.repeated(taken.size() / line.size()));
+    QCOMPARE(ends.read(), QByteArray("last\n"));
 }
 
 void TestDroppingOutput::flagsThatOthersShareStay()

@@ -89,6 +89,12 @@ void TestLargePages::wholePagesInsideTheBlockAreMarked()
     QVERIFY(aligned.isMarked(page));
     QVERIFY(aligned.isMarked(3 * page - 1));
     QVERIFY(!aligned.isMarked(3 * page));
+    const Memory late;
+    preferLargePages(late.at(page + 1), 3 * page); // begins a byte behind the border
+    QVERIFY(!late.isMarked(2 * page - 1));
+    QVERIFY(late.isMarked(2 * page));
+    QVERIFY(late.isMarked(4 * page - 1));
+    QVERIFY(!late.isMarked(4 * page));
 }
 
 void TestLargePages::aSmallBlockStaysAsItIs()

@@ -62,6 +62,7 @@ private slots:
     void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
     void aStoppedThreadDoesNotWaitForItsTurn();
     void aPausedThreadAsksForNoTurn();
+    void resumingBeginsAThreadThatNeverBegan();
     void afterItsEndNoRequestReachesTheDevice();
     void aLackOfMemoryIsToldLikeAnyFailure();
     void aLackOfMemoryDuringThePresetIsSaid();
@@ -229,6 +230,18 @@ void TestPreset::aPausedThreadAsksForNoTurn()
     analyzer.link()->ask([&served](const LinkTurn&) { served = std::this_thread::get_id(); });
     other.giveBack(); // to the next one, within this call
     QVERIFY(served == std::this_thread::get_id());
+}
+
+void TestPreset::resumingBeginsAThreadThatNeverBegan()
+{
+    UsualDevice device;
+    device.answer(acpQuery, "1,2,3\n");
+    NPRMeasurementThread thread;
+    thread.setAnalyzer(connectedAnalyzer());
+    QVERIFY(!thread.isRunning());
+    thread.resume();
+    QVERIFY(thread.isRunning());
+    QTRY_COMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
 }
 
 void TestPreset::afterItsEndNoRequestReachesTheDevice()
