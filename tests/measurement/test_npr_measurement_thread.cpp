@@ -327,7 +327,7 @@ void TestNprMeasurementThread::aFailingDeviceDoesNotFillTheQueue()
     // While the main thread is busy elsewhere the thread goes on for a few passes only.
     QVERIFY(passes.tryAcquire(3, 10000));
     QVERIFY(!passes.tryAcquire(1, 100));
-    QTRY_VERIFY(passes.tryAcquire(3)); // and goes on with it
+    QTRY_VERIFY(passes.available() >= 3); // and goes on with it
     thread.stop();                     // while there is somebody to count
     QVERIFY(thread.wait(10000));
 }
