@@ -124,6 +124,12 @@ def test_a_converter_below_clipping_gains_a_decibel_of_npr_for_each_of_level(pro
     assert [float(row["npr_db"]) for row in rows] == pytest.approx(result.points.npr_db.tolist())
 
 
+def test_a_signal_is_a_result_without_points(program: str) -> None:
+    result = notchbench.run("signal", *SIGNAL, program=program)
+    assert result.document["signal"]["length"] == 16384
+    assert len(result.points) == 0 and result.notches == []
+
+
 def test_a_missed_limit_is_a_result(program: str) -> None:
     result = notchbench.run("curve", *CURVE, "--limit", 25, program=program)
     assert result.passed is False
