@@ -30,6 +30,7 @@ private slots:
     void anEndIsToldWhereNoMemoryIsLeft();
     void whoAsksInTheLastMemoryIsAnsweredOrToldSo();
     void callsArriveInOrderOfAsking();
+    void callsLeaveNothingBehind();
     void manyAtOnceAllArriveOnce();
     void aResultMayAskForTheNext();
     void withoutAnApplicationNothingIsCalled();
@@ -263,6 +264,24 @@ void TestBackground::callsArriveInOrderOfAsking()
     }
     QVERIFY(arrived.isEmpty());
     QTRY_COMPARE(arrived, asked);
+}
+
+void TestBackground::callsLeaveNothingBehind()
+{
+    const Application application;
+    QObject asker;
+    int arrived = 0;
+    const auto call = [&] {
+        CallHome(&asker, [&arrived] { ++arrived; }).send();
+        QCoreApplication::processEvents();
+    };
+    call();
+    const int before = QCoreApplication::instance()->children().size();
+    for (int i = 0; i < 10; ++i) {
+        call();
+    }
+    QCOMPARE(arrived, 11);
+    QCOMPARE(QCoreApplication::instance()->children().size(), before);
 }
 
 void TestBackground::manyAtOnceAllArriveOnce()
