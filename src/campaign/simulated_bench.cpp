@@ -106,7 +106,7 @@ void SimulatedBench::respondFrom(int first)
     inParallel(static_cast<quint64>(count), threads, [&, first, count, found](Pieces& pieces) {
         const std::unique_ptr<WorkAlone> alone =
             count > 1 ? std::make_unique<WorkAlone>() : nullptr;
-        Envelope& scratch = scratches[worker++];
+        LevelSweep::Scratch& scratch = scratches[worker++];
         for (quint64 piece = 0; pieces.take(piece);) {
             found[piece] = sweep->at(levels.at(first + static_cast<int>(piece)), scratch);
         }

@@ -40,9 +40,9 @@ private:
     QVector<double> levels;
     QVector<NumberedNotch> notches;
     std::unique_ptr<LevelSweep> sweep;
-    QVector<LevelResponse> responses; // of neighbouring levels
-    std::vector<Envelope> scratches;  // one a thread
-    int firstResponse = 0;            // level of the first of them
+    QVector<LevelResponse> responses;           // of neighbouring levels
+    std::vector<LevelSweep::Scratch> scratches; // one a thread
+    int firstResponse = 0;                      // level of the first of them
     int level = 0;
     int notch = 0;
     int samples = 0; // of the stimulus

@@ -34,5 +34,20 @@ QStringList deviceNames();
 // signal with room for the new lines (see chain.h), or they fold back into the band.
 bool actsBetweenSamples(const DeviceSettings& device);
 
+// A device that is driven by a signal of a mean power in milliwatts: converters without a full
+// scale of their own have it from there.
+class DeviceInUse
+{
+public:
+    DeviceInUse(const DeviceSettings& settings, double power);
+
+    // So many samples of the signal, in place, by the calling thread. Any thread.
+    void pass(double* i, double* q, quint64 count) const;
+
+private:
+    DeviceSettings device;
+    double fullScale; // amplitude
+};
+
 // Passes the samples through the device as they stand, in place. An unknown name acts as "linear".
 void passThrough(const DeviceSettings& device, Envelope& envelope);

@@ -1,16 +1,38 @@
 #include "dut/level_sweep.h"
 
+#include "transform/vector_clones.h"
+
 #include <algorithm>
 #include <complex>
+#include <cstddef>
 #include <utility>
 
 namespace {
 
-void scale(const QVector<double>& from, double factor, QVector<double>& to)
+constexpr int tileRows = 128; // 16 KiB of a level's samples
+
+VECTOR_CLONES void scale(const double* from, double factor, double* to, int count)
 {
-    to.resize(from.size());
-    std::transform(from.cbegin(), from.cend(), to.begin(),
-                   [factor](double value) { return factor * value; });
+    IN_ANY_ORDER
+    for (int k = 0; k < count; ++k) {
+        to[k] = factor * from[k];
+    }
+}
+
+// The groups of SomeLines one behind the other, so that each is read in one stream.
+QVector<double> dealtOut(const QVector<double>& samples)
+{
+    QVector<double> dealt;
+    dealt.reserve(samples.size());
+    for (int group = 0; group < SomeLines::groupCount; ++group) {
+        for (int first = group * SomeLines::rowLength; first < samples.size();
+             first += SomeLines::shortestPeriod) {
+            for (int k = first; k < first + SomeLines::rowLength; ++k) {
+                dealt << samples.at(k);
+            }
+        }
+    }
+    return dealt;
 }
 
 } // namespace
@@ -40,12 +62,15 @@ LevelSweep::LevelSweep(Chain itsChain, Envelope signal, const QVector<ChannelBan
         noise << density * std::max(0.0, band.high - band.low);
     }
     if (input.size() > 0) {
+        inputPower = meanPower(input);
         lines = std::make_shared<const SomeLines>(input.size(), ranges);
         inputLines = lines->powers(input.iSamples.constData(), input.qSamples.constData());
+        input.iSamples = dealtOut(input.iSamples);
+        input.qSamples = dealtOut(input.qSamples);
     }
 }
 
-LevelResponse LevelSweep::at(double level, Envelope& scratch) const
+LevelResponse LevelSweep::at(double level, Scratch& scratch) const
 {
     LevelResponse response;
     for (const double power : noise) {
@@ -54,19 +79,37 @@ LevelResponse LevelSweep::at(double level, Envelope& scratch) const
     if (input.size() == 0) {
         return response;
     }
-    const double amplitude = std::sqrt(milliwatts(level));
-    scale(input.iSamples, amplitude, scratch.iSamples);
-    scale(input.qSamples, amplitude, scratch.qSamples);
-    scratch.sampleRate = input.sampleRate;
-    passThrough(chain.device, scratch);
+    DistortionSums& sums = scratch.distortion;
+    sums.begin(input.size(), stretch);
+    const QVector<double> powers = lines->powers(
+        [&](int group, double* i, double* q) { drive(level, group, i, q, sums); }, scratch.lines);
     // The gain is that of the input at 0 dBm, so it holds the level.
-    const std::complex<double> gain = correlatedGain(input, scratch);
-    response.distortion = distortionEnergy(input, scratch, gain, stretch);
-    const QVector<double> powers =
-        lines->powers(scratch.iSamples.constData(), scratch.qSamples.constData());
+    const std::complex<double> gain = sums.gain();
+    response.distortion = sums.energy();
     for (int channel = 0; channel < powers.size(); ++channel) {
         response.channels[channel].lines = powers.at(channel);
         response.channels[channel].stimulus = std::norm(gain) * inputLines.at(channel);
     }
     return response;
+}
+
+// What leaves the device of a group of samples.
+void LevelSweep::drive(double level, int group, double* i, double* q, DistortionSums& sums) const
+{
+    const double power = milliwatts(level);
+    const double amplitude = std::sqrt(power);
+    const DeviceInUse device(chain.device, power * inputPower);
+    const int rows = input.size() / SomeLines::shortestPeriod;
+    for (int first = 0; first < rows; first += tileRows) {
+        const int rowCount = std::min(tileRows, rows - first);
+        const int count = rowCount * SomeLines::rowLength;
+        const std::ptrdiff_t to = std::ptrdiff_t{first} * SomeLines::rowLength;
+        const std::ptrdiff_t from = std::ptrdiff_t{group} * rows * SomeLines::rowLength + to;
+        const double* const inputI = input.iSamples.constData() + from;
+        const double* const inputQ = input.qSamples.constData() + from;
+        scale(inputI, amplitude, i + to, count);
+        scale(inputQ, amplitude, q + to, count);
+        device.pass(i + to, q + to, static_cast<quint64>(count));
+        sums.add({group, first, rowCount, inputI, inputQ, i + to, q + to});
+    }
 }

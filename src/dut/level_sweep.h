@@ -1,5 +1,6 @@
 // One stimulus through a chain at many levels: what some channels hold behind the device. The
-// stimulus is interpolated once and scaled for each level, and of the output only the lines within
+// stimulus is interpolated once. For each level it is scaled and driven through the device in tiles
+// that stay in the cache, and of the output, which never exists as a whole, only the lines within
 // the channels are calculated. The powers are those that ChainOutput would find.
 //
 // Powers are in milliwatts, levels in dBm, frequencies offsets from the carrier in Hz. The same
@@ -8,7 +9,7 @@
 #pragma once
 
 #include "dut/chain.h"
-#include "dut/scatter.h"
+#include "dut/distortion_sums.h"
 #include "transform/some_lines.h"
 
 #include <memory>
@@ -45,12 +46,20 @@ public:
     // power leaves the noise alone.
     LevelSweep(Chain chain, Envelope signal, const QVector<ChannelBand>& channels);
 
-    // scratch is a buffer that saves later calls of the same thread the allocation.
-    LevelResponse at(double level, Envelope& scratch) const;
+    // Buffers that save later calls of the same thread the allocation.
+    struct Scratch
+    {
+        SomeLines::Workspace lines;
+        DistortionSums distortion;
+    };
+    LevelResponse at(double level, Scratch& scratch) const;
 
 private:
+    void drive(double level, int group, double* i, double* q, DistortionSums& sums) const;
+
     Chain chain;
-    Envelope input; // at 0 dBm
+    Envelope input;          // at 0 dBm, its samples dealt out to the groups of SomeLines
+    double inputPower = 0.0; // its mean
     int stretch = 4;
     QVector<SomeLines::Range> ranges;
     QVector<double> noise;      // of the channels

@@ -11,12 +11,13 @@
 namespace {
 
 constexpr int parts = SomeLines::shortestPeriod; // into which a period is dealt out
-constexpr int lanes = 8;                         // parts that are transformed side by side
+constexpr int lanes = SomeLines::rowLength;      // parts that are transformed side by side
 constexpr int runLength = 512; // lines between two exact starts of the recurrence of twiddles
 
 constexpr int cachedRows = 4096; // of lanes, half a MiB
+constexpr int prefetched = 12;   // lines ahead
 
-static_assert(parts % lanes == 0);
+static_assert(SomeLines::groupCount * lanes == parts);
 
 struct Turn
 {
@@ -185,6 +186,11 @@ VECTOR_CLONES void gatherRun(LaneTurns w, const double* rowsRe, const double* ro
                              Neighbours run, double* re, double* im)
 {
     for (int k = 0; k < run.count; ++k) {
+        // Rows lie far apart: those that come next are on their way meanwhile.
+        const std::ptrdiff_t coming =
+            std::ptrdiff_t{run.rowOf[(run.index + k + prefetched) & run.mask]} * lanes;
+        PREFETCH(rowsRe + coming);
+        PREFETCH(rowsIm + coming);
         const std::ptrdiff_t row = std::ptrdiff_t{run.rowOf[(run.index + k) & run.mask]} * lanes;
         const Turn sum = gathered(w, rowsRe + row, rowsIm + row);
         re[k] += sum.re;
@@ -248,17 +254,34 @@ void SomeLines::addRuns(Range range)
 
 QVector<double> SomeLines::powers(const double* re, const double* im) const
 {
+    Workspace workspace;
+    const auto deal = [=](int group, double* rowsRe, double* rowsIm) {
+        takeLanes(re + group * lanes, rowsRe, shortPeriod);
+        takeLanes(im + group * lanes, rowsIm, shortPeriod);
+    };
+    return powers(deal, workspace);
+}
+
+QVector<double> SomeLines::powers(const Fill& fill, Workspace& workspace) const
+{
     const auto size = static_cast<std::size_t>(shortPeriod) * lanes;
-    Lines rows{std::vector<double>(size), std::vector<double>(size)};
-    const auto count = static_cast<std::size_t>(lineCount);
-    Lines sums{std::vector<double>(count), std::vector<double>(count)};
-    for (int lane = 0; lane < parts; lane += lanes) {
-        takeLanes(re + lane, rows.re.data(), shortPeriod);
-        takeLanes(im + lane, rows.im.data(), shortPeriod);
+    Lines& rows = workspace.rows;
+    rows.re.resize(size);
+    rows.im.resize(size);
+    Lines& sums = workspace.sums;
+    sums.re.assign(static_cast<std::size_t>(lineCount), 0.0);
+    sums.im.assign(static_cast<std::size_t>(lineCount), 0.0);
+    for (int group = 0; group < groupCount; ++group) {
+        fill(group, rows.re.data(), rows.im.data());
         transformRows({rows.re.data(), rows.im.data(), shortPeriod},
                       {twiddles.re.data(), twiddles.im.data(), shortPeriod});
-        addLanes(lane, rows, sums);
+        addLanes(group * lanes, rows, sums);
     }
+    return powersOf(sums);
+}
+
+QVector<double> SomeLines::powersOf(const Lines& sums) const
+{
     QVector<double> result;
     std::size_t at = 0;
     const double scale = 1.0 / (static_cast<double>(period) * period);

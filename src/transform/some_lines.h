@@ -8,6 +8,7 @@
 
 #include <QVector>
 
+#include <functional>
 #include <vector>
 
 class SomeLines
@@ -22,6 +23,17 @@ public:
 
     static constexpr int shortestPeriod = 32;
 
+    // A period is worked off in groups: row r of group g has the eight neighbouring samples from
+    // index 32 r + 8 g on.
+    static constexpr int groupCount = 4;
+    static constexpr int rowLength = 8;
+
+    // Writes all rows of a group, one behind the other.
+    using Fill = std::function<void(int group, double* re, double* im)>;
+
+    // Buffers of one thread, which save later calls the allocation.
+    struct Workspace;
+
     // period: number of samples, a power of two of at least shortestPeriod.
     SomeLines(int period, QVector<Range> ranges);
 
@@ -29,6 +41,10 @@ public:
     // X[k] = 1/period times the sum over n of (re[n] + j im[n]) exp(-j 2 pi k n / period).
     // Both arrays hold a whole period.
     QVector<double> powers(const double* re, const double* im) const;
+
+    // The same of samples that needn't exist all at once: fill is called once for each group, in
+    // their order, and its group may be worked on in its place.
+    QVector<double> powers(const Fill& fill, Workspace& workspace) const;
 
 private:
     struct Lines
@@ -47,6 +63,7 @@ private:
 
     void addRuns(Range range);
     void addLanes(int lane, const Lines& rows, Lines& sums) const;
+    QVector<double> powersOf(const Lines& sums) const;
 
     int period;
     int shortPeriod;
@@ -56,4 +73,10 @@ private:
     Lines twiddles;         // exp(-j 2 pi t / shortPeriod)
     Lines steps;            // of the parts, from line to line
     std::vector<int> rowOf; // where the transform leaves a line of the short period
+};
+
+struct SomeLines::Workspace
+{
+    Lines rows;
+    Lines sums;
 };

@@ -16,3 +16,10 @@
 #else
 #define IN_ANY_ORDER
 #endif
+
+// Brings what is read soon into the cache.
+#if defined(__GNUC__)
+#define PREFETCH(address) __builtin_prefetch(address)
+#else
+#define PREFETCH(address) static_cast<void>(address)
+#endif

@@ -41,6 +41,7 @@ class TestLevelSweep : public QObject
 private slots:
     void channelsHoldWhatAChainPutsThere_data();
     void channelsHoldWhatAChainPutsThere();
+    void distortionIsThatOfTheWholeSignal_data();
     void distortionIsThatOfTheWholeSignal();
     void aLinearDeviceAddsNothing();
     void linesAreCounted();
@@ -71,7 +72,7 @@ void TestLevelSweep::channelsHoldWhatAChainPutsThere()
 {
     QFETCH(Chain*, chain);
     const LevelSweep sweep(*chain, stimulus(), channels);
-    Envelope scratch;
+    LevelSweep::Scratch scratch;
     for (const double level : {-20.0, 0.0, 9.5}) {
         const LevelResponse response = sweep.at(level, scratch);
         Envelope samples = deviceInput(*chain, stimulus(), level);
@@ -85,29 +86,40 @@ void TestLevelSweep::channelsHoldWhatAChainPutsThere()
     }
 }
 
+// In stretches of 16 interpolated samples and of 4 of the signal's own.
+void TestLevelSweep::distortionIsThatOfTheWholeSignal_data()
+{
+    QTest::addColumn<QString>("device");
+    QTest::addColumn<int>("stretch");
+    QTest::newRow("saleh") << "saleh" << 16;
+    QTest::newRow("adc") << "adc" << 4;
+}
+
 void TestLevelSweep::distortionIsThatOfTheWholeSignal()
 {
-    const Chain chain = chainOf(QStringLiteral("saleh"));
-    Envelope scratch;
+    QFETCH(QString, device);
+    QFETCH(int, stretch);
+    const Chain chain = chainOf(device);
+    LevelSweep::Scratch scratch;
     const DistortionEnergy found = LevelSweep(chain, stimulus(), {}).at(3.0, scratch).distortion;
     const Envelope input = deviceInput(chain, stimulus(), 3.0);
     Envelope output = input;
     passThrough(chain.device, output);
-    const DistortionEnergy expected = distortionEnergy(input, output, 16);
+    const DistortionEnergy expected = distortionEnergy(input, output, stretch);
     QVERIFY(areClose(found.sum, expected.sum));
     QVERIFY(areClose(found.squares, expected.squares));
 }
 
 void TestLevelSweep::aLinearDeviceAddsNothing()
 {
-    Envelope scratch;
+    LevelSweep::Scratch scratch;
     const LevelResponse response =
         LevelSweep(chainOf(QStringLiteral("linear")), stimulus(), channels).at(-7.0, scratch);
     QCOMPARE(response.channels.size(), channels.size());
     for (const ChannelContent& channel : response.channels) {
         QVERIFY(areClose(channel.stimulus, channel.lines));
     }
-    QVERIFY(response.distortion.sum < 1e-20);
+    QCOMPARE(response.distortion.sum, 0.0);
 }
 
 void TestLevelSweep::linesAreCounted()
@@ -126,7 +138,7 @@ void TestLevelSweep::linesAreCounted()
 
 void TestLevelSweep::silenceLeavesTheNoise()
 {
-    Envelope scratch;
+    LevelSweep::Scratch scratch;
     const LevelResponse response =
         LevelSweep(chainOf(QStringLiteral("rapp")), silence(count), channels).at(0.0, scratch);
     QVERIFY(areClose(response.channels[0].power(), 81.0 * 1e-6));
@@ -137,9 +149,9 @@ void TestLevelSweep::silenceLeavesTheNoise()
 void TestLevelSweep::aBufferThatWasUsedChangesNothing()
 {
     const LevelSweep sweep(chainOf(QStringLiteral("rapp")), stimulus(), channels);
-    Envelope used;
+    LevelSweep::Scratch used;
     sweep.at(12.0, used);
-    Envelope fresh;
+    LevelSweep::Scratch fresh;
     QCOMPARE(sweep.at(-3.0, used).channels[0].lines, sweep.at(-3.0, fresh).channels[0].lines);
 }
 
