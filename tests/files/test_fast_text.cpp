@@ -6,6 +6,7 @@
 #include "files/reference_files.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/instrumented.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -469,6 +470,9 @@ void TestFastText::textThatIsNotPlainEndsTheLines()
 
 void TestFastText::readingTakesAPartOfThePlainReadersTime()
 {
+    if (isInstrumented) {
+        QSKIP("a sanitizer slows our code down, and not that of Qt");
+    }
     const QString path = folder.filePath("long.pmc");
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -484,6 +488,9 @@ void TestFastText::readingTakesAPartOfThePlainReadersTime()
 
 void TestFastText::writingTakesAPartOfThePlainLoopsTime()
 {
+    if (isInstrumented) {
+        QSKIP("a sanitizer slows our code down, and not that of Qt");
+    }
     const SignalData signal = noise(200000);
     const qint64 plain = leastTime([&] {
         reference::writeText(folder.filePath("p.i"), signal.iSamples, 0.5);
