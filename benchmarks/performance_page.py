@@ -16,7 +16,7 @@ def load(name):
     return {run["name"].split("/iterations")[0]: run for run in report["benchmarks"]}
 
 
-runs = {name: load(name) for name in ("transform", "calculation", "curve", "files", "program")}
+runs = {name: load(name) for name in ("transform", "calculation", "curve", "recording", "files", "program")}
 
 FFT = "transform/exponent:{}/threads:{}/manual_time"
 # What is measured, benchmark, run and counter, the bound, and the unit of both.
@@ -37,6 +37,10 @@ TARGETS = [
      "curve", "curveAndTransforms", "against_transforms", "at most", 1.3, "x its time"),
     ("The same, peak memory of the benchmark",
      "curve", "curve", "peak_mib", "at most", 300, "MiB"),
+    ("NPR from 1 GiB of cf32, segments of 4096, against scipy.signal.welch",
+     "recording", "recording", "against_scipy", "at least", 4, "x faster"),
+    ("The same, largest difference of two bins",
+     "recording", "recording", "worst_db", "at most", 0.05, "dB"),
     ("Peak memory of the whole program, two such calculations",
      "program", "memory", "peak_MiB", "at most", 400, "MiB"),
     ("Text files of 2^22 samples, against one Qt conversion after the other",

@@ -12,6 +12,9 @@ _notchbench_cli() {
     --format)
         mapfile -t COMPREPLY < <(compgen -W "text wav wv npy sigmf cf32" -- "$current")
         return ;;
+    --type)
+        mapfile -t COMPREPLY < <(compgen -W "cf32 cf64 ci16 ci8 rf32 rf64 ri16" -- "$current")
+        return ;;
     --simulate | --theory)
         mapfile -t COMPREPLY < <(compgen -W "linear rapp soft saleh cubic adc same" -- "$current")
         return ;;
@@ -36,6 +39,9 @@ _notchbench_cli() {
             compgen -d -- "$current"
             compgen -W "default" -- "$current"
         )
+    elif [ "$command" = analyze ]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
     fi
 }
 complete -F _notchbench_cli notchbench-cli

@@ -23,6 +23,11 @@ void NprPoint::addMark(const QString& mark)
     }
 }
 
+QString nameOf(LevelUnit unit)
+{
+    return unit == LevelUnit::Dbfs ? QStringLiteral("dBFS") : QStringLiteral("dBm");
+}
+
 std::optional<double> NprRange::range() const
 {
     return from && to ? std::make_optional(*to - *from) : std::nullopt;

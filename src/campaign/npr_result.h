@@ -1,5 +1,5 @@
-// What came out of a measurement: plain values, as the files keep them. Levels in dBm, ratios in
-// dB, frequencies in Hz as offsets from the carrier.
+// What came out of a measurement: plain values, as the files keep them. Levels in the result's
+// unit, dBm unless it says otherwise, ratios in dB, frequencies in Hz as offsets from the carrier.
 #pragma once
 
 #include <QMap>
@@ -19,17 +19,27 @@ extern const QString overload;     // the analyzer may be driven beyond its rang
 extern const QString clipped;      // a recording that is
 } // namespace PointMark
 
+// What a point from a recording has beside its ratio.
+struct RecordedReading
+{
+    int recording = 0;                   // index in the result's recordings
+    int lines = 0;                       // of the spectrum, in the notch
+    std::optional<double> noiseDensity;  // what differs from period to period, dBFS/Hz
+    std::optional<double> distortionNpr; // without that noise
+};
+
 struct NprPoint
 {
     double level = 0.0;
     int notch = 0; // number, from 1
     double center = 0.0;
     double width = 0.0;
-    double power = 0.0;          // of the reference channel, dBm
+    double power = 0.0;          // of the reference channel; minus infinity where it isn't known
     std::optional<double> npr;   // none for a notch above its signal
     std::optional<double> sigma; // standard deviation to be expected over stimuli
     QStringList marks;           // each once
     std::optional<bool> passed;  // none without a limit
+    std::optional<RecordedReading> recorded;
 
     // 100 % x 10^(-NPR/20)
     std::optional<double> evmPercent() const;
@@ -71,6 +81,27 @@ struct BenchNames
     QString analyzer;
 };
 
+// A recording that points come from, and how it was read. 0 dBFS is a carrier whose components just
+// reach full scale, for a real recording a sine that does.
+struct RecordingFacts
+{
+    QString file;
+    double sampleRate = 0.0;          // Hz
+    double center = 0.0;              // of the carrier in it, Hz
+    qint64 samples = 0;               // that were read
+    bool hasWholePeriods = false;     // or else averaged periodograms
+    qint64 averages = 0;              // periods or segments
+    int segmentLength = 0;            // samples of one
+    double level = 0.0;               // mean, dBFS
+    double peak = 0.0;                // largest component, dBFS
+    std::optional<double> clipped;    // share of components at the ends, percent; integers only
+    std::optional<double> clockError; // by which the recorder's clock is fast, ppm
+    std::optional<bool> isInverted;
+};
+
+enum class LevelUnit { Dbm, Dbfs };
+QString nameOf(LevelUnit unit); // "dBm"
+
 using ConfigSections = QMap<QString, QMap<QString, QString>>;
 
 struct NprResult
@@ -80,6 +111,8 @@ struct NprResult
     ConfigSections config;
     SignalFigures signal;
     BenchNames bench;
-    QVector<NprPoint> points; // by level in the order of measuring, then by notch
+    LevelUnit levelUnit = LevelUnit::Dbm; // of points and curves
+    QVector<RecordingFacts> recordings;   // none unless points come from recordings
+    QVector<NprPoint> points;             // by level in the order of measuring, then by notch
     QVector<NprCurve> curves;
 };

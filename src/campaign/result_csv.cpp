@@ -22,16 +22,17 @@ QString truth(std::optional<bool> value)
 
 struct Column
 {
-    const char* name;
+    const char* name; // without its unit where that is the result's
     QString (*text)(const NprPoint& point);
+    bool isLevel = false;
 };
 
 const Column columns[] = {
-    {"level_dbm", [](const NprPoint& p) { return number(p.level); }},
+    {"level", [](const NprPoint& p) { return number(p.level); }, true},
     {"notch", [](const NprPoint& p) { return QString::number(p.notch); }},
     {"center_hz", [](const NprPoint& p) { return number(p.center); }},
     {"width_hz", [](const NprPoint& p) { return number(p.width); }},
-    {"power_dbm", [](const NprPoint& p) { return number(p.power); }},
+    {"power", [](const NprPoint& p) { return number(p.power); }, true},
     {"npr_db", [](const NprPoint& p) { return number(p.npr); }},
     {"sigma_db", [](const NprPoint& p) { return number(p.sigma); }},
     {"evm_percent", [](const NprPoint& p) { return number(p.evmPercent()); }},
@@ -39,27 +40,60 @@ const Column columns[] = {
     {"passed", [](const NprPoint& p) { return truth(p.passed); }},
 };
 
+// Of points from recordings, behind the others.
+const Column recordedColumns[] = {
+    {"lines",
+     [](const NprPoint& p) { return p.recorded ? QString::number(p.recorded->lines) : QString(); }},
+    {"noise_density_dbfs_hz",
+     [](const NprPoint& p) {
+         return number(p.recorded ? p.recorded->noiseDensity : std::nullopt);
+     }},
+    {"distortion_npr_db",
+     [](const NprPoint& p) {
+         return number(p.recorded ? p.recorded->distortionNpr : std::nullopt);
+     }},
+};
+
+using Columns = QVector<Column>;
+
+Columns columnsOf(bool areRecorded)
+{
+    Columns all(std::begin(columns), std::end(columns));
+    if (areRecorded) {
+        for (const Column& column : recordedColumns) {
+            all << column;
+        }
+    }
+    return all;
+}
+
 // A column for each, and more behind them.
-template <typename Text> QByteArray line(Text text, const QStringList& more = {})
+template <typename Text>
+QByteArray line(const Columns& all, Text text, const QStringList& more = {})
 {
     QStringList fields;
-    for (const Column& column : columns) {
+    for (const Column& column : all) {
         fields << text(column);
     }
     fields += more;
     return fields.join(QLatin1Char(',')).toUtf8() + '\n';
 }
 
-QByteArray header(const QStringList& more = {})
+QByteArray header(const Columns& all, LevelUnit unit, const QStringList& more = {})
 {
-    return line([](const Column& column) { return QString(column.name); }, more);
+    const QString suffix = '_' + nameOf(unit).toLower();
+    return line(
+        all, [&](const Column& column) { return column.name + (column.isLevel ? suffix : ""); },
+        more);
 }
 
-QByteArray linesOf(const QVector<NprPoint>& points, const QStringList& more = {})
+QByteArray linesOf(const Columns& all, const QVector<NprPoint>& points,
+                   const QStringList& more = {})
 {
     QByteArray lines;
     for (const NprPoint& point : points) {
-        lines += line([&point](const Column& column) { return column.text(point); }, more);
+        lines += line(
+            all, [&point](const Column& column) { return column.text(point); }, more);
     }
     return lines;
 }
@@ -74,16 +108,21 @@ QString quoted(QString text)
 
 } // namespace
 
-QByteArray pointsToCsv(const QVector<NprPoint>& points)
+QByteArray pointsToCsv(const NprResult& result)
 {
-    return header() + linesOf(points);
+    const Columns all = columnsOf(!result.recordings.isEmpty());
+    return header(all, result.levelUnit) + linesOf(all, result.points);
 }
 
-QByteArray joinedCsv(const QVector<NamedPoints>& results)
+QByteArray joinedCsv(const QVector<NamedResult>& results)
 {
-    QByteArray csv = header({QStringLiteral("result")});
-    for (const NamedPoints& one : results) {
-        csv += linesOf(one.points, {quoted(one.name)});
+    const Columns all =
+        columnsOf(std::any_of(results.begin(), results.end(), [](const NamedResult& one) {
+            return !one.result.recordings.isEmpty();
+        }));
+    QByteArray csv = header(all, results.constFirst().result.levelUnit, {QStringLiteral("result")});
+    for (const NamedResult& one : results) {
+        csv += linesOf(all, one.result.points, {quoted(one.name)});
     }
     return csv;
 }

@@ -6,13 +6,14 @@
 
 #include <QByteArray>
 
-QByteArray pointsToCsv(const QVector<NprPoint>& points);
+QByteArray pointsToCsv(const NprResult& result);
 
-struct NamedPoints
+struct NamedResult
 {
-    QString name; // of the result
-    QVector<NprPoint> points;
+    QString name;
+    NprResult result;
 };
 
-// One result after the other, with the name as a last column "result".
-QByteArray joinedCsv(const QVector<NamedPoints>& results);
+// One result after the other, with the name as a last column "result". Levels of all are in one
+// unit.
+QByteArray joinedCsv(const QVector<NamedResult>& results);

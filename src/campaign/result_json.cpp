@@ -1,49 +1,14 @@
 #include "campaign/result_json.h"
 
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include "campaign/json_values.h"
+#include "campaign/recording_json.h"
 
-#include <cmath>
+#include <QJsonDocument>
 
 namespace {
 
 const QString formatName = QStringLiteral("notchbench-npr");
 constexpr int formatVersion = 1;
-
-QJsonValue numberOf(std::optional<double> number)
-{
-    return number && std::isfinite(*number) ? QJsonValue(*number) : QJsonValue();
-}
-
-QJsonValue textOf(const std::optional<QString>& text)
-{
-    return text ? QJsonValue(*text) : QJsonValue();
-}
-
-QJsonValue truthOf(std::optional<bool> yes)
-{
-    return yes ? QJsonValue(*yes) : QJsonValue();
-}
-
-template <typename List, typename Convert> QJsonArray arrayOf(const List& list, Convert convert)
-{
-    QJsonArray array;
-    for (const auto& element : list) {
-        array.append(convert(element));
-    }
-    return array;
-}
-
-template <typename Map, typename Name, typename Convert>
-QJsonObject membersOf(const Map& map, Name name, Convert convert)
-{
-    QJsonObject object;
-    for (auto entry = map.cbegin(); entry != map.cend(); ++entry) {
-        object[name(entry.key())] = convert(entry.value());
-    }
-    return object;
-}
 
 QJsonObject objectOf(const ConfigSections& config)
 {
@@ -75,119 +40,46 @@ QJsonObject objectOf(const BenchNames& bench)
             {"analyzer", bench.analyzer}};
 }
 
-QJsonObject objectOf(const NprPoint& point)
+// The name of a member that is a level, as in "level_dbm".
+QString levelName(const char* stem, LevelUnit unit)
 {
-    return {{"level_dbm", point.level},
-            {"notch", point.notch},
-            {"center_hz", point.center},
-            {"width_hz", point.width},
-            {"power_dbm", numberOf(point.power)},
-            {"npr_db", numberOf(point.npr)},
-            {"sigma_db", numberOf(point.sigma)},
-            {"evm_percent", numberOf(point.evmPercent())},
-            {"marks", QJsonArray::fromStringList(point.marks)},
-            {"passed", truthOf(point.passed)}};
+    return QLatin1String(stem) + '_' + nameOf(unit).toLower();
 }
 
-QJsonObject objectOf(const NprRange& range)
+QJsonObject objectOf(const NprPoint& point, LevelUnit unit)
+{
+    QJsonObject object{{levelName("level", unit), point.level},
+                       {"notch", point.notch},
+                       {"center_hz", point.center},
+                       {"width_hz", point.width},
+                       {levelName("power", unit), numberOf(point.power)},
+                       {"npr_db", numberOf(point.npr)},
+                       {"sigma_db", numberOf(point.sigma)},
+                       {"evm_percent", numberOf(point.evmPercent())},
+                       {"marks", QJsonArray::fromStringList(point.marks)},
+                       {"passed", truthOf(point.passed)}};
+    if (point.recorded) {
+        addTo(object, *point.recorded);
+    }
+    return object;
+}
+
+QJsonObject objectOf(const NprRange& range, LevelUnit unit)
 {
     return {{"threshold_db", range.threshold},
-            {"from_dbm", numberOf(range.from)},
-            {"to_dbm", numberOf(range.to)},
+            {levelName("from", unit), numberOf(range.from)},
+            {levelName("to", unit), numberOf(range.to)},
             {"range_db", numberOf(range.range())}};
 }
 
-QJsonObject objectOf(const NprCurve& curve)
+QJsonObject objectOf(const NprCurve& curve, LevelUnit unit)
 {
-    return {{"notch", curve.notch},
-            {"peak_npr_db", numberOf(curve.peakNpr)},
-            {"peak_level_dbm", numberOf(curve.peakLevel)},
-            {"ranges", arrayOf(curve.ranges, [](const NprRange& r) { return objectOf(r); })}};
+    return {
+        {"notch", curve.notch},
+        {"peak_npr_db", numberOf(curve.peakNpr)},
+        {levelName("peak_level", unit), numberOf(curve.peakLevel)},
+        {"ranges", arrayOf(curve.ranges, [unit](const NprRange& r) { return objectOf(r, unit); })}};
 }
-
-// A member of an object, with its path for messages.
-struct Member
-{
-    QString path;
-    QJsonValue value;
-
-    [[noreturn]] void refuse(const char* expected) const
-    {
-        throw ResultError{QStringLiteral("\"%1\" is no %2").arg(path, QLatin1String(expected))};
-    }
-
-    Member operator[](const char* name) const
-    {
-        if (!value.isObject()) {
-            refuse("object");
-        }
-        return {path.isEmpty() ? QString(name) : path + '.' + name, value.toObject()[name]};
-    }
-    double number() const
-    {
-        if (!value.isDouble()) {
-            refuse("number");
-        }
-        return value.toDouble();
-    }
-    int whole() const
-    {
-        const double found = number();
-        if (found != std::floor(found) || std::abs(found) > 2147483647.0) {
-            refuse("whole number");
-        }
-        return static_cast<int>(found);
-    }
-    quint32 seed() const
-    {
-        const double found = number();
-        if (!(found >= 0.0 && found <= 4294967295.0) || found != std::floor(found)) {
-            refuse("seed");
-        }
-        return static_cast<quint32>(found);
-    }
-    QString text() const
-    {
-        if (!value.isString()) {
-            refuse("text");
-        }
-        return value.toString();
-    }
-    bool yes() const
-    {
-        if (!value.isBool()) {
-            refuse("truth value");
-        }
-        return value.toBool();
-    }
-    bool isMissing() const { return value.isNull() || value.isUndefined(); }
-    std::optional<double> numberOrNone() const
-    {
-        return isMissing() ? std::nullopt : std::make_optional(number());
-    }
-    // Calls take(element) for each element of a list.
-    template <typename Take> void forEachElement(Take take) const
-    {
-        if (!value.isArray()) {
-            refuse("list");
-        }
-        int index = 0;
-        for (const QJsonValue element : value.toArray()) {
-            take(Member{QStringLiteral("%1[%2]").arg(path).arg(index++), element});
-        }
-    }
-    // Calls take(name, member) for each member of an object.
-    template <typename Take> void forEachMember(Take take) const
-    {
-        if (!value.isObject()) {
-            refuse("object");
-        }
-        const QJsonObject object = value.toObject();
-        for (auto member = object.begin(); member != object.end(); ++member) {
-            take(member.key(), Member{path + '.' + member.key(), member.value()});
-        }
-    }
-};
 
 ConfigSections configFrom(const Member& json)
 {
@@ -225,32 +117,34 @@ BenchNames benchFrom(const Member& json)
     return names;
 }
 
-NprPoint pointFrom(const Member& json)
+NprPoint pointFrom(const Member& json, LevelUnit unit)
 {
     NprPoint point;
-    point.level = json["level_dbm"].number();
+    point.level = json[levelName("level", unit)].number();
     point.notch = json["notch"].whole();
     point.center = json["center_hz"].number();
     point.width = json["width_hz"].number();
-    point.power = json["power_dbm"].numberOrNone().value_or(-HUGE_VAL);
+    point.power = json[levelName("power", unit)].numberOrNone().value_or(-HUGE_VAL);
     point.npr = json["npr_db"].numberOrNone();
     point.sigma = json["sigma_db"].numberOrNone();
     json["marks"].forEachElement([&point](const Member& mark) { point.addMark(mark.text()); });
     if (!json["passed"].isMissing()) {
         point.passed = json["passed"].yes();
     }
+    point.recorded = recordedFrom(json);
     return point;
 }
 
-NprCurve curveFrom(const Member& json)
+NprCurve curveFrom(const Member& json, LevelUnit unit)
 {
     NprCurve curve;
     curve.notch = json["notch"].whole();
     curve.peakNpr = json["peak_npr_db"].numberOrNone();
-    curve.peakLevel = json["peak_level_dbm"].numberOrNone();
-    json["ranges"].forEachElement([&curve](const Member& range) {
-        curve.ranges << NprRange{range["threshold_db"].number(), range["from_dbm"].numberOrNone(),
-                                 range["to_dbm"].numberOrNone()};
+    curve.peakLevel = json[levelName("peak_level", unit)].numberOrNone();
+    json["ranges"].forEachElement([&curve, unit](const Member& range) {
+        curve.ranges << NprRange{range["threshold_db"].number(),
+                                 range[levelName("from", unit)].numberOrNone(),
+                                 range[levelName("to", unit)].numberOrNone()};
     });
     return curve;
 }
@@ -259,7 +153,8 @@ NprCurve curveFrom(const Member& json)
 
 QByteArray resultToJson(const NprResult& result)
 {
-    const QJsonObject whole{
+    const LevelUnit unit = result.levelUnit;
+    QJsonObject whole{
         {"format", formatName},
         {"version", formatVersion},
         {"program", result.program},
@@ -267,8 +162,13 @@ QByteArray resultToJson(const NprResult& result)
         {"config", objectOf(result.config)},
         {"signal", objectOf(result.signal)},
         {"bench", objectOf(result.bench)},
-        {"points", arrayOf(result.points, [](const NprPoint& p) { return objectOf(p); })},
-        {"curves", arrayOf(result.curves, [](const NprCurve& c) { return objectOf(c); })}};
+        {"points", arrayOf(result.points, [unit](const NprPoint& p) { return objectOf(p, unit); })},
+        {"curves",
+         arrayOf(result.curves, [unit](const NprCurve& c) { return objectOf(c, unit); })}};
+    if (!result.recordings.isEmpty()) {
+        addTo(whole, result.recordings);
+        whole["level_unit"] = nameOf(unit);
+    }
     return QJsonDocument(whole).toJson();
 }
 
@@ -294,9 +194,13 @@ NprResult resultFromJson(const QByteArray& json)
     result.config = configFrom(whole["config"]);
     result.signal = signalFrom(whole["signal"]);
     result.bench = benchFrom(whole["bench"]);
+    result.recordings = recordingsFrom(whole);
+    const LevelUnit unit =
+        whole["level_unit"].value == nameOf(LevelUnit::Dbfs) ? LevelUnit::Dbfs : LevelUnit::Dbm;
+    result.levelUnit = unit;
     whole["points"].forEachElement(
-        [&result](const Member& point) { result.points << pointFrom(point); });
+        [&result, unit](const Member& point) { result.points << pointFrom(point, unit); });
     whole["curves"].forEachElement(
-        [&result](const Member& curve) { result.curves << curveFrom(curve); });
+        [&result, unit](const Member& curve) { result.curves << curveFrom(curve, unit); });
     return result;
 }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include "campaign/npr_result.h"
+#include "campaign/result_error.h"
 
 #include <QByteArray>
 
@@ -16,8 +17,3 @@ QByteArray resultToJson(const NprResult& result);
 NprResult resultFromJson(const QByteArray& json);
 
 constexpr int mostResultBytes = 256 * 1048576;
-
-struct ResultError
-{
-    QString text;
-};

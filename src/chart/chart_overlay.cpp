@@ -40,7 +40,7 @@ QVector<Entry> legendEntries(const NprChartData& data)
 {
     QVector<Entry> entries;
     for (int i = 0; i < data.lines.size(); ++i) {
-        entries.append({legendText(data.lines.at(i)), ChartStyle::linePen(i), i});
+        entries.append({legendText(data.lines.at(i), data.levelUnit), ChartStyle::linePen(i), i});
     }
     QStringList named;
     for (const ChartTheory& theory : data.theories) {
@@ -184,7 +184,7 @@ void Painter::addThreshold(double threshold)
             }
         }
     }
-    const QString text = thresholdText(threshold, data.lines);
+    const QString text = thresholdText(threshold, data.lines, data.levelUnit);
     const double y = place.positionOf({0.0, threshold}).y();
     const QPointF below(widest.center().x() - widthOf(text) / 2.0,
                         y + barDistance() * row + 0.4 * place.text);
@@ -208,7 +208,7 @@ void Painter::addPeaks()
         highest = highest == nullptr || peak->y() > highest->y() ? &*peak : highest;
     }
     if (highest != nullptr) {
-        const QString text = peakText(*highest);
+        const QString text = peakText(*highest, data.levelUnit);
         const QPointF at = place.positionOf(*highest);
         const double left = std::clamp(at.x() - widthOf(text) / 2.0, place.plot.left(),
                                        place.plot.right() - widthOf(text));

@@ -18,16 +18,16 @@ QString upTo(const QVector<double>& values)
     return number(*least, 2) + (*least < *most ? " to " + number(*most, 2) : QString());
 }
 
-QString rangeText(const ChartRange& range)
+QString rangeText(const ChartRange& range, const QString& unit)
 {
     if (range.from && range.to) {
         return number(*range.to - *range.from, 2) + " dB, from " + number(*range.from, 2) + " to " +
-               number(*range.to, 2) + " dBm";
+               number(*range.to, 2) + ' ' + unit;
     }
     if (range.from) {
-        return "from " + number(*range.from, 2) + " dBm on";
+        return "from " + number(*range.from, 2) + ' ' + unit + " on";
     }
-    return range.to ? "up to " + number(*range.to, 2) + " dBm" : "not crossed";
+    return range.to ? "up to " + number(*range.to, 2) + ' ' + unit : "not crossed";
 }
 
 } // namespace
@@ -40,9 +40,9 @@ QString titleHtml(const NprChartData& data)
            data.date.toHtmlEscaped() + "</div>";
 }
 
-QString levelTitle()
+QString levelTitle(const QString& unit)
 {
-    return QStringLiteral("Level of the signal / dBm");
+    return "Level of the signal / " + unit;
 }
 
 QString ratioTitle(const NprChartData& data)
@@ -51,18 +51,18 @@ QString ratioTitle(const NprChartData& data)
                             : QStringLiteral("Ratio / dB (not an NPR)");
 }
 
-QString peakText(const QPointF& peak)
+QString peakText(const QPointF& peak, const QString& unit)
 {
-    return number(peak.y(), 2) + " dB at " + number(peak.x(), 2) + " dBm";
+    return number(peak.y(), 2) + " dB at " + number(peak.x(), 2) + ' ' + unit;
 }
 
-QString legendText(const ChartLine& line)
+QString legendText(const ChartLine& line, const QString& unit)
 {
     const QString name = QString(line.name).replace('-', minus);
-    return line.peak ? name + ": peak " + peakText(*line.peak) : name;
+    return line.peak ? name + ": peak " + peakText(*line.peak, unit) : name;
 }
 
-QString thresholdText(double threshold, const QVector<ChartLine>& lines)
+QString thresholdText(double threshold, const QVector<ChartLine>& lines, const QString& unit)
 {
     QVector<ChartRange> ranges;
     QVector<double> widths;
@@ -78,7 +78,7 @@ QString thresholdText(double threshold, const QVector<ChartLine>& lines)
     }
     const QString above = "above " + number(threshold, 1).remove(".0") + " dB: ";
     if (ranges.size() == 1) {
-        return above + rangeText(ranges.constFirst());
+        return above + rangeText(ranges.constFirst(), unit);
     }
     if (widths.isEmpty()) {
         return above + "not crossed";

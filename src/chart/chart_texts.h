@@ -1,4 +1,4 @@
-// The words of a picture.
+// The words of a picture. unit: of levels.
 #pragma once
 
 #include "chart/npr_chart_data.h"
@@ -6,13 +6,13 @@
 #include <QStringList>
 
 QString titleHtml(const NprChartData& data);
-QString levelTitle();
+QString levelTitle(const QString& unit);
 QString ratioTitle(const NprChartData& data);
 
 // "62.71 dB at -10.99 dBm"
-QString peakText(const QPointF& peak);
-QString legendText(const ChartLine& line);
+QString peakText(const QPointF& peak, const QString& unit);
+QString legendText(const ChartLine& line, const QString& unit);
 // What the lines' ranges over a threshold are, in one line.
-QString thresholdText(double threshold, const QVector<ChartLine>& lines);
+QString thresholdText(double threshold, const QVector<ChartLine>& lines, const QString& unit);
 QString limitText(double limit);
 QString bandText();

@@ -1,5 +1,5 @@
 // What a picture of NPR over level shows; plain values that say nothing of where they come from.
-// Levels in dBm, ratios and sigmas in dB.
+// Ratios and sigmas in dB, levels in a unit that is told.
 #pragma once
 
 #include <QPointF>
@@ -41,6 +41,7 @@ struct NprChartData
 {
     QString device; // of the title, with the date below
     QString date;
+    QString levelUnit = QStringLiteral("dBm");
     bool isNoiseLike = true; // or else the title says that this is no NPR
     QVector<ChartLine> lines;
     QVector<ChartTheory> theories;

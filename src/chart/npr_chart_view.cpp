@@ -156,7 +156,7 @@ void NprChartView::addAxes()
     const ChartScale levels = scaleWithin(levelsOf(shown), levelTicks);
     ChartScale ratios = scaleAround(ratiosOf(shown), ratioTicks);
     ratios.high += ratios.step / 2.0; // room for the label of the peak
-    chart()->addAxis(makeAxis(levels, levelTitle(), text), Qt::AlignBottom);
+    chart()->addAxis(makeAxis(levels, levelTitle(shown.levelUnit), text), Qt::AlignBottom);
     chart()->addAxis(makeAxis(ratios, ratioTitle(shown), text), Qt::AlignLeft);
     addCurve({{levels.low, ratios.low}, {levels.high, ratios.low}}, Qt::NoPen); // the anchor
 }

@@ -1,3 +1,4 @@
+#include "cli/analyze_command.h"
 #include "cli/command.h"
 #include "cli/curve_command.h"
 #include "cli/measure_command.h"
@@ -9,8 +10,8 @@
 const QVector<Command>& commandTable()
 {
     static const QVector<Command> commands = {
-        signalCommand(), trimCommand(), measureCommand(),
-        curveCommand(),  plotCommand(), serveCommand(),
+        signalCommand(),  trimCommand(), measureCommand(), curveCommand(),
+        analyzeCommand(), plotCommand(), serveCommand(),
     };
     return commands;
 }

@@ -52,6 +52,12 @@ QVector<ChartedResult> readResults(const QStringList& files)
         if (one.result.points.isEmpty()) {
             failFile(file + " has no points: nothing was measured");
         }
+        if (!results.isEmpty() && one.result.levelUnit != results.constFirst().result.levelUnit) {
+            failUsage(file + " has its levels in " + nameOf(one.result.levelUnit) +
+                      ", the results before it in " +
+                      nameOf(results.constFirst().result.levelUnit) +
+                      "; analyze recordings with --level to have them in dBm");
+        }
         results << one;
     }
     return results;
@@ -98,9 +104,9 @@ void drawTogether(const QVector<ChartedResult>& results, const Arguments& argume
 
 void joinPoints(const QVector<ChartedResult>& results, const Arguments& arguments, Console& console)
 {
-    QVector<NamedPoints> parts;
+    QVector<NamedResult> parts;
     for (const ChartedResult& one : results) {
-        parts << NamedPoints{one.name, one.result.points};
+        parts << NamedResult{one.name, one.result};
     }
     for (const QString& file : arguments.values("csv")) {
         writeBytes(joinedCsv(parts), file, console);
@@ -124,7 +130,7 @@ ExitStatus run(const Session& session)
         }
         if (!takesStandardOutput(arguments)) {
             session.console.print(session.console.painted(one.name, Colour::Bold) + '\n' +
-                                  curveTable(one.result.curves, session.console) + '\n');
+                                  curveTable(one.result, session.console) + '\n');
         }
     }
     joinPoints(results, arguments, session.console);

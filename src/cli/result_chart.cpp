@@ -87,6 +87,7 @@ NprChartData chartOf(const NprResult& result, const ResultContext& context)
     NprChartData chart;
     chart.device = result.bench.simulated.value_or("device measured with " + result.bench.analyzer);
     chart.date = result.started.section('T', 0, 0);
+    chart.levelUnit = nameOf(result.levelUnit);
     chart.isNoiseLike = result.signal.noiseLike;
     chart.limit = context.limit;
     chart.thresholds = context.thresholds;
@@ -116,6 +117,7 @@ NprChartData chartOf(const QVector<ChartedResult>& results)
     for (const ChartedResult& one : results) {
         const NprChartData part = chartOf(one.result, one.context);
         join(part, one.name, chart);
+        chart.levelUnit = part.levelUnit; // of all
         addOnce(part.device, devices);
         addOnce(part.date, dates);
     }

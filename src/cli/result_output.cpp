@@ -5,6 +5,7 @@
 #include "campaign/result_json.h"
 #include "chart/chart_file.h"
 #include "cli/exit_status.h"
+#include "cli/recording_table.h"
 #include "cli/text_table.h"
 
 #include <algorithm>
@@ -22,7 +23,7 @@ struct Form
 };
 
 const Form forms[] = {
-    {"csv", [](const NprResult& result) { return pointsToCsv(result.points); }},
+    {"csv", [](const NprResult& result) { return pointsToCsv(result); }},
     {"json", [](const NprResult& result) { return resultToJson(result); }},
 };
 
@@ -111,6 +112,17 @@ void requireWritten(const QStringList& unwritten)
     }
 }
 
+void printTables(const NprResult& result, const ResultContext& context, Console& console)
+{
+    if (!result.recordings.isEmpty()) {
+        console.print(recordingTable(result.recordings, console) + '\n');
+    }
+    console.print(pointTable(result, context.theory, console));
+    if (!result.curves.isEmpty()) {
+        console.print('\n' + curveTable(result, console));
+    }
+}
+
 } // namespace
 
 Options jsonOption()
@@ -187,27 +199,24 @@ void putOut(const NprResult& result, const ResultContext& context, const Argumen
         }
     }
     if (!takesStandardOutput(arguments)) {
-        console.print(pointTable(result.points, context.theory, console));
-        if (!result.curves.isEmpty()) {
-            console.print('\n' + curveTable(result.curves, console));
-        }
+        printTables(result, context, console);
     }
     requireWritten(unwritten);
 }
 
-QString pointTable(const QVector<NprPoint>& points, const QVector<NprPoint>& theory,
-                   const Console& console)
+QString pointTable(const NprResult& result, const QVector<NprPoint>& theory, const Console& console)
 {
+    const QString unit = nameOf(result.levelUnit);
     QVector<Align> columns(8, Align::Right);
-    QStringList headings{"level/dBm", "notch",    "center/MHz", "power/dBm",
-                         "NPR/dB",    "sigma/dB", "theory/dB",  "EVM/%"};
+    QStringList headings{"level/" + unit, "notch",    "center/MHz", "power/" + unit,
+                         "NPR/dB",        "sigma/dB", "theory/dB",  "EVM/%"};
     if (theory.isEmpty()) {
         columns.removeLast();
         headings.removeAll("theory/dB");
     }
     TextTable table(columns << Align::Left << Align::Left, headings << ""
                                                                     << "marks");
-    for (const NprPoint& point : points) {
+    for (const NprPoint& point : result.points) {
         const int decimals = decimalsFor(point.sigma);
         QStringList cells{rounded(point.level, 2),        QString::number(point.notch),
                           rounded(point.center / 1e6, 3), rounded(point.power, 2),
@@ -222,19 +231,18 @@ QString pointTable(const QVector<NprPoint>& points, const QVector<NprPoint>& the
     return table.text(console);
 }
 
-QString curveTable(const QVector<NprCurve>& curves, const Console& console)
+QString curveTable(const NprResult& result, const Console& console)
 {
+    const QString unit = nameOf(result.levelUnit);
     QVector<Align> columns{Align::Right, Align::Right, Align::Right};
-    QStringList headings{"notch", "peak/dB", "at/dBm"};
-    for (const NprRange& range : curves.constFirst().ranges) {
+    QStringList headings{"notch", "peak/dB", "at/" + unit};
+    for (const NprRange& range : result.curves.constFirst().ranges) {
         const QString threshold = QString::number(range.threshold);
         columns << Align::Right << Align::Right << Align::Right;
-        headings << "from/dBm"
-                 << "to/dBm"
-                 << "over " + threshold + " dB/dB";
+        headings << "from/" + unit << "to/" + unit << "over " + threshold + " dB/dB";
     }
     TextTable table(columns, headings);
-    for (const NprCurve& curve : curves) {
+    for (const NprCurve& curve : result.curves) {
         QStringList cells{QString::number(curve.notch), rounded(curve.peakNpr, 1),
                           rounded(curve.peakLevel, 2)};
         for (const NprRange& range : curve.ranges) {

@@ -29,8 +29,8 @@ void putOut(const NprResult& result, const ResultContext& context, const Argumen
             Console& console);
 
 // The points, a line each, numbers rounded to their sigma, beside theory if there is any.
-QString pointTable(const QVector<NprPoint>& points, const QVector<NprPoint>& theory,
+QString pointTable(const NprResult& result, const QVector<NprPoint>& theory,
                    const Console& console);
 
 // Peak and ranges, a line a notch.
-QString curveTable(const QVector<NprCurve>& curves, const Console& console);
+QString curveTable(const NprResult& result, const Console& console);

@@ -197,10 +197,10 @@ Options setupOptions()
              "the offset is CONFIG's when left out."}};
 }
 
-MeasurementSetup readSetup(const Arguments& arguments, Console& console)
+MeasurementSetup readSetup(const Arguments& arguments, Console& console, Further further)
 {
     const QStringList& names = arguments.positional();
-    if (names.size() != 1) {
+    if (names.isEmpty() || (names.size() > 1 && further == Further::Refused)) {
         failUsage(names.isEmpty() ? "CONFIG is missing: a .cfg file, - or default"
                                   : "unexpected argument " + names.at(1));
     }

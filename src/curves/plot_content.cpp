@@ -122,6 +122,7 @@ PlotLine patternOf(const ShownResult& result, const PlotChoice& choice)
     PlotLine pattern;
     pattern.result = result.id;
     pattern.name = result.name;
+    pattern.levelUnit = nameOf(result.result.levelUnit);
     pattern.isChosen = choice.results.contains(result.id);
     pattern.isShown = result.isShown;
     return pattern;
@@ -169,6 +170,17 @@ QColor shade(int place, int count)
     return QColor::fromHsvF(0.6 - 0.6 * share, 0.85, 0.8); // blue for quiet, red for loud
 }
 
+// Recordings have a unit of their own; both may be looked at together.
+QString levelUnitsOf(const QVector<ShownResult>& results)
+{
+    QStringList units;
+    for (const ShownResult& one : results) {
+        units << nameOf(one.result.levelUnit);
+    }
+    units.removeDuplicates();
+    return units.isEmpty() ? nameOf(LevelUnit::Dbm) : units.join(QStringLiteral(" or "));
+}
+
 } // namespace
 
 bool PlotPoint::operator==(const PlotPoint& other) const
@@ -199,7 +211,7 @@ bool showsAny(const PlotContent& content)
 PlotContent contentOverLevel(const QVector<ShownResult>& results, const PlotChoice& choice)
 {
     PlotContent content;
-    content.xTitle = levelTitle();
+    content.xTitle = levelTitle(levelUnitsOf(results));
     content.yTitle = QStringLiteral("NPR / dB");
     const bool isAlone = shownCount(results) < 2;
     for (int place = 0; place < results.size(); ++place) {
@@ -228,7 +240,8 @@ PlotContent contentOverFrequency(const QVector<ShownResult>& results, const Plot
         const QMap<double, Points> groups = byLevel(result.result.points);
         for (const Points& points : groups) {
             pattern.colour = shade(pattern.notch, groups.size());
-            pattern.detail = "at " + printed(points.constFirst().level, 2) + " dBm";
+            pattern.detail =
+                "at " + printed(points.constFirst().level, 2) + ' ' + pattern.levelUnit;
             addRuns(pattern, points, megahertzOf, content.lines);
             ++pattern.notch;
         }

@@ -10,9 +10,9 @@
 
 struct PlotPoint
 {
-    QPointF value; // level in dBm, or frequency in MHz; ratio in dB
+    QPointF value; // level, or frequency in MHz; ratio in dB
     std::optional<double> sigma;
-    double level = 0.0; // dBm
+    double level = 0.0;
     bool operator==(const PlotPoint& other) const;
 };
 
@@ -26,6 +26,7 @@ struct PlotLine
     int run = 0;    // of points without a gap, by rising x
     QString name;   // of the result
     QString detail; // "notch 1, -32 MHz", "at -20 dBm"
+    QString levelUnit; // "dBm"
     QColor colour;
     bool isChosen = false; // drawn strong, with its band of sigma
     bool isShown = true;

@@ -135,6 +135,6 @@ QStringList readingTexts(const PlotPlace& place, const PlotContent& content)
     if (point.sigma) {
         ratio += QStringLiteral(", sigma %1 dB").arg(printed(*point.sigma, 2));
     }
-    return {line.name, line.detail, "level " + printed(point.level, 2) + " dBm", ratio,
-            "EVM " + QString::number(*measured.evmPercent(), 'g', 3) + " %"};
+    return {line.name, line.detail, "level " + printed(point.level, 2) + ' ' + line.levelUnit,
+            ratio, "EVM " + QString::number(*measured.evmPercent(), 'g', 3) + " %"};
 }

@@ -52,9 +52,10 @@ QString notchCountText(const NprResult& result)
 QString peakText(const NprResult& result)
 {
     const NprCurve* highest = highestOf(result.curves);
-    return highest == nullptr ? QString()
-                              : printed(*highest->peakNpr, 1) + " dB at " +
-                                    printed(*highest->peakLevel, 1) + " dBm";
+    return highest == nullptr
+               ? QString()
+               : printed(*highest->peakNpr, 1) + " dB at " + printed(*highest->peakLevel, 1) + ' ' +
+                     nameOf(result.levelUnit);
 }
 
 QString rangeText(const NprResult& result)

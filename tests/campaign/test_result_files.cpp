@@ -66,6 +66,30 @@ QString errorOf(const QByteArray& json)
     return "none";
 }
 
+// Of a recording with no level in dBm.
+NprResult recordedResult()
+{
+    NprResult made = result();
+    made.levelUnit = LevelUnit::Dbfs;
+    RecordingFacts facts;
+    facts.file = "a.npy";
+    facts.sampleRate = 1e8;
+    facts.center = -2.5e6;
+    facts.samples = 5000000000;
+    facts.hasWholePeriods = true;
+    facts.averages = 38146;
+    facts.segmentLength = 131072;
+    facts.level = -12.5;
+    facts.peak = -1.5;
+    facts.clipped = 0.125;
+    facts.clockError = 2.5;
+    facts.isInverted = true;
+    made.recordings = {facts, RecordingFacts()};
+    made.points[0].recorded = RecordedReading{0, 1311, -120.5, 21.5};
+    made.points[1].recorded = RecordedReading{1, 4, {}, {}};
+    return made;
+}
+
 } // namespace
 
 class TestResultFiles : public QObject
@@ -80,6 +104,8 @@ private slots:
     void otherFilesAreRefused_data();
     void otherFilesAreRefused();
     void csvHasALineAPoint();
+    void recordingsTellTheirOwnUnitAndHowTheyWereRead();
+    void csvOfRecordingsHasTheirColumns();
 };
 
 void TestResultFiles::jsonHasItsMembers()
@@ -174,11 +200,45 @@ void TestResultFiles::otherFilesAreRefused()
 void TestResultFiles::csvHasALineAPoint()
 {
     QCOMPARE(
-        pointsToCsv({goodPoint(), missingPoint()}),
+        pointsToCsv(result()),
         QByteArray("level_dbm,notch,center_hz,width_hz,power_dbm,npr_db,sigma_db,evm_percent,"
                    "marks,passed\n"
                    "-20.5,1,-31999969.482421875,1e+06,-39.75,20,0.125,10,margin few-peaks,true\n"
                    "0.1,2,0,2.5,,,,,below-zero,\n"));
+}
+
+void TestResultFiles::recordingsTellTheirOwnUnitAndHowTheyWereRead()
+{
+    const NprResult made = recordedResult();
+    const QByteArray json = resultToJson(made);
+    const QJsonObject whole = QJsonDocument::fromJson(json).object();
+    QCOMPARE(whole["level_unit"].toString(), QString("dBFS"));
+    const QJsonObject point = whole["points"].toArray().at(0).toObject();
+    QCOMPARE(point["level_dbfs"].toDouble(), -20.5);
+    QVERIFY(!point.contains("level_dbm") && !point.contains("power_dbm"));
+    const QJsonObject curve = whole["curves"].toArray().at(0).toObject();
+    QCOMPARE(curve["peak_level_dbfs"].toDouble(), -10.99);
+    QCOMPARE(curve["ranges"].toArray().at(0).toObject()["from_dbfs"].toDouble(), -33.0);
+    const QJsonObject facts = whole["recordings"].toArray().at(0).toObject();
+    QCOMPARE(facts["way"].toString(), QString("whole-periods"));
+    QCOMPARE(facts["samples"].toDouble(), 5e9);
+    const NprResult read = resultFromJson(json);
+    QCOMPARE(resultToJson(read), json);
+    QVERIFY(read.levelUnit == LevelUnit::Dbfs);
+    QCOMPARE(read.recordings.at(0).isInverted, std::optional<bool>(true));
+    QCOMPARE(read.recordings.at(1).clockError, std::optional<double>());
+    QCOMPARE(read.points.at(0).recorded->distortionNpr, std::optional<double>(21.5));
+}
+
+void TestResultFiles::csvOfRecordingsHasTheirColumns()
+{
+    const QByteArray csv = pointsToCsv(recordedResult());
+    QCOMPARE(csv, QByteArray("level_dbfs,notch,center_hz,width_hz,power_dbfs,npr_db,sigma_db,"
+                             "evm_percent,marks,passed,lines,noise_density_dbfs_hz,"
+                             "distortion_npr_db\n"
+                             "-20.5,1,-31999969.482421875,1e+06,-39.75,20,0.125,10,"
+                             "margin few-peaks,true,1311,-120.5,21.5\n"
+                             "0.1,2,0,2.5,,,,,below-zero,,4,,\n"));
 }
 
 QTEST_APPLESS_MAIN(TestResultFiles)

@@ -72,15 +72,17 @@ void TestChartTexts::theSpanWithinKeepsItsEnds()
 void TestChartTexts::thresholdsTellTheirRange()
 {
     const auto text = [](const ChartRange& range) {
-        return thresholdText(41.0, {lineWith({range})});
+        return thresholdText(41.0, {lineWith({range})}, "dBm");
     };
     QCOMPARE(text({41.0, -33.0, -7.66}),
              printed("above 41 dB: 25.34 dB, from -33.00 to -7.66 dBm"));
     QCOMPARE(text({41.0, -33.0, {}}), printed("above 41 dB: from -33.00 dBm on"));
     QCOMPARE(text({41.0, {}, -7.66}), printed("above 41 dB: up to -7.66 dBm"));
+    QCOMPARE(thresholdText(41.0, {lineWith({{41.0, -33.0, {}}})}, "dBFS"),
+             printed("above 41 dB: from -33.00 dBFS on"));
     QCOMPARE(text({41.0, {}, {}}), QString("above 41 dB: not crossed"));
     QCOMPARE(text({30.0, -33.0, -7.66}), QString("above 41 dB: not crossed"));
-    QCOMPARE(thresholdText(40.5, {}), QString("above 40.5 dB: not crossed"));
+    QCOMPARE(thresholdText(40.5, {}, "dBm"), QString("above 40.5 dB: not crossed"));
 }
 
 void TestChartTexts::severalLinesTellTheSpanOfTheirRanges()
@@ -88,10 +90,10 @@ void TestChartTexts::severalLinesTellTheSpanOfTheirRanges()
     const ChartLine wide = lineWith({{41.0, -33.0, -7.0}});
     const ChartLine narrow = lineWith({{41.0, -32.0, -7.5}});
     const ChartLine open = lineWith({{41.0, -32.0, {}}});
-    QCOMPARE(thresholdText(41.0, {wide, narrow}), QString("above 41 dB: 24.50 to 26.00 dB"));
-    QCOMPARE(thresholdText(41.0, {wide, narrow, open}),
+    QCOMPARE(thresholdText(41.0, {wide, narrow}, "dBm"), QString("above 41 dB: 24.50 to 26.00 dB"));
+    QCOMPARE(thresholdText(41.0, {wide, narrow, open}, "dBm"),
              QString("above 41 dB: 24.50 to 26.00 dB, or not crossed"));
-    QCOMPARE(thresholdText(41.0, {wide, wide}), QString("above 41 dB: 26.00 dB"));
+    QCOMPARE(thresholdText(41.0, {wide, wide}, "dBm"), QString("above 41 dB: 26.00 dB"));
 }
 
 void TestChartTexts::whatIsNoNprIsCalledSo()

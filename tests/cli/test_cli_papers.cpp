@@ -97,6 +97,8 @@ void TestCliPapers::completionOffersConfigurationsAndFormats()
     QCOMPARE(complete({"signal", ""}), (QStringList{"bench.cfg", "default"}));
     QCOMPARE(complete({"plot", "day.json", ""}), QStringList{"day.json"});
     QCOMPARE(complete({"signal", "default", "--format", "w"}), (QStringList{"wav", "wv"}));
+    QCOMPARE(complete({"analyze", "default", "ot"}), QStringList{"other.txt"});
+    QCOMPARE(complete({"analyze", "default", "--type", "ri"}), QStringList{"ri16"});
 }
 
 void TestCliPapers::everyFormatIsOfferedAndInTheManPage()

@@ -64,7 +64,7 @@ void TestCliUsage::helpNamesEveryCommandAndEveryOption()
     const CliRun help = cli->run({"--help"});
     QCOMPARE(help.status, 0);
     QCOMPARE(help.err, QString());
-    for (const char* command : {"signal", "trim", "measure", "curve", "serve"}) {
+    for (const char* command : {"signal", "trim", "measure", "curve", "analyze", "serve"}) {
         QVERIFY(help.out.contains(QString("\n  ") + command + ' '));
         const CliRun own = cli->run({command, "--help"});
         QCOMPARE(own.status, 0);

@@ -7,6 +7,7 @@
 #include <QRegularExpression>
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 class JsonSchema
@@ -107,6 +108,7 @@ private:
                                   "additionalProperties",
                                   "items",
                                   "contains",
+                                  "oneOf",
                                   "if",
                                   "then",
                                   "else"};
@@ -121,6 +123,16 @@ private:
         }
         if (value.isArray()) {
             found += errorsOfElements(value.toArray(), schema, path);
+        }
+        if (schema.contains("oneOf")) {
+            const QJsonArray choices = schema["oneOf"].toArray();
+            const auto fitting =
+                std::count_if(choices.begin(), choices.end(), [&](const QJsonValue& choice) {
+                    return errors(value, choice.toObject(), path).isEmpty();
+                });
+            if (fitting != 1) {
+                found << path + " fails oneOf";
+            }
         }
         if (schema.contains("if")) {
             const bool holds = errors(value, schema["if"].toObject(), path).isEmpty();

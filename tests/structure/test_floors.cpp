@@ -17,6 +17,7 @@ namespace {
 // here, and in the CMakeLists.txt of src/.
 const QStringList rooms = {"base",
                            "transform",
+                           "recording",
                            "dut",
                            "remote",
                            "instruments",

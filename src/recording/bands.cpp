@@ -1,0 +1,42 @@
+#include "recording/bands.h"
+
+#include <algorithm>
+
+namespace {
+
+void append(Bands& bands, FrequencyBand band)
+{
+    if (band.high > band.low) {
+        bands << band;
+    }
+}
+
+} // namespace
+
+Bands within(const Bands& bands, FrequencyBand limits)
+{
+    Bands left;
+    for (const FrequencyBand& band : bands) {
+        append(left, {std::max(band.low, limits.low), std::min(band.high, limits.high)});
+    }
+    return left;
+}
+
+Bands without(const Bands& bands, FrequencyBand gap)
+{
+    Bands left;
+    for (const FrequencyBand& band : bands) {
+        append(left, {band.low, std::min(band.high, gap.low)});
+        append(left, {std::max(band.low, gap.high), band.high});
+    }
+    return left;
+}
+
+double widthOf(const Bands& bands)
+{
+    double sum = 0.0;
+    for (const FrequencyBand& band : bands) {
+        sum += band.width();
+    }
+    return sum;
+}

@@ -1,0 +1,75 @@
+#include "recording/periodograms.h"
+
+#include "recording/kaiser_window.h"
+#include "transform/transform.h"
+
+#include <cmath>
+#include <utility>
+
+namespace {
+
+void addPeriodogram(ComplexBuffer& segment, const std::vector<double>& window, double* sums,
+                    int threads)
+{
+    const quint64 length = segment.size();
+    for (quint64 k = 0; k < length; ++k) {
+        segment[k] = {segment[k].real() * window[k], segment[k].imag() * window[k]};
+    }
+    fft(segment, threads);
+    // The transform has a positive exponent, so the value of frequency k stands at -k.
+    sums[0] += std::norm(segment[0]);
+    for (quint64 k = 1; k < length; ++k) {
+        sums[k] += std::norm(segment[length - k]);
+    }
+}
+
+double powerOf(const std::vector<double>& window)
+{
+    double sum = 0.0;
+    for (const double value : window) {
+        sum += value * value;
+    }
+    return sum / static_cast<double>(window.size());
+}
+
+} // namespace
+
+PowerDensity powerDensity(const SampleReader& reader, double sampleRate, qint64 first, int length,
+                          const ReadingProgress& progress)
+{
+    const std::vector<double> window = kaiserWindow(length);
+    const Segments segments =
+        segmentsBetween(first, reader.recording().samples, length, length / hopDivisor);
+    PassResult pass = sumSegments(
+        reader, segments, static_cast<std::size_t>(length),
+        [&window](ComplexBuffer& segment, double* sums, int threads) {
+            addPeriodogram(segment, window, sums, threads);
+        },
+        progress);
+    // A real signal's envelope has 4 times the power of its positive half.
+    const double scale = (reader.recording().type->isComplex ? 1.0 : 4.0) /
+                         (powerOf(window) * sampleRate * static_cast<double>(segments.count));
+    for (double& bin : pass.sums) {
+        bin *= scale;
+    }
+    return {std::move(pass.sums), sampleRate / length, segments.count, std::move(pass.levels)};
+}
+
+BandDensity densityIn(const Bands& bands, const PowerDensity& density)
+{
+    BandDensity result;
+    const auto length = static_cast<qint64>(density.bins.size());
+    for (const FrequencyBand& band : bands) {
+        const auto last = static_cast<qint64>(std::floor(band.high / density.spacing));
+        for (auto k = static_cast<qint64>(std::ceil(band.low / density.spacing)); k <= last; ++k) {
+            result.density += density.bins[static_cast<std::size_t>((k + length) % length)];
+            ++result.bins;
+        }
+    }
+    if (result.bins > 0) {
+        result.density /= result.bins;
+        result.cells =
+            independentCells(result.bins, static_cast<double>(density.segments), hopDivisor);
+    }
+    return result;
+}

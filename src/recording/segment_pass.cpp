@@ -1,0 +1,158 @@
+#include "recording/segment_pass.h"
+
+#include "base/parallel.h"
+#include "recording/hash_check.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+constexpr qint64 stretchSamples = 1 << 17; // worth a piece of work
+constexpr qint64 longSegment = 1 << 20;    // one at a time, by all cores together
+constexpr qint64 blockSamples = 1 << 16;   // read at once
+constexpr qint64 sumsBudget = 1 << 26;     // bytes that the stretches of a round may take
+
+class Pass
+{
+public:
+    Pass(const SampleReader& itsReader, const Segments& itsSegments, std::size_t itsSumCount,
+         const AddSegment& itsAdd)
+        : reader(itsReader),
+          type(*itsReader.recording().type),
+          segments(itsSegments),
+          sumCount(itsSumCount),
+          add(itsAdd),
+          perStretch(std::max<qint64>(1, stretchSamples / segments.hop)),
+          stretchCount((segments.count + perStretch - 1) / perStretch)
+    {
+    }
+
+    PassResult run(const ReadingProgress& progress) const;
+
+private:
+    struct Scratch
+    {
+        std::vector<char> raw;
+        ComplexBuffer segment;
+        double* pairs() { return reinterpret_cast<double*>(segment.data()); }
+    };
+
+    qint64 stretchesPerRound() const;
+    PassResult emptyResult() const { return {std::vector<double>(sumCount), LevelSums(type)}; }
+    std::vector<PassResult> round(qint64 firstStretch, qint64 count, HashCheck& hash) const;
+    void addStretch(qint64 stretch, Scratch& scratch, int threads, PassResult& result) const;
+    void load(qint64 first, qint64 count, Scratch& scratch) const;
+    void requireNumbers(const LevelSums& levels, qint64 stretch) const;
+
+    const SampleReader& reader;
+    const SampleType& type;
+    const Segments segments;
+    const std::size_t sumCount;
+    const AddSegment& add;
+    const qint64 perStretch; // segments that are summed by themselves
+    const qint64 stretchCount;
+};
+
+qint64 Pass::stretchesPerRound() const
+{
+    constexpr qint64 most = 64;
+    const auto bytes = static_cast<qint64>(std::max<std::size_t>(1, sumCount) * sizeof(double));
+    return std::clamp<qint64>(sumsBudget / bytes, usefulThreads(), most);
+}
+
+void Pass::load(qint64 first, qint64 count, Scratch& scratch) const
+{
+    for (qint64 done = 0; done < count; done += blockSamples) {
+        const qint64 now = std::min(blockSamples, count - done);
+        reader.read(first + done, now, scratch.raw);
+        type.toPairs(scratch.raw.data(), now, scratch.pairs() + 2 * done);
+    }
+}
+
+void Pass::requireNumbers(const LevelSums& levels, qint64 stretch) const
+{
+    if (!levels.isFinite()) {
+        const qint64 first = segments.first + stretch * perStretch * segments.hop;
+        throw RecordingError{QStringLiteral("%1 holds what is no number, or one beyond all bounds, "
+                                            "behind sample %2")
+                                 .arg(reader.recording().name)
+                                 .arg(first)};
+    }
+}
+
+// Each sample counts once in the levels: a segment's up to the next one's begin, the last one's
+// all, and those behind it.
+void Pass::addStretch(qint64 stretch, Scratch& scratch, int threads, PassResult& result) const
+{
+    const qint64 end = std::min((stretch + 1) * perStretch, segments.count);
+    for (qint64 k = stretch * perStretch; k < end; ++k) {
+        const qint64 first = segments.first + k * segments.hop;
+        const bool isLast = k + 1 == segments.count;
+        load(first, segments.length, scratch);
+        result.levels.add(scratch.pairs(), isLast ? segments.length : segments.hop);
+        add(scratch.segment, result.sums.data(), threads);
+        if (isLast) {
+            const qint64 behind = first + segments.length;
+            const qint64 count = reader.recording().samples - behind; // less than a hop
+            load(behind, count, scratch);
+            result.levels.add(scratch.pairs(), count);
+        }
+    }
+    requireNumbers(result.levels, stretch);
+}
+
+// The hash is one more piece, the first one.
+std::vector<PassResult> Pass::round(qint64 firstStretch, qint64 count, HashCheck& hash) const
+{
+    const bool oneByOne = segments.length >= longSegment;
+    std::vector<PassResult> results(static_cast<std::size_t>(count), emptyResult());
+    const auto worker = [&](Pieces& pieces) {
+        const std::unique_ptr<WorkAlone> alone = oneByOne ? nullptr : std::make_unique<WorkAlone>();
+        Scratch scratch{{}, ComplexBuffer(static_cast<quint64>(segments.length))};
+        for (quint64 piece = 0; pieces.take(piece);) {
+            if (piece == 0) {
+                hash.advance(firstStretch + count, stretchCount);
+                continue;
+            }
+            addStretch(firstStretch + static_cast<qint64>(piece) - 1, scratch, usefulThreads(),
+                       results[piece - 1]);
+        }
+    };
+    inParallel(static_cast<quint64>(count) + 1, oneByOne ? 1 : usefulThreads(), worker);
+    return results;
+}
+
+PassResult Pass::run(const ReadingProgress& progress) const
+{
+    PassResult total = emptyResult();
+    HashCheck hash(reader.recording());
+    const qint64 perRound = stretchesPerRound();
+    for (qint64 done = 0; done < stretchCount;) {
+        const qint64 now = std::min(perRound, stretchCount - done);
+        for (const PassResult& part : round(done, now, hash)) {
+            std::transform(part.sums.begin(), part.sums.end(), total.sums.begin(),
+                           total.sums.begin(), [](double a, double b) { return b + a; });
+            total.levels += part.levels;
+        }
+        done += now;
+        if (!progress(done, stretchCount)) {
+            throw ReadingStopped{};
+        }
+    }
+    hash.requireMatch();
+    return total;
+}
+
+} // namespace
+
+Segments segmentsBetween(qint64 first, qint64 end, qint64 length, qint64 hop)
+{
+    return {first, length, hop, (end - first - length) / hop + 1};
+}
+
+PassResult sumSegments(const SampleReader& reader, const Segments& segments, std::size_t sumCount,
+                       const AddSegment& add, const ReadingProgress& progress)
+{
+    return Pass(reader, segments, sumCount, add).run(progress);
+}

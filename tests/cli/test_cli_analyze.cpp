@@ -1,0 +1,249 @@
+// "analyze" of the built program: recordings that "signal" writes, and those of converters.
+#include "cli/cli_process.h"
+#include "kit/json_schema.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QtEndian>
+#include <QtTest>
+
+#include <algorithm>
+#include <cmath>
+
+#ifdef Q_OS_UNIX
+#include <sys/resource.h>
+#endif
+
+namespace {
+
+const QStringList config{"default", "--notches", "3,1e6,-100,0"};
+
+QByteArray bytesOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QJsonObject jsonOf(const QString& text)
+{
+    return QJsonDocument::fromJson(text.toUtf8()).object();
+}
+
+// Of every point.
+QVector<double> numbersOf(const QJsonObject& result, const char* member)
+{
+    QVector<double> numbers;
+    for (const QJsonValue point : result["points"].toArray()) {
+        numbers << point.toObject()[member].toDouble();
+    }
+    return numbers;
+}
+
+} // namespace
+
+class TestCliAnalyze : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void everyFormThatSignalWritesReadsBack_data();
+    void everyFormThatSignalWritesReadsBack();
+    void aConverterDrawsItsCurveOverItsOwnLevel();
+    void levelsThatAreGivenAreTheAxis();
+    void clippedRecordingsAreToldAndMarked();
+    void aMissedLimitIsTheStatus();
+    void wrongUsageIsToldBeforeAnythingIsRead_data();
+    void wrongUsageIsToldBeforeAnythingIsRead();
+    void filesThatCantBeReadAreTold_data();
+    void filesThatCantBeReadAreTold();
+    void gigabytesTakeLittleMemory();
+
+private:
+    CliRun analyze(const QStringList& words)
+    {
+        return cli.run(QStringList{"analyze"} + config + words);
+    }
+    QString quantised(const QString& name, double k) const;
+
+    CliProcess cli;
+};
+
+void TestCliAnalyze::initTestCase()
+{
+    const CliRun run = cli.run(QStringList{"signal"} + config +
+                               QStringList{"--out", "noise", "--format", "cf32", "--format", "npy",
+                                           "--format", "sigmf", "--format", "wav"});
+    QCOMPARE(run.status, 0);
+}
+
+// The signal through two converters of 8 bits whose full scale is k times the rms of a component;
+// its mean power is 0.97, for three of a hundred lines are notches.
+QString TestCliAnalyze::quantised(const QString& name, double k) const
+{
+    const QByteArray floats = bytesOf(cli.path("noise.cf32"));
+    QByteArray codes;
+    for (int at = 0; at < floats.size(); at += 4) {
+        const double value = qFromLittleEndian<float>(floats.constData() + at);
+        const double code = std::floor(value * 128.0 / (k * std::sqrt(0.97 / 2.0)) + 0.5);
+        codes += static_cast<char>(std::min(std::max(code, -128.0), 127.0));
+    }
+    QFile file(cli.path(name));
+    return file.open(QIODevice::WriteOnly) && file.write(codes) == codes.size() ? name : QString();
+}
+
+void TestCliAnalyze::everyFormThatSignalWritesReadsBack_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<double>("least");
+    QTest::addColumn<double>("most");
+    // Single precision rounds 50 dB below the notches; 16 bits at a quarter of their range don't.
+    QTest::newRow("raw") << QStringList{"noise.cf32", "--rate", "1e8"} << 99.9 << 100.1;
+    QTest::newRow("npy") << QStringList{"noise.npy", "--rate", "1e8"} << 99.9 << 100.1;
+    QTest::newRow("sigmf") << QStringList{"noise.sigmf-meta"} << 99.9 << 100.1;
+    QTest::newRow("wav") << QStringList{"noise.q.wav"} << 60.0 << 75.0;
+    QTest::newRow("beside the lines")
+        << QStringList{"noise.npy", "--rate", "1e8", "--skip", "1e-6"} << 99.0 << 101.0;
+}
+
+void TestCliAnalyze::everyFormThatSignalWritesReadsBack()
+{
+    QFETCH(QStringList, words);
+    QFETCH(double, least);
+    QFETCH(double, most);
+    const CliRun run = analyze(words + QStringList{"--json", "-"});
+    QVERIFY2(run.status == 0 && run.err.isEmpty(), qPrintable(run.err));
+    const QJsonObject result = jsonOf(run.out);
+    const QJsonObject schema =
+        jsonOf(QString::fromUtf8(bytesOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
+    QCOMPARE(JsonSchema(schema).errorsIn(result), QStringList());
+    QCOMPARE(result["level_unit"].toString(), QString("dBFS"));
+    const QVector<double> ratios = numbersOf(result, "npr_db");
+    QCOMPARE(ratios.size(), 3);
+    for (const double npr : ratios) {
+        QVERIFY2(npr > least && npr < most, qPrintable(QString::number(npr)));
+    }
+    const QJsonObject facts = result["recordings"].toArray().at(0).toObject();
+    const bool isWhole = !words.contains("--skip");
+    QCOMPARE(facts["way"].toString(), QString(isWhole ? "whole-periods" : "averaged-periodograms"));
+    QCOMPARE(facts["inverted"], QJsonValue(false));
+}
+
+// 8 bits: 40.60 dB at k = 3.92, which is 3.01 - 20 lg 3.92 = -8.86 dBFS.
+void TestCliAnalyze::aConverterDrawsItsCurveOverItsOwnLevel()
+{
+    QStringList files;
+    for (const double k : {3.0, 3.5, 4.0, 4.5, 6.0, 8.0}) {
+        files << quantised(QString("k%1.ci8").arg(k), k);
+    }
+    const CliRun run = analyze(files + QStringList{"--rate", "1e8", "--threshold", "38", "--json",
+                                                   "curve.json", "--csv", "curve.csv"});
+    QVERIFY2(run.status == 0, qPrintable(run.err));
+    QVERIFY(run.out.contains("level/dBFS") && run.out.contains("whole periods"));
+    QVERIFY(bytesOf(cli.path("curve.csv")).startsWith("level_dbfs,notch,"));
+    const QJsonObject result = jsonOf(QString::fromUtf8(bytesOf(cli.path("curve.json"))));
+    QCOMPARE(numbersOf(result, "npr_db").size(), 18);
+    for (const QJsonValue value : result["curves"].toArray()) {
+        const QJsonObject curve = value.toObject();
+        QVERIFY2(std::abs(curve["peak_npr_db"].toDouble() - 40.6) < 0.7, qPrintable(run.out));
+        QVERIFY2(std::abs(curve["peak_level_dbfs"].toDouble() + 8.86) < 0.8, qPrintable(run.out));
+        // Rounding alone falls by 1 dB a dB: 2.6 dB below the peak's 41.6 without clipping.
+        const QJsonObject range = curve["ranges"].toArray().at(0).toObject();
+        QVERIFY(range["from_dbfs"].toDouble() < -11.0 && range["to_dbfs"].toDouble() > -8.0);
+    }
+}
+
+void TestCliAnalyze::levelsThatAreGivenAreTheAxis()
+{
+    const CliRun run = analyze({quantised("one.ci8", 8.0), quantised("two.ci8", 4.0), "--rate",
+                                "1e8", "--level", "-20", "--level=-14", "--json", "-"});
+    QVERIFY2(run.status == 0, qPrintable(run.err));
+    const QJsonObject result = jsonOf(run.out);
+    QCOMPARE(result["level_unit"].toString(), QString("dBm"));
+    QCOMPARE(numbersOf(result, "level_dbm"), (QVector<double>{-20, -20, -20, -14, -14, -14}));
+    QVERIFY(result["points"].toArray().at(0).toObject()["power_dbm"].isNull());
+}
+
+void TestCliAnalyze::clippedRecordingsAreToldAndMarked()
+{
+    const CliRun run = analyze({quantised("clipped.ci8", 2.0), "--rate", "1e8"});
+    QCOMPARE(run.status, 0);
+    QVERIFY2(run.err.contains("clipped.ci8 is clipped: 4."), qPrintable(run.err));
+    QCOMPARE(run.out.count(" clipped\n"), 3);
+}
+
+void TestCliAnalyze::aMissedLimitIsTheStatus()
+{
+    const QString file = quantised("limit.ci8", 4.0);
+    QCOMPARE(analyze({file, "--rate", "1e8", "--limit", "30"}).status, 0);
+    QCOMPARE(analyze({file, "--rate", "1e8", "--limit", "60"}).status, 1);
+}
+
+void TestCliAnalyze::wrongUsageIsToldBeforeAnythingIsRead_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("no recording") << QStringList{} << "needs a recording";
+    QTest::newRow("no rate") << QStringList{"noise.npy"} << "--rate";
+    QTest::newRow("type") << QStringList{"noise.cf32", "--type", "cf16"} << "cf32|cf64";
+    QTest::newRow("levels") << QStringList{"a", "b", "--level", "3"} << "once for each";
+}
+
+void TestCliAnalyze::wrongUsageIsToldBeforeAnythingIsRead()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QString, message);
+    const CliRun run = analyze(words);
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.err.contains(message), qPrintable(run.err));
+    QCOMPARE(run.errLines().size(), 1);
+}
+
+void TestCliAnalyze::filesThatCantBeReadAreTold_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("missing") << QStringList{"nothing.npy"} << "no such file";
+    QTest::newRow("a folder") << QStringList{"."} << "folder";
+    QTest::newRow("unknown") << QStringList{"noise.q"} << "--type";
+    QTest::newRow("too slow") << QStringList{"noise.npy", "--rate", "1e6"} << "none of";
+    QTest::newRow("elsewhere") << QStringList{"noise.cf32", "--rate", "1e8", "--center", "9e8"}
+                               << "--center";
+    QTest::newRow("skipped") << QStringList{"noise.cf32", "--rate", "1e8", "--skip", "1"}
+                             << "skipped";
+}
+
+void TestCliAnalyze::filesThatCantBeReadAreTold()
+{
+    QFETCH(QStringList, words);
+    QFETCH(QString, message);
+    QFile file(cli.path("noise.q"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const CliRun run = analyze(words);
+    QVERIFY2(run.status == 3, qPrintable(run.err));
+    QVERIFY2(run.errLines().last().contains(message), qPrintable(run.err));
+}
+
+// Of which the signal is the beginning, and a hole is the rest.
+void TestCliAnalyze::gigabytesTakeLittleMemory()
+{
+#if defined(Q_OS_UNIX) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+    const QString path = cli.path("long.cf64");
+    {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.write(bytesOf(cli.path("noise.cf32"))) > 0);
+        QVERIFY(file.resize(qint64{5} << 30));
+    }
+    // The beginning are pairs of floats and not doubles: anything that is no zero will do.
+    const CliRun run = analyze({path, "--rate", "1e8", "--quiet"});
+    QFile::remove(path);
+    QVERIFY2(run.status == 0, qPrintable(run.err));
+    rusage usage{};
+    QCOMPARE(getrusage(RUSAGE_CHILDREN, &usage), 0);
+    QVERIFY2(usage.ru_maxrss < 300 * 1024, qPrintable(QString::number(usage.ru_maxrss)));
+#endif
+}
+
+QTEST_GUILESS_MAIN(TestCliAnalyze)
+#include "test_cli_analyze.moc"
