@@ -1,22 +1,43 @@
-// Raw sample files: the first byte of an input says where the I file ends and the Q file begins,
-// in 255th parts of the rest; 128 makes two files of one size.
+// Raw sample files, each of a size of its own: two little-endian words of 16 bits are the sizes of
+// the I file and of the Q file in bytes; what follows fills them, from its begin again as often as
+// needed.
 #include "files/signal_input.h"
 #include "fuzz/input_file.h"
 
+#include <QtEndian>
+
 #include <cstdlib>
+
+namespace {
+
+constexpr int headSize = 4; // bytes
+
+QByteArray piece(const QByteArray& content, int from, int size)
+{
+    QByteArray bytes;
+    for (int at = 0; at < size && !content.isEmpty(); ++at) {
+        bytes += content.at((from + at) % content.size());
+    }
+    return bytes;
+}
+
+} // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    if (size == 0) {
+    if (size < headSize) {
         return 0;
     }
-    const QByteArray bytes = bytesOf(data + 1, size - 1);
-    const int split = data[0] == 128 ? bytes.size() / 2 : bytes.size() * data[0] / 255;
-    const InputFile iInput(bytes.left(split));
-    const InputFile qInput(bytes.mid(split, data[0] == 128 ? split : -1));
+    const int iSize = qFromLittleEndian<quint16>(data);
+    const int qSize = qFromLittleEndian<quint16>(data + 2);
+    const QByteArray content = bytesOf(data + headSize, size - headSize);
+    const InputFile iInput(piece(content, 0, iSize));
+    const InputFile qInput(piece(content, iSize, qSize));
     const SignalData read = loadIQFiles(iInput.path(), qInput.path());
-    if (read.iSamples.size() != read.length || read.qSamples.size() != read.length ||
-        read.magnitude.size() != read.length || read.phase.size() != read.length) {
+    const bool isOfOneSize = iSize == qSize;
+    if ((read.length > 0 && !isOfOneSize) || read.iSamples.size() != read.length ||
+        read.qSamples.size() != read.length || read.magnitude.size() != read.length ||
+        read.phase.size() != read.length) {
         std::abort();
     }
     return 0;
