@@ -1,5 +1,6 @@
 #include "reliability/soak_operator.h"
 
+#include "base/worker_threads.h"
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/background_jobs.h"
 #include "setup/config_file.h"
@@ -35,8 +36,8 @@ const SoakOperator::Action SoakOperator::table[] = {
     {"resize", 2, &SoakOperator::resize},
 };
 
-SoakOperator::SoakOperator(MainWindow& drivenWindow, const QString& configFolder)
-    : window(drivenWindow), operate(drivenWindow)
+SoakOperator::SoakOperator(MainWindow& drivenWindow, const QString& configFolder, quint32 seed)
+    : window(drivenWindow), operate(drivenWindow), random(seed)
 {
     const QFileInfoList found = QDir(configFolder).entryInfoList(QDir::Files, QDir::Name);
     for (const QFileInfo& info : found) {
@@ -115,6 +116,9 @@ void SoakOperator::end(QProcess& process)
 void SoakOperator::answerBoxes()
 {
     if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+        if (box->informativeText().startsWith(QLatin1String("Closing"))) {
+            WorkerThreads::ofProcess().waitForDone(); // to force it earlier hangs on purpose
+        }
         // A file that exists may be replaced; an instrument's failure is taken note of.
         QAbstractButton* yes = box->button(QMessageBox::Yes);
         (yes != nullptr ? yes : box->buttons().constFirst())->click();
@@ -148,7 +152,7 @@ void SoakOperator::work(int seconds)
     }
     QElapsedTimer timer;
     timer.start();
-    while (timer.elapsed() < seconds * 1000LL) {
+    while (timer.elapsed() < seconds * 1000LL && !stopped) {
         int drawn = random.bounded(sumOfWeights);
         const Action* action = table;
         while (drawn >= action->weight) {

@@ -14,7 +14,8 @@ class SoakOperator
 {
 public:
     // configs: a folder of configurations, good and bad, that are loaded now and then.
-    SoakOperator(MainWindow& window, const QString& configs);
+    // The same seed draws the same actions.
+    SoakOperator(MainWindow& window, const QString& configs, quint32 seed = 1);
     ~SoakOperator();
     SoakOperator(const SoakOperator&) = delete;
     SoakOperator& operator=(const SoakOperator&) = delete;
@@ -24,6 +25,8 @@ public:
 
     // One action after the other, with clients and simulator running.
     void work(int seconds);
+    // Lets work() end with the action in progress.
+    void stop() { stopped = true; }
 
     // Brings the window to the state in which levels are compared, without clients and simulator.
     void restore();
@@ -78,7 +81,8 @@ private:
     QTimer boxes;
     QProcess clients;
     QProcess simulator;
-    QRandomGenerator random{1};
+    QRandomGenerator random;
+    bool stopped = false;
     quint16 port = 0;
     qint64 actionCount = 0;
 };

@@ -2,6 +2,9 @@
 // instruments that die. Takes the seconds and the folder of configurations to load; ends with
 // status 0 when nothing was lost on the way: as many threads and as much memory as at the start,
 // and no warning but the known ones.
+//
+// With a seed as a third argument the window is closed at a random moment of that time, whatever
+// goes on; then a sanitizer judges.
 #include "base/large_pages.h"
 #include "kit/instrumented.h"
 #include "reliability/soak_operator.h"
@@ -87,6 +90,20 @@ bool isAsBefore(const Level& start, const Level& first, const Level& last)
             last.memory <= first.memory + first.memory / 10 + kept * ofAConnection);
 }
 
+void workUntilClosed(int seconds, const QString& configs, quint32 seed)
+{
+    MainWindow window;
+    window.show();
+    SoakOperator soakOperator(window, configs, seed);
+    const int moment = QRandomGenerator(seed).bounded(seconds * 1000); // ms
+    QTimer::singleShot(moment, &window, [&] {
+        window.close();
+        soakOperator.stop();
+    });
+    soakOperator.work(seconds);
+    std::printf("seed %u: closed after %lld actions\n", seed, soakOperator.actions());
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -95,6 +112,11 @@ int main(int argc, char* argv[])
     qInstallMessageHandler(note);
     QApplication application(argc, argv);
     const int seconds = application.arguments().value(1, QStringLiteral("600")).toInt();
+    if (application.arguments().size() > 3) {
+        workUntilClosed(seconds, application.arguments().at(2),
+                        application.arguments().at(3).toUInt());
+        return unknownWarnings == 0 ? 0 : 1;
+    }
     bool isGood = false;
     int status = 1;
     {
