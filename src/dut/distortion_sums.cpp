@@ -8,33 +8,12 @@
 namespace {
 
 constexpr int rowLength = SomeLines::rowLength;
-constexpr int half = rowLength / 2;
+constexpr int halfLength = rowLength / 2;
 
-// Of each sample of a row.
-struct RowProducts
+inline double sumOfHalf(const EightDoubles& row, int half)
 {
-    double input[rowLength];
-    double output[rowLength];
-    double re[rowLength];
-    double im[rowLength];
-};
-
-inline RowProducts productsOf(const double* xi, const double* xq, const double* yi,
-                              const double* yq)
-{
-    RowProducts row;
-    for (int l = 0; l < rowLength; ++l) {
-        row.input[l] = xi[l] * xi[l] + xq[l] * xq[l];
-        row.output[l] = yi[l] * yi[l] + yq[l] * yq[l];
-        row.re[l] = xi[l] * yi[l] + xq[l] * yq[l];
-        row.im[l] = xi[l] * yq[l] - xq[l] * yi[l];
-    }
-    return row;
-}
-
-inline double sumOf(const double* values)
-{
-    return (values[0] + values[1]) + (values[2] + values[3]);
+    const int first = half * halfLength;
+    return (row[first] + row[first + 1]) + (row[first + 2] + row[first + 3]);
 }
 
 // stretches: the products of the first row's, all of them in turns.
@@ -43,16 +22,26 @@ VECTOR_CLONES void addRows(const DistortionSums::Rows& rows, double* stretches,
 {
     for (int r = 0; r < rows.count; ++r) {
         const std::ptrdiff_t at = std::ptrdiff_t{r} * rowLength;
-        const RowProducts row =
-            productsOf(rows.inputI + at, rows.inputQ + at, rows.outputI + at, rows.outputQ + at);
+        EightDoubles xi;
+        EightDoubles xq;
+        EightDoubles yi;
+        EightDoubles yq;
+        load(rows.inputI + at, xi);
+        load(rows.inputQ + at, xq);
+        load(rows.outputI + at, yi);
+        load(rows.outputQ + at, yq);
+        const EightDoubles input = xi * xi + xq * xq;
+        const EightDoubles output = yi * yi + yq * yq;
+        const EightDoubles re = xi * yi + xq * yq;
+        const EightDoubles im = xi * yq - xq * yi;
         const std::ptrdiff_t place =
             2 * (std::ptrdiff_t{rows.first + r} * SomeLines::groupCount + rows.group);
-        for (int h = 0; h < 2; ++h) {
-            double* const stretch = stretches + (place + h) / halvesPerStretch * 4;
-            stretch[0] += sumOf(row.input + h * half);
-            stretch[1] += sumOf(row.output + h * half);
-            stretch[2] += sumOf(row.re + h * half);
-            stretch[3] += sumOf(row.im + h * half);
+        for (int half = 0; half < 2; ++half) {
+            double* const stretch = stretches + (place + half) / halvesPerStretch * 4;
+            stretch[0] += sumOfHalf(input, half);
+            stretch[1] += sumOfHalf(output, half);
+            stretch[2] += sumOfHalf(re, half);
+            stretch[3] += sumOfHalf(im, half);
         }
     }
 }
@@ -61,7 +50,7 @@ VECTOR_CLONES void addRows(const DistortionSums::Rows& rows, double* stretches,
 
 void DistortionSums::begin(int samples, int stretchLength)
 {
-    halvesPerStretch = stretchLength / half;
+    halvesPerStretch = stretchLength / halfLength;
     stretches.assign(static_cast<std::size_t>(samples / stretchLength), Products());
 }
 

@@ -148,7 +148,7 @@ VECTOR_CLONES void transformRows(Rows rows, Twiddles twiddles)
     }
 }
 
-// Twiddles of the lanes, on their way from line to line.
+// Twiddles of the lanes at a line, and their way to the next one.
 struct LaneTurns
 {
     double re[lanes];
@@ -157,20 +157,9 @@ struct LaneTurns
     double stepIm[lanes];
 };
 
-// The sum over the lanes of row times twiddle; moves the twiddles on by a line.
-inline Turn gathered(LaneTurns& w, const double* rowRe, const double* rowIm)
+inline double total(const EightDoubles& v)
 {
-    double re[lanes];
-    double im[lanes];
-    for (int l = 0; l < lanes; ++l) {
-        re[l] = rowRe[l] * w.re[l] - rowIm[l] * w.im[l];
-        im[l] = rowRe[l] * w.im[l] + rowIm[l] * w.re[l];
-        const double next = w.re[l] * w.stepRe[l] - w.im[l] * w.stepIm[l];
-        w.im[l] = w.re[l] * w.stepIm[l] + w.im[l] * w.stepRe[l];
-        w.re[l] = next;
-    }
-    return {((re[0] + re[4]) + (re[1] + re[5])) + ((re[2] + re[6]) + (re[3] + re[7])),
-            ((im[0] + im[4]) + (im[1] + im[5])) + ((im[2] + im[6]) + (im[3] + im[7]))};
+    return ((v[0] + v[4]) + (v[1] + v[5])) + ((v[2] + v[6]) + (v[3] + v[7]));
 }
 
 // Neighbouring lines of which the first stands at index of the short period.
@@ -182,19 +171,36 @@ struct Neighbours
     int count;
 };
 
-VECTOR_CLONES void gatherRun(LaneTurns w, const double* rowsRe, const double* rowsIm,
+// The sum over the lanes of row times twiddle, for each line.
+VECTOR_CLONES void gatherRun(const LaneTurns& turns, const double* rowsRe, const double* rowsIm,
                              Neighbours run, double* re, double* im)
 {
+    EightDoubles turnRe;
+    EightDoubles turnIm;
+    EightDoubles stepRe;
+    EightDoubles stepIm;
+    load(turns.re, turnRe);
+    load(turns.im, turnIm);
+    load(turns.stepRe, stepRe);
+    load(turns.stepIm, stepIm);
     for (int k = 0; k < run.count; ++k) {
         // Rows lie far apart: those that come next are on their way meanwhile.
         const std::ptrdiff_t coming =
             std::ptrdiff_t{run.rowOf[(run.index + k + prefetched) & run.mask]} * lanes;
-        PREFETCH(rowsRe + coming);
-        PREFETCH(rowsIm + coming);
+        for (const double* rows : {rowsRe + coming, rowsIm + coming}) {
+            PREFETCH(rows);
+            PREFETCH(rows + lanes - 1); // may lie in the next line of the cache
+        }
         const std::ptrdiff_t row = std::ptrdiff_t{run.rowOf[(run.index + k) & run.mask]} * lanes;
-        const Turn sum = gathered(w, rowsRe + row, rowsIm + row);
-        re[k] += sum.re;
-        im[k] += sum.im;
+        EightDoubles rowRe;
+        EightDoubles rowIm;
+        load(rowsRe + row, rowRe);
+        load(rowsIm + row, rowIm);
+        re[k] += total(rowRe * turnRe - rowIm * turnIm);
+        im[k] += total(rowRe * turnIm + rowIm * turnRe);
+        const EightDoubles next = turnRe * stepRe - turnIm * stepIm;
+        turnIm = turnRe * stepIm + turnIm * stepRe;
+        turnRe = next;
     }
 }
 
