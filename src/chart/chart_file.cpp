@@ -17,49 +17,6 @@ namespace {
 
 constexpr int textPixels = 22;
 
-void paint(const NprChartData& data, QPainter& painter)
-{
-    NprChartView view(textPixels);
-    view.resize(chartWidth, chartHeight);
-    for (QWidget* widget : {static_cast<QWidget*>(&view), view.viewport()}) {
-        QResizeEvent resized(view.size(), QSize());
-        QCoreApplication::sendEvent(widget, &resized); // comes with showing it otherwise
-    }
-    view.setData(data);
-    view.chart()->layout()->activate();
-    QCoreApplication::sendPostedEvents(); // layout and marks
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setRenderHint(QPainter::TextAntialiasing);
-    const QRect all(0, 0, chartWidth, chartHeight);
-    view.render(&painter, all, all);
-}
-
-QByteArray pngOf(const NprChartData& data)
-{
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    buffer.open(QIODevice::WriteOnly);
-    chartImage(data).save(&buffer, "PNG");
-    return bytes;
-}
-
-QByteArray svgOf(const NprChartData& data)
-{
-    constexpr int dotsPerInch = 96;
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    QSvgGenerator generator;
-    generator.setOutputDevice(&buffer);
-    generator.setSize({chartWidth, chartHeight});
-    generator.setViewBox(QRect(0, 0, chartWidth, chartHeight));
-    generator.setResolution(dotsPerInch);
-    generator.setTitle(data.device);
-    QPainter painter(&generator);
-    paint(data, painter);
-    painter.end();
-    return bytes;
-}
-
 bool endsIn(const QString& path, const char* suffix)
 {
     return path.endsWith(QLatin1String(suffix), Qt::CaseInsensitive);
@@ -78,12 +35,55 @@ std::unique_ptr<QCoreApplication> makeDrawingApplication(int& argc, char** argv)
     return application;
 }
 
+void paintChart(const NprChartData& data, QPainter& painter)
+{
+    NprChartView view(textPixels);
+    view.resize(chartWidth, chartHeight);
+    for (QWidget* widget : {static_cast<QWidget*>(&view), view.viewport()}) {
+        QResizeEvent resized(view.size(), QSize());
+        QCoreApplication::sendEvent(widget, &resized); // comes with showing it otherwise
+    }
+    view.setData(data);
+    view.chart()->layout()->activate();
+    QCoreApplication::sendPostedEvents(); // layout and marks
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::TextAntialiasing);
+    const QRect all(0, 0, chartWidth, chartHeight);
+    view.render(&painter, all, all);
+}
+
+QByteArray chartPng(const NprChartData& data)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    chartImage(data).save(&buffer, "PNG");
+    return bytes;
+}
+
+QByteArray chartSvg(const NprChartData& data)
+{
+    constexpr int dotsPerInch = 96;
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setSize({chartWidth, chartHeight});
+    generator.setViewBox(QRect(0, 0, chartWidth, chartHeight));
+    generator.setResolution(dotsPerInch);
+    generator.setTitle(data.device);
+    QPainter painter(&generator);
+    paintChart(data, painter);
+    painter.end();
+    return bytes;
+}
+
 QImage chartImage(const NprChartData& data)
 {
     QImage image(chartWidth, chartHeight, QImage::Format_RGB32);
     image.fill(Qt::white);
     QPainter painter(&image);
-    paint(data, painter);
+    paintChart(data, painter);
     return image;
 }
 
@@ -97,7 +97,7 @@ bool saveChart(const NprChartData& data, const QString& path)
     if (!isChartFile(path)) {
         return false;
     }
-    const QByteArray bytes = endsIn(path, ".png") ? pngOf(data) : svgOf(data);
+    const QByteArray bytes = endsIn(path, ".png") ? chartPng(data) : chartSvg(data);
     WholeFile file(path);
     return !bytes.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(bytes) >= 0 &&
            file.putInPlace();

@@ -3,12 +3,13 @@
 
 #include "chart/npr_chart_data.h"
 
-#include <QSize>
+#include <QByteArray>
 
 #include <memory>
 
 class QCoreApplication;
 class QImage;
+class QPainter;
 
 constexpr int chartWidth = 1600; // pixels
 constexpr int chartHeight = 1000;
@@ -17,8 +18,12 @@ constexpr int chartHeight = 1000;
 // be made in place of a QCoreApplication.
 std::unique_ptr<QCoreApplication> makeDrawingApplication(int& argc, char** argv);
 
-// Both need such an application, and run in its thread.
+// All need such an application or another one with widgets, and run in its thread.
 QImage chartImage(const NprChartData& data);
+QByteArray chartPng(const NprChartData& data);
+QByteArray chartSvg(const NprChartData& data);
+// chartWidth by chartHeight units from the painter's origin.
+void paintChart(const NprChartData& data, QPainter& painter);
 
 // By its ending ".png" or ".svg", whatever the case. False, and what stood there stays, for another
 // ending and where the file can't be written whole.

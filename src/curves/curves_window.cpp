@@ -1,5 +1,6 @@
 #include "curves/curves_window.h"
 
+#include "curves/draft_folder.h"
 #include "curves/notch_switches.h"
 #include "curves/result_file.h"
 #include "curves/running_curve.h"
@@ -26,13 +27,13 @@ const char hiddenHint[] = "Nothing is shown: check a result and a notch on the l
 } // namespace
 
 CurvesWindow::CurvesWindow(QWidget* parent)
-    : QMainWindow(parent), ui(std::make_unique<Ui::CurvesWindow>())
+    : QMainWindow(parent), ui(std::make_unique<Ui::CurvesWindow>()), drafts(new DraftFolder(this))
 {
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
     setWindowIcon(QIcon(QStringLiteral(":/Images/Resources/notchbench-curves.png")));
     ui->result_view->setModel(&model);
-    const QVector<int> widths = {110, 100, 110, 110, 40, 55, 105};
+    const QVector<int> widths = {130, 90, 135, 125, 45, 55, 110};
     for (int column = 0; column < widths.size(); ++column) {
         ui->result_view->setColumnWidth(column, widths.at(column));
     }
@@ -64,6 +65,7 @@ void CurvesWindow::connectActions()
     on(ui->action_measure, [this] { askForCurve(); });
     on(ui->action_stop, [this] { running->stop(); });
     on(ui->action_open, [this] { askForFiles(); });
+    on(ui->action_save, [this] { askToSave(); });
     on(ui->action_close, [this] { closeChosen(); });
     on(ui->action_quit, [this] { close(); });
     on(ui->action_over_level, [this] { ui->chart_tabs->setCurrentIndex(0); });
@@ -139,13 +141,6 @@ void CurvesWindow::open(const QStringList& paths)
     }
 }
 
-void CurvesWindow::closeChosen()
-{
-    for (const int id : chosenResults()) {
-        model.remove(id);
-    }
-}
-
 void CurvesWindow::choose(int id)
 {
     ui->result_view->selectRow(model.rowOf(id));
@@ -164,6 +159,7 @@ void CurvesWindow::refresh()
 {
     choice.results = chosenResults();
     ui->action_close->setEnabled(!choice.results.isEmpty());
+    ui->action_save->setEnabled(!chosenOrShown().isEmpty());
     refreshNotches();
     const bool isOverLevel = ui->chart_tabs->currentIndex() == 0;
     const PlotContent content = isOverLevel ? contentOverLevel(model.results(), choice)

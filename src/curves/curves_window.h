@@ -5,10 +5,12 @@
 #include "curves/plot_content.h"
 #include "curves/result_model.h"
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 
 #include <memory>
 
+class DraftFolder;
 class RunningCurve;
 
 namespace Ui {
@@ -30,12 +32,19 @@ public:
     // Measures what the words of the command line "curve" ask for. One curve at a time.
     void measure(const QStringList& words);
 
+    // By the ending of the name. False, with a message, when there is no such file afterwards.
+    bool save(const QVector<ShownResult>& results, const QString& path);
+
+    // Asks what is to become of results that a program left which couldn't ask.
+    void offerDrafts();
+
     const ResultModel& results() const { return model; }
 
     // A line in the bar above the chart, below those that stand there.
     void tell(const QString& message);
 
 protected:
+    void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
@@ -44,6 +53,13 @@ private:
     void connectLists();
     void askForFiles();
     void askForCurve();
+    void askToSave();
+    void noteSaved(ShownResult result, const QString& path);
+    bool mayLose(const QVector<ShownResult>& results);
+    void openDraft(const QString& path);
+    void keepRunning(const ShownResult& shown);
+    QVector<ShownResult> chosenOrShown() const;
+    QVector<ShownResult> unsaved(const QSet<int>& among) const;
     void showRunning();
     void takeRunning();
     void endRunning(const QString& failure);
@@ -60,6 +76,8 @@ private:
     std::unique_ptr<Ui::CurvesWindow> ui;
     ResultModel model;
     PlotChoice choice;
+    DraftFolder* drafts; // owned as a child
+    QElapsedTimer sinceDraft;
     std::unique_ptr<RunningCurve> running; // null when nothing is measured
     int runningId = 0;
     bool isListingNotches = false;

@@ -1,6 +1,7 @@
 // Measuring a curve from the window.
 #include "curves/bench_holders.h"
 #include "curves/curves_window.h"
+#include "curves/draft_folder.h"
 #include "curves/measure_dialog.h"
 #include "curves/running_curve.h"
 
@@ -61,10 +62,22 @@ void CurvesWindow::takeRunning()
     if (shown.id != 0) {
         model.change(shown);
     } else {
-        runningId = model.add(shown);
+        runningId = shown.id = model.add(shown);
         choose(runningId);
     }
+    keepRunning(shown);
     showRunning();
+}
+
+// Not at every news: writing a long result takes its time.
+void CurvesWindow::keepRunning(const ShownResult& shown)
+{
+    constexpr int interval = 1000; // ms
+    const bool isOver = shown.state == ShownResult::State::Unsaved;
+    if (isOver || !sinceDraft.isValid() || sinceDraft.elapsed() > interval) {
+        sinceDraft.start();
+        drafts->keep(shown.id, shown.result);
+    }
 }
 
 void CurvesWindow::endRunning(const QString& failure)

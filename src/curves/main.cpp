@@ -4,6 +4,8 @@
 #include "look/house_look.h"
 #include "look/steady_application.h"
 
+#include <QTimer>
+
 #include <csignal>
 
 int main(int argc, char* argv[])
@@ -21,5 +23,6 @@ int main(int argc, char* argv[])
     CurvesWindow window;
     window.open(QApplication::arguments().mid(1));
     window.show();
+    QTimer::singleShot(0, &window, &CurvesWindow::offerDrafts);
     return QApplication::exec();
 }

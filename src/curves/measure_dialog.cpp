@@ -34,6 +34,9 @@ MeasureDialog::MeasureDialog(QWidget* parent)
     ui->device_input->addItems(deviceNames());
     ui->device_input->setCurrentText(QStringLiteral("rapp"));
     ui->buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Measure"));
+    for (QAbstractButton* button : ui->buttons->buttons()) {
+        button->setIcon(QIcon()); // those of the desktop don't belong to the house's look
+    }
     constexpr int breath = 150; // ms
     pause.setSingleShot(true);
     pause.setInterval(breath);

@@ -1,5 +1,6 @@
 #include "curves/result_model.h"
 
+#include "curves/plot_content.h"
 #include "curves/result_texts.h"
 
 #include "chart/chart_style.h"
@@ -53,6 +54,9 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
     case Qt::CheckStateRole:
         return index.column() == Name ? QVariant(row.isShown ? Qt::Checked : Qt::Unchecked)
                                       : QVariant();
+    case Qt::DecorationRole: // with several results each has a colour in the chart
+        return index.column() == Device && rows.size() > 1 ? QVariant(resultColour(index.row()))
+                                                           : QVariant();
     case Qt::ForegroundRole:
         return index.column() == Verdict && text(row, Verdict) == "FAIL"
                    ? QVariant(ChartStyle::limitColour())
@@ -99,13 +103,6 @@ int ResultModel::rowOf(int id) const
     return found == rows.end() ? -1 : static_cast<int>(found - rows.begin());
 }
 
-bool ResultModel::hasUnsaved() const
-{
-    return std::any_of(rows.begin(), rows.end(), [](const ShownResult& row) {
-        return row.state != ShownResult::State::InFile;
-    });
-}
-
 int ResultModel::add(ShownResult result)
 {
     for (const ShownResult& row : qAsConst(rows)) {
@@ -139,4 +136,11 @@ void ResultModel::remove(int id)
         rows.remove(row);
         endRemoveRows();
     }
+}
+
+void ResultModel::removeAll()
+{
+    beginResetModel();
+    rows.clear();
+    endResetModel();
 }

@@ -26,13 +26,13 @@ public:
     const QVector<ShownResult>& results() const { return rows; }
     const ShownResult* find(int id) const; // null for none
     int rowOf(int id) const;               // -1 for none
-    bool hasUnsaved() const;               // running ones count
 
     // Gives the new row an id, which it returns. A result of the same file takes its place.
     int add(ShownResult result);
     // By its id; one that isn't there is passed over.
     void change(const ShownResult& result);
     void remove(int id);
+    void removeAll();
 
 private:
     QString text(const ShownResult& row, int column) const;

@@ -1,0 +1,202 @@
+// Saving results, and asking for those that weren't.
+#include "curves/curves_window.h"
+#include "curves/draft_folder.h"
+#include "curves/running_curve.h"
+#include "curves/saved_file.h"
+
+#include "base/background.h"
+#include "curves/result_file.h"
+#include "ui_curves_window.h"
+
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace {
+
+// The ending of the filter that was chosen, where the name has none.
+QString withEnding(const QString& name, const QString& filter)
+{
+    const QString ending = filter.section(QStringLiteral("*."), 1).chopped(1);
+    return name.isEmpty() || !QFileInfo(name).suffix().isEmpty() ? name : name + '.' + ending;
+}
+
+} // namespace
+
+QVector<ShownResult> CurvesWindow::chosenOrShown() const
+{
+    QVector<ShownResult> chosen;
+    QVector<ShownResult> shown;
+    for (const ShownResult& result : model.results()) {
+        if (choice.results.contains(result.id)) {
+            chosen << result;
+        }
+        if (result.isShown) {
+            shown << result;
+        }
+    }
+    return chosen.isEmpty() ? shown : chosen;
+}
+
+void CurvesWindow::askToSave()
+{
+    const QVector<ShownResult> results = chosenOrShown();
+    if (results.isEmpty()) {
+        return;
+    }
+    QString filter;
+    const QString proposed = QString(results.constFirst().name).replace(QChar(':'), QChar('-'));
+    const QString name = QFileDialog::getSaveFileName(this, QStringLiteral("Save"),
+                                                      QDir::current().filePath(proposed + ".json"),
+                                                      savingFilters(), &filter);
+    if (!name.isEmpty()) {
+        save(results, withEnding(name, filter));
+    }
+}
+
+bool CurvesWindow::save(const QVector<ShownResult>& results, const QString& path)
+{
+    if (results.size() > 1 && !takesSeveral(path)) {
+        tell("Can't save " + QString::number(results.size()) + " results as " + path +
+             ": such a file holds one; choose one, or a picture or a report.");
+        return false;
+    }
+    const QByteArray bytes = savedBytes(results, path);
+    if (bytes.isEmpty()) {
+        tell("Can't save " + path +
+             ": choose a name that ends in .json, .csv, .png, .svg or .pdf.");
+        return false;
+    }
+    if (!writeSavedFile(path, bytes)) {
+        tell("Can't write " + path + "; is there such a folder, and room on its disk?");
+        return false;
+    }
+    if (path.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive)) {
+        noteSaved(results.constFirst(), path);
+    }
+    return true;
+}
+
+// One that is still being measured isn't whole in the file.
+void CurvesWindow::noteSaved(ShownResult result, const QString& path)
+{
+    if (result.state != ShownResult::State::Running) {
+        drafts->forget(result.id);
+        result.state = ShownResult::State::InFile;
+        result.path = QFileInfo(path).absoluteFilePath();
+        result.name = QFileInfo(path).completeBaseName();
+        model.change(result);
+    }
+}
+
+QVector<ShownResult> CurvesWindow::unsaved(const QSet<int>& among) const
+{
+    QVector<ShownResult> found;
+    for (const ShownResult& result : model.results()) {
+        if (result.state != ShownResult::State::InFile && among.contains(result.id)) {
+            found << result;
+        }
+    }
+    return found;
+}
+
+bool CurvesWindow::mayLose(const QVector<ShownResult>& results)
+{
+    if (results.isEmpty()) {
+        return true;
+    }
+    QStringList names;
+    for (const ShownResult& result : results) {
+        names << result.name;
+    }
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("Save Results"),
+        QStringLiteral("Not saved: %1.\n\nSave before closing?").arg(names.join(", ")),
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer != QMessageBox::Save) {
+        return answer == QMessageBox::Discard;
+    }
+    for (const ShownResult& result : results) {
+        const QString name = QFileDialog::getSaveFileName(
+            this, "Save " + result.name, QDir::currentPath(), QStringLiteral("Result (*.json)"));
+        if (name.isEmpty() || !save({result}, withEnding(name, "(*.json)"))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void CurvesWindow::closeChosen()
+{
+    QSet<int> closing = chosenResults();
+    if (running != nullptr) {
+        closing.remove(runningId); // it ends by "Stop"
+    }
+    if (!mayLose(unsaved(closing))) {
+        return;
+    }
+    for (const int id : qAsConst(closing)) {
+        drafts->forget(id);
+        model.remove(id);
+    }
+}
+
+void CurvesWindow::closeEvent(QCloseEvent* event)
+{
+    QSet<int> all;
+    for (const ShownResult& result : model.results()) {
+        all.insert(result.id);
+    }
+    if (!mayLose(unsaved(all))) {
+        event->ignore();
+        return;
+    }
+    running.reset(); // its campaign ends in the background; the end of the program waits for it
+    for (const int id : qAsConst(all)) {
+        drafts->forget(id);
+    }
+    model.removeAll();
+    event->accept();
+}
+
+void CurvesWindow::offerDrafts()
+{
+    const QStringList paths = DraftFolder::leftOver();
+    if (paths.isEmpty()) {
+        return;
+    }
+    const auto answer = QMessageBox::question(
+        this, QStringLiteral("Unsaved Results"),
+        QStringLiteral(
+            "The program ended before %1 measured results were saved. Open them?\n\n\"No\" "
+            "deletes them.")
+            .arg(paths.size()),
+        QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer == QMessageBox::No) {
+        DraftFolder::decline(paths);
+    }
+    for (const QString& path : answer == QMessageBox::Yes ? paths : QStringList()) {
+        openDraft(path);
+    }
+}
+
+void CurvesWindow::openDraft(const QString& path)
+{
+    inBackground(
+        this, [path] { return readResultFile(path); },
+        [this, path](const ReadResult& read) {
+            if (!read.failure.isEmpty()) {
+                tell("Can't open " + path + ": " + read.failure + ".");
+                return;
+            }
+            ShownResult shown;
+            shown.name = "curve of " + read.result.started.left(16).replace('T', ' ');
+            shown.state = ShownResult::State::Unsaved;
+            shown.result = read.result;
+            const int id = model.add(shown);
+            drafts->adopt(id, path);
+            choose(id);
+        });
+}

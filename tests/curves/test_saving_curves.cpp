@@ -1,0 +1,209 @@
+// Results into files, and those that nobody saved.
+#include "curves/curves_window_test.h"
+#include "curves/draft_folder.h"
+#include "curves/report.h"
+#include "curves/result_file.h"
+
+#include <QStandardPaths>
+
+namespace {
+
+QDir draftsRoot()
+{
+    return {QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/unsaved"};
+}
+
+QByteArray contentOf(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// As a program leaves it that was killed.
+QString leaveDraft(const NprResult& result)
+{
+    draftsRoot().mkpath("gone");
+    return writeResult(draftsRoot().filePath("gone/1.json"), result);
+}
+
+int draftCount()
+{
+    int count = 0;
+    for (const QString& folder : draftsRoot().entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        count += QDir(draftsRoot().filePath(folder)).entryList({"*.json"}).size();
+    }
+    return count;
+}
+
+const QStringList quick = {"curve",     "default",      "--set",      "NPR/FFT Len=4096",
+                           "--notches", "2,1e6,-100,0", "--simulate", "rapp,saturation=0",
+                           "--levels",  "-30:-10:5"};
+
+} // namespace
+
+class TestSavingCurves : public CurvesWindowTest
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        draftsRoot().removeRecursively();
+        openWindow();
+    }
+    void cleanup() { closeWindow(); }
+
+    void everyFormIsWritten();
+    void theMenuSavesTheChosenResult();
+    void aFormOfOneResultTakesNoTwo();
+    void aNameOfNoFormIsRefused();
+    void aFolderThatIsMissingIsAMessage();
+    void theReportNamesPeaksRangesSettingsAndMarks();
+    void aMeasuredCurveIsKeptUntilItIsSaved();
+    void theEndAsksForWhatIsNotSaved();
+    void whatAKilledProgramLeftIsOffered();
+    void whatIsDeclinedIsDeleted();
+    void whatALivingProgramKeepsIsNotOffered();
+
+private:
+    QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
+    void measure();
+    void answerNextQuestion(QMessageBox::StandardButton button) const;
+};
+
+void TestSavingCurves::measure()
+{
+    window->measure(quick);
+    QTRY_VERIFY_WITH_TIMEOUT(window->results().rowCount() == 1 &&
+                                 window->results().results().constFirst().state ==
+                                     ShownResult::State::Unsaved,
+                             60000);
+    QTRY_COMPARE(draftCount(), 1);
+}
+
+void TestSavingCurves::answerNextQuestion(QMessageBox::StandardButton button) const
+{
+    operate->onNext<QMessageBox>(
+        [button](QMessageBox* box) { QTest::mouseClick(box->button(button), Qt::LeftButton); });
+}
+
+void TestSavingCurves::everyFormIsWritten()
+{
+    openResult("a.json", roofs(2));
+    const QVector<ShownResult> results = window->results().results();
+    for (const char* name : {"b.json", "b.csv", "b.png", "b.svg", "b.pdf"}) {
+        QVERIFY2(window->save(results, path(name)), name);
+    }
+    QCOMPARE(readResultFile(path("b.json")).result.points.size(), 82);
+    QCOMPARE(contentOf(path("b.csv")).count('\n'), 83);
+    QCOMPARE(QImage(path("b.png")).size(), QSize(1600, 1000));
+    QVERIFY(contentOf(path("b.svg")).contains("<svg"));
+    const QByteArray report = contentOf(path("b.pdf"));
+    QVERIFY(report.startsWith("%PDF"));
+    QCOMPARE(report.count("/Type /Page\n"), 1);
+}
+
+void TestSavingCurves::theMenuSavesTheChosenResult()
+{
+    openResult("a.json", roofs(2));
+    operate->answerFileDialog(path("picture.png"));
+    operate->trigger("action_save");
+    QVERIFY(!QImage(path("picture.png")).isNull());
+}
+
+void TestSavingCurves::aFormOfOneResultTakesNoTwo()
+{
+    openResult("a.json", roofs(1));
+    openResult("b.json", roofs(1));
+    QVERIFY(!window->save(window->results().results(), path("both.csv")));
+    QVERIFY(operate->text("message_text").contains("choose one"));
+    QVERIFY(window->save(window->results().results(), path("both.pdf")));
+}
+
+void TestSavingCurves::aNameOfNoFormIsRefused()
+{
+    openResult("a.json", roofs(1));
+    QVERIFY(!window->save(window->results().results(), path("a.xlsx")));
+    QVERIFY(operate->text("message_text").contains(".csv"));
+    QVERIFY(!QFile::exists(path("a.xlsx")));
+}
+
+void TestSavingCurves::aFolderThatIsMissingIsAMessage()
+{
+    openResult("a.json", roofs(1));
+    QVERIFY(!window->save(window->results().results(), path("missing/a.csv")));
+    QVERIFY(operate->text("message_text").contains("missing/a.csv"));
+}
+
+void TestSavingCurves::theReportNamesPeaksRangesSettingsAndMarks()
+{
+    ShownResult shown;
+    shown.name = "cold & old";
+    shown.result = roofs(2);
+    shown.result.points[0].addMark(PointMark::overload);
+    const QString html = reportHtml({shown});
+    const QString minus = QChar(0x2212);
+    QVERIFY(html.contains("<td>cold &amp; old</td><td>2</td><td>52.0</td><td>" + minus + "20.00<"));
+    QVERIFY(html.contains("22.0 dB over 41 dB (" + minus + "31.0 to " + minus + "9.0 dBm)"));
+    QVERIFY(html.contains("131072 points at 100 MHz"));
+    QVERIFY(html.contains("overload (1 points)"));
+}
+
+void TestSavingCurves::aMeasuredCurveIsKeptUntilItIsSaved()
+{
+    measure();
+    QVERIFY(window->save(window->results().results(), path("saved.json")));
+    QCOMPARE(window->results().results().constFirst().state, ShownResult::State::InFile);
+    QTRY_COMPARE(draftCount(), 0);
+}
+
+void TestSavingCurves::theEndAsksForWhatIsNotSaved()
+{
+    measure();
+    answerNextQuestion(QMessageBox::Cancel);
+    QVERIFY(!window->close());
+    QCOMPARE(draftCount(), 1);
+    answerNextQuestion(QMessageBox::Discard);
+    QVERIFY(window->close());
+    QCOMPARE(draftCount(), 0);
+}
+
+void TestSavingCurves::whatAKilledProgramLeftIsOffered()
+{
+    leaveDraft(roofs(2));
+    answerNextQuestion(QMessageBox::Yes);
+    window->offerDrafts();
+    QTRY_COMPARE(window->results().rowCount(), 1);
+    QCOMPARE(window->results().results().constFirst().state, ShownResult::State::Unsaved);
+    QCOMPARE(draftCount(), 1); // in this window's folder now
+    closeWindow();
+    openWindow();
+    answerNextQuestion(QMessageBox::Yes);
+    window->offerDrafts();
+    QTRY_COMPARE(window->results().rowCount(), 1);
+    QVERIFY(window->save(window->results().results(), path("late.json")));
+    QCOMPARE(draftCount(), 0);
+}
+
+void TestSavingCurves::whatIsDeclinedIsDeleted()
+{
+    leaveDraft(roofs(2));
+    answerNextQuestion(QMessageBox::No);
+    window->offerDrafts();
+    QCOMPARE(draftCount(), 0);
+    window->offerDrafts(); // asks nothing any more
+    QCOMPARE(window->results().rowCount(), 0);
+}
+
+void TestSavingCurves::whatALivingProgramKeepsIsNotOffered()
+{
+    DraftFolder other;
+    other.keep(1, roofs(1));
+    QTRY_COMPARE(draftCount(), 1);
+    QCOMPARE(DraftFolder::leftOver(), QStringList());
+    other.forget(1);
+    QCOMPARE(draftCount(), 0);
+}
+
+QTEST_MAIN(TestSavingCurves)
+#include "test_saving_curves.moc"
