@@ -54,9 +54,9 @@ void TestLevelSweep::channelsHoldWhatAChainPutsThere_data()
     QTest::addColumn<Chain*>("chain");
     static Chain chains[8];
     int row = 0;
-    for (const QString& device : {"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
+    for (const char* device : {"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
         chains[row] = chainOf(device);
-        QTest::newRow(qPrintable(device)) << &chains[row];
+        QTest::newRow(device) << &chains[row];
         ++row;
     }
     chains[6] = chainOf(QStringLiteral("rapp"));
