@@ -94,6 +94,7 @@ private slots:
     void mistakesAreStatusTwo();
     void aFileThatCannotBeWrittenIsStatusThree_data();
     void aFileThatCannotBeWrittenIsStatusThree();
+    void aPictureThatFindsNoRoomIsStatusThree();
     void theoryStandsBesideTheReading();
     void aPictureNeedsNoDisplay();
     void anInterruptionKeepsWhatWasMeasured_data();
@@ -367,6 +368,22 @@ void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree()
     QCOMPARE(run.status, 3);
     QVERIFY(run.err.contains(file));
     QVERIFY(run.out.contains("NPR/dB"));
+}
+
+// A limit of 512 or 1024 bytes a file, by the shell, stands for a full disk.
+void TestCliMeasure::aPictureThatFindsNoRoomIsStatusThree()
+{
+    for (const char* picture : {"c.png", "c.svg"}) {
+        const QStringList words = measuring(rapp + QStringList{"--plot", picture});
+        cli->process.start(
+            "sh", QStringList{"-c", "ulimit -f 1; exec \"$0\" \"$@\"", NOTCHBENCH_CLI} + words);
+        QVERIFY(cli->process.waitForFinished(60000));
+        QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(cli->process.exitCode(), 3);
+        QVERIFY(cli->process.readAllStandardError().contains(picture));
+        QVERIFY(cli->process.readAllStandardOutput().contains("NPR/dB"));
+        QVERIFY(!QFile::exists(cli->path(picture)));
+    }
 }
 
 void TestCliMeasure::theoryStandsBesideTheReading()
