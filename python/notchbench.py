@@ -10,8 +10,7 @@
         curve = result.curve(notch)
         print(notch, curve.level_dbm[curve.npr_db.argmax()])
 
-One file that needs Python 3.9 and NumPy, nothing else. Frequencies are in Hz, levels in dBm, ratios
-in dB. What a file or a bench doesn't tell is NaN in an array of numbers.
+One file that needs Python 3.9 and NumPy, nothing else. Frequencies are in Hz, ratios in dB. What a file or a bench doesn't tell is NaN in an array of numbers.
 """
 
 from __future__ import annotations
@@ -185,14 +184,17 @@ def fetch_signal(host: str = "localhost", port: int = 1000, timeout: float = 10.
 class Points:
     """Points of a result as arrays of one length; what each means is told in docs/result.md.
 
-    passed holds None for points without a limit.
+    Levels and powers are in dBm, or in dBFS for a recording whose level nobody told; those in the
+    other unit are NaN. passed holds None for points without a limit.
     """
 
     level_dbm: Numbers
+    level_dbfs: Numbers
     notch: NDArray[np.int64]
     center_hz: Numbers
     width_hz: Numbers
     power_dbm: Numbers
+    power_dbfs: Numbers
     npr_db: Numbers
     sigma_db: Numbers
     evm_percent: Numbers
@@ -229,12 +231,16 @@ class Result:
     def curve(self, notch: int) -> Points:
         """The points of one notch by rising level; none for a notch that wasn't measured."""
         rows = [row for row in self.document["points"] if row["notch"] == notch]
-        return _points(sorted(rows, key=lambda row: _number(row, "level_dbm")))
+        return _points(sorted(rows, key=_level))
 
 
 def _number(row: dict[str, Any], name: str) -> float:
     value = row.get(name)
     return math.nan if value is None else float(value)
+
+
+def _level(row: dict[str, Any]) -> float:
+    return _number(row, "level_dbm" if "level_dbm" in row else "level_dbfs")
 
 
 def _points(rows: Sequence[dict[str, Any]]) -> Points:
@@ -243,10 +249,12 @@ def _points(rows: Sequence[dict[str, Any]]) -> Points:
 
     return Points(
         level_dbm=column("level_dbm"),
+        level_dbfs=column("level_dbfs"),
         notch=np.array([row["notch"] for row in rows], dtype=np.int64),
         center_hz=column("center_hz"),
         width_hz=column("width_hz"),
         power_dbm=column("power_dbm"),
+        power_dbfs=column("power_dbfs"),
         npr_db=column("npr_db"),
         sigma_db=column("sigma_db"),
         evm_percent=column("evm_percent"),
@@ -286,7 +294,7 @@ def run(
     """Run a command of notchbench-cli that takes --json, and give back its result.
 
     config is a configuration file, or "default". arguments follow as on the command line, numbers
-    as they are: run("measure", "bench.cfg", "--average", 4). A missed limit isn't an error: see
+    as they are: run("measure", "bench.cfg", "--average", 4), run("analyze", "bench.cfg", "r.npy"). A missed limit isn't an error: see
     Result.passed. Everything else that goes wrong raises ProgramError, a program that isn't there
     OSError.
 

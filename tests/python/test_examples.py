@@ -12,7 +12,7 @@ import numpy as np
 import pytest
 
 import notchbench
-from conftest import ROOT
+from conftest import ROOT, SIGNAL
 
 EXAMPLES = sorted((ROOT / "examples").glob("*.py"))
 
@@ -57,3 +57,24 @@ def test_a_curve_is_a_table(environment: dict[str, str]) -> None:
     assert np.all(table[-1, 1:] < 20.0)
     best = [float(line.split()[-2]) for line in lines[12:]]
     assert len(best) == 3 and min(best) > table[:, 1:].max() - 1.0
+
+
+def test_a_recording_reads_as_what_fills_its_notches(
+    environment: dict[str, str], program: str
+) -> None:
+    """A converter whose steps lie far below the signal adds noise of step^2 / 12 to each part."""
+    subprocess.run([program, "signal", *SIGNAL, "--out", "sent", "--format", "npy"], check=True)
+    sent = np.load("sent.npy").astype(complex)
+    step = 0.02
+    rounded = step * (np.round(sent.real / step) + 1j * np.round(sent.imag / step))
+    np.save("recorded.npy", rounded.astype(np.complex64))
+    lines = run(environment, "npr_of_recording.py", SIGNAL[0], "recorded.npy", *SIGNAL[1:],
+                "--rate", 5e7).splitlines()
+    assert [float(line.split()[0]) for line in lines[:3]] == pytest.approx([-10, 0, 10], abs=0.01)
+    band = 0.8 - 3 * 2e6 / 5e7  # the share of the rate that the signal fills
+    noise = 2 * step**2 / 12
+    expected = 10 * np.log10(np.mean(np.abs(sent) ** 2) / band / noise)
+    for line in lines[:3]:
+        npr, within = (float(number) for number in re.findall(r"([\d.]+) dB", line))
+        assert abs(npr - expected) < 2 * within and within < 0.6
+    assert lines[3].endswith(" dBFS, by whole periods")

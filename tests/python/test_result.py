@@ -70,6 +70,16 @@ def test_a_curve_is_one_notch_by_rising_level() -> None:
     assert len(result.curve(3)) == 0
 
 
+def test_levels_of_recordings_are_in_decibels_of_full_scale() -> None:
+    rows = [point(level_dbfs=level, power_dbfs=level - 15) for level in (-6, -12)]
+    for row in rows:
+        del row["level_dbm"], row["power_dbm"]
+    curve = notchbench.read_result(write(rows)).curve(1)
+    assert curve.level_dbfs.tolist() == [-12, -6]
+    assert curve.power_dbfs.tolist() == [-27, -21]
+    assert np.isnan(curve.level_dbm).all() and np.isnan(curve.power_dbm).all()
+
+
 @pytest.mark.parametrize(
     ("passed", "verdict"),
     [((None, None), None), ((True, True), True), ((True, False), False), ((), None)],
@@ -83,7 +93,7 @@ def test_members_that_are_not_known_are_passed_over_and_missing_numbers_are_nan(
     row = point(colour="blue")
     del row["level_dbm"]
     result = notchbench.read_result(write([row], more={}))
-    assert math.isnan(result.points.level_dbm[0])
+    assert math.isnan(result.points.level_dbm[0]) and math.isnan(result.points.level_dbfs[0])
 
 
 @pytest.mark.parametrize(
