@@ -186,7 +186,7 @@ void TestNprMeasurementThread::stoppedWhilePausedItEndsWithoutMeasuring()
     thread.pause();
     thread.start(QThread::InheritPriority);
     thread.stop();
-    QTRY_VERIFY(thread.isFinished());
+    QVERIFY(thread.wait(10000));
     QCOMPARE(device.takeReceived(), QByteArray());
 }
 
@@ -208,7 +208,7 @@ void TestNprMeasurementThread::stoppedInItsSleepItWakesAndEnds()
     }
     QTRY_COMPARE(stateOfThread(id), 'S');
     thread.stop();
-    QTRY_VERIFY(thread.isFinished());
+    QVERIFY(thread.wait(10000));
 }
 
 void TestNprMeasurementThread::destructionInTheMiddleOfAMeasurementWaitsForIt()
