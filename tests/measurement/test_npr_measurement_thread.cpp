@@ -328,7 +328,7 @@ void TestNprMeasurementThread::aFailingDeviceDoesNotFillTheQueue()
     QVERIFY(passes.tryAcquire(3, 10000));
     QVERIFY(!passes.tryAcquire(1, 100));
     QTRY_VERIFY(passes.available() >= 3); // and goes on with it
-    thread.stop();                     // while there is somebody to count
+    thread.stop();                        // while there is somebody to count
     QVERIFY(thread.wait(10000));
 }
 
