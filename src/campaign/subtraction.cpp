@@ -94,6 +94,10 @@ QString objectionToSubtracting(const NprResult& without, const NprResult& wanted
                                const CampaignPlan& plan)
 {
     constexpr double rounding = 1e-5; // a file keeps six digits
+    if (without.levelUnit != wanted.levelUnit) {
+        return "its levels are in " + nameOf(without.levelUnit) + " and not in " +
+               nameOf(wanted.levelUnit);
+    }
     const double its = noiseBandwidth(without);
     const double ours = noiseBandwidth(wanted);
     if (!(std::abs(its - ours) <= rounding * ours)) {

@@ -129,6 +129,10 @@ void TestSubtraction::refusalsAreKnownBeforehand()
     QCOMPARE(objectionToSubtracting(resultOf("1e+08", "0.5"), wanted, plan),
              QString("its noise is 5e+07 Hz wide and not 8e+07 Hz"));
     QVERIFY(!objectionToSubtracting(NprResult(), wanted, plan).isEmpty());
+    NprResult recorded = wanted;
+    recorded.levelUnit = LevelUnit::Dbfs;
+    QCOMPARE(objectionToSubtracting(recorded, wanted, plan),
+             QString("its levels are in dBFS and not in dBm"));
     plan.levels << 0.0;
     QVERIFY(objectionToSubtracting(wanted, wanted, plan).contains("no point at 0 dBm"));
     plan.levels = {-5.0};
