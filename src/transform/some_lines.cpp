@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <memory>
 #include <utility>
 
 namespace {
@@ -187,10 +188,8 @@ VECTOR_CLONES void gatherRun(const LaneTurns& turns, const double* rowsRe, const
         // Rows lie far apart: those that come next are on their way meanwhile.
         const std::ptrdiff_t coming =
             std::ptrdiff_t{run.rowOf[(run.index + k + prefetched) & run.mask]} * lanes;
-        for (const double* rows : {rowsRe + coming, rowsIm + coming}) {
-            PREFETCH(rows);
-            PREFETCH(rows + lanes - 1); // may lie in the next line of the cache
-        }
+        PREFETCH(rowsRe + coming);
+        PREFETCH(rowsIm + coming);
         const std::ptrdiff_t row = std::ptrdiff_t{run.rowOf[(run.index + k) & run.mask]} * lanes;
         EightDoubles rowRe;
         EightDoubles rowIm;
@@ -220,6 +219,16 @@ VECTOR_CLONES void takeLanes(const double* samples, double* rows, int count)
             rows[std::ptrdiff_t{row} * lanes + l] = samples[std::ptrdiff_t{row} * parts + l];
         }
     }
+}
+
+// Room for rows that each lie in one line of the cache.
+double* beginOfRows(std::vector<double>& buffer, std::size_t size)
+{
+    constexpr std::size_t row = lanes * sizeof(double);
+    buffer.resize(size + lanes);
+    void* begin = buffer.data();
+    std::size_t room = buffer.size() * sizeof(double);
+    return static_cast<double*>(std::align(row, size * sizeof(double), begin, room));
 }
 
 } // namespace
@@ -271,17 +280,15 @@ QVector<double> SomeLines::powers(const double* re, const double* im) const
 QVector<double> SomeLines::powers(const Fill& fill, Workspace& workspace) const
 {
     const auto size = static_cast<std::size_t>(shortPeriod) * lanes;
-    Lines& rows = workspace.rows;
-    rows.re.resize(size);
-    rows.im.resize(size);
+    double* const re = beginOfRows(workspace.rows.re, size);
+    double* const im = beginOfRows(workspace.rows.im, size);
     Lines& sums = workspace.sums;
     sums.re.assign(static_cast<std::size_t>(lineCount), 0.0);
     sums.im.assign(static_cast<std::size_t>(lineCount), 0.0);
     for (int group = 0; group < groupCount; ++group) {
-        fill(group, rows.re.data(), rows.im.data());
-        transformRows({rows.re.data(), rows.im.data(), shortPeriod},
-                      {twiddles.re.data(), twiddles.im.data(), shortPeriod});
-        addLanes(group * lanes, rows, sums);
+        fill(group, re, im);
+        transformRows({re, im, shortPeriod}, {twiddles.re.data(), twiddles.im.data(), shortPeriod});
+        addLanes(group * lanes, re, im, sums);
     }
     return powersOf(sums);
 }
@@ -301,7 +308,7 @@ QVector<double> SomeLines::powersOf(const Lines& sums) const
     return result;
 }
 
-void SomeLines::addLanes(int lane, const Lines& rows, Lines& sums) const
+void SomeLines::addLanes(int lane, const double* rowsRe, const double* rowsIm, Lines& sums) const
 {
     const int mask = shortPeriod - 1;
     std::size_t at = 0;
@@ -311,8 +318,7 @@ void SomeLines::addLanes(int lane, const Lines& rows, Lines& sums) const
         std::copy_n(run.turns.im.data() + lane, lanes, w.im);
         std::copy_n(steps.re.data() + lane, lanes, w.stepRe);
         std::copy_n(steps.im.data() + lane, lanes, w.stepIm);
-        gatherRun(w, rows.re.data(), rows.im.data(),
-                  {rowOf.data(), run.lines.first & mask, mask, run.lines.count},
+        gatherRun(w, rowsRe, rowsIm, {rowOf.data(), run.lines.first & mask, mask, run.lines.count},
                   sums.re.data() + at, sums.im.data() + at);
         at += static_cast<std::size_t>(run.lines.count);
     }

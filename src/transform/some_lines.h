@@ -62,7 +62,7 @@ private:
     };
 
     void addRuns(Range range);
-    void addLanes(int lane, const Lines& rows, Lines& sums) const;
+    void addLanes(int lane, const double* rowsRe, const double* rowsIm, Lines& sums) const;
     QVector<double> powersOf(const Lines& sums) const;
 
     int period;
