@@ -89,10 +89,17 @@ void StatusServer::takeClientOf(QTcpServer* from)
     watch(socket);
     client = socket;
     requestWaits = false;
+    if (!socket->isOpen()) { // it went while it waited to be taken
+        clientLeft(socket);
+        return;
+    }
     send(greeting(setup));
     // A client that went while it was greeted has already been reported as gone.
     if (socket->state() == QAbstractSocket::ConnectedState) {
         emit clientChanged(true);
+        if (socket->bytesAvailable() > 0) { // reported before anybody listened
+            answerRequest();
+        }
     }
 }
 
@@ -108,7 +115,7 @@ void StatusServer::watch(QTcpSocket* socket)
 
 void StatusServer::answerRequest()
 {
-    if (!client) {
+    if (!client || !client->isOpen()) { // gone, or about to be
         return;
     }
     // A client that asks and never reads would make the program hold ever more for it.

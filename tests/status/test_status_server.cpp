@@ -52,6 +52,8 @@ private slots:
     void askedForNewDataTheRecordForgetsThem();
     void readTakesAtMost1024Bytes();
     void unreadBytesOfAClientAreBounded();
+    void requestSentBeforeTheGreetingIsAnswered();
+    void clientThatWentBeforeItWasGreetedLeavesNothing();
     void unheardBytesWaitAtTheSender_data();
     void unheardBytesWaitAtTheSender();
     void secondClientTakesThePlaceOfTheFirst();
@@ -181,6 +183,33 @@ void TestStatusServer::unreadBytesOfAClientAreBounded()
     QTRY_COMPARE(client->socket.bytesToWrite(), 0);
     QVERIFY(mostUnread > 1000000); // it read less than it was sent
     QVERIFY(mostUnread <= 1048576);
+}
+
+void TestStatusServer::requestSentBeforeTheGreetingIsAnswered()
+{
+    StatusClient client;
+    client.socket.connectToHost(QStringLiteral("127.0.0.1"), server->port());
+    QVERIFY(client.socket.waitForConnected(5000)); // the server has not had its turn
+    client.send("GetServerID");
+    QCOMPARE(client.take(24), hex(greetingBytes));
+    QCOMPARE(client.take(100).left(4), hex("04000000"));
+    QVERIFY(client.isSilentBeforeIdentity());
+}
+
+void TestStatusServer::clientThatWentBeforeItWasGreetedLeavesNothing()
+{
+    for (int i = 0; i < 20; ++i) {
+        QTcpSocket hasty;
+        hasty.connectToHost(QStringLiteral("127.0.0.1"), server->port());
+        QVERIFY(hasty.waitForConnected(5000));
+        hasty.write("GetServerID");
+        hasty.waitForBytesWritten(5000);
+        hasty.abort();
+    }
+    const auto settled = [this] { return greetedClient()->isSilentBeforeIdentity(); };
+    QTRY_VERIFY(settled());
+    QTRY_VERIFY(peers().isEmpty());
+    QCOMPARE(reports->constLast().constFirst().toBool(), false);
 }
 
 void TestStatusServer::unheardBytesWaitAtTheSender_data()
