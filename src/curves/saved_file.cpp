@@ -22,9 +22,7 @@ const Form forms[] = {
     {"json", "Result (*.json)", false,
      [](const QVector<ShownResult>& results) { return resultToJson(results.constFirst().result); }},
     {"csv", "Table of points (*.csv)", false,
-     [](const QVector<ShownResult>& results) {
-         return pointsToCsv(results.constFirst().result.points);
-     }},
+     [](const QVector<ShownResult>& results) { return pointsToCsv(results.constFirst().result); }},
     {"png", "Picture (*.png)", true,
      [](const QVector<ShownResult>& results) { return chartPng(pictureOf(results)); }},
     {"svg", "Drawing (*.svg)", true,
