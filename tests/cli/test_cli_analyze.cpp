@@ -39,6 +39,13 @@ QVector<double> numbersOf(const QJsonObject& result, const char* member)
     return numbers;
 }
 
+qint64 bytesReadBy(qint64 process)
+{
+    QFile file(QStringLiteral("/proc/%1/io").arg(process));
+    const QByteArray first = file.open(QIODevice::ReadOnly) ? file.readLine() : QByteArray();
+    return first.mid(int(sizeof("rchar:"))).trimmed().toLongLong();
+}
+
 } // namespace
 
 class TestCliAnalyze : public QObject
@@ -57,7 +64,8 @@ private slots:
     void wrongUsageIsToldBeforeAnythingIsRead();
     void filesThatCantBeReadAreTold_data();
     void filesThatCantBeReadAreTold();
-    void gigabytesTakeLittleMemory();
+    void resultsInOtherUnitsAreNotDrawnTogether();
+    void gigabytesTakeLittleMemoryAndCanBeLeft();
 
 private:
     CliRun analyze(const QStringList& words)
@@ -224,8 +232,20 @@ void TestCliAnalyze::filesThatCantBeReadAreTold()
     QVERIFY2(run.errLines().last().contains(message), qPrintable(run.err));
 }
 
+void TestCliAnalyze::resultsInOtherUnitsAreNotDrawnTogether()
+{
+    const QString file = quantised("units.ci8", 4.0);
+    QCOMPARE(analyze({file, "--rate", "1e8", "--json", "dbfs.json"}).status, 0);
+    QCOMPARE(analyze({file, "--rate", "1e8", "--level", "-3", "--json", "dbm.json"}).status, 0);
+    const CliRun run = cli.run({"plot", "dbfs.json", "dbm.json", "--csv", "both.csv"});
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.err.contains("dbm.json has its levels in dBm"), qPrintable(run.err));
+    QCOMPARE(cli.run({"plot", "dbfs.json", "dbfs.json", "--csv", "both.csv"}).status, 0);
+    QVERIFY(bytesOf(cli.path("both.csv")).contains("distortion_npr_db,result\n"));
+}
+
 // Of which the signal is the beginning, and a hole is the rest.
-void TestCliAnalyze::gigabytesTakeLittleMemory()
+void TestCliAnalyze::gigabytesTakeLittleMemoryAndCanBeLeft()
 {
 #if defined(Q_OS_UNIX) && !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
     const QString path = cli.path("long.cf64");
@@ -236,7 +256,13 @@ void TestCliAnalyze::gigabytesTakeLittleMemory()
         QVERIFY(file.resize(qint64{5} << 30));
     }
     // The beginning are pairs of floats and not doubles: anything that is no zero will do.
-    const CliRun run = analyze({path, "--rate", "1e8", "--quiet"});
+    const QStringList words{path, "--rate", "1e8", "--quiet"};
+    cli.process.start(NOTCHBENCH_CLI, QStringList{"analyze"} + config + words);
+    QTRY_VERIFY_WITH_TIMEOUT(bytesReadBy(cli.process.processId()) > 100000000, 60000);
+    cli.process.terminate();
+    QVERIFY(cli.process.waitForFinished(30000));
+    QCOMPARE(cli.process.exitCode(), 143);
+    const CliRun run = analyze(words);
     QFile::remove(path);
     QVERIFY2(run.status == 0, qPrintable(run.err));
     rusage usage{};
