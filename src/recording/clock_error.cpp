@@ -200,7 +200,8 @@ public:
             periods = std::min(periods, most);
             const auto apart = std::llround(static_cast<double>(periods) * found.samples);
             const Shift shift = shiftAfter(apart);
-            if (!(shift.coherence > leastCoherence)) {
+            // Not-a-number comes of values whose squares are beyond all bounds.
+            if (!(shift.coherence > leastCoherence && std::abs(shift.samples) <= mostShift + 1.0)) {
                 return std::nullopt;
             }
             found.samples =
