@@ -131,24 +131,32 @@ CurvePlot::Drawn CurvePlot::draw(const PlotLine& line)
     return drawn;
 }
 
+// Points are given anew only where they changed: the chart works each of them out again.
 void CurvePlot::redraw(Drawn& drawn, const PlotLine& line)
 {
-    const bool isUnchanged = drawn.line.points == line.points &&
-                             drawn.line.isShown == line.isShown && drawn.line.colour == line.colour;
-    if (!isUnchanged) {
+    if (drawn.line.points != line.points || drawn.line.colour != line.colour) {
         fill(line, drawn.series, drawn.band);
+    }
+    for (QAbstractSeries* series : seriesOf(drawn)) {
+        series->setVisible(line.isShown);
     }
     drawn.line = line;
 }
 
+QVector<QAbstractSeries*> CurvePlot::seriesOf(const Drawn& drawn)
+{
+    QVector<QAbstractSeries*> all{drawn.series};
+    if (drawn.band != nullptr) {
+        all << drawn.band;
+    }
+    return all;
+}
+
 void CurvePlot::erase(const Drawn& drawn)
 {
-    for (QAbstractSeries* series :
-         {static_cast<QAbstractSeries*>(drawn.band), static_cast<QAbstractSeries*>(drawn.series)}) {
-        if (series != nullptr) {
-            chart->removeSeries(series);
-            delete series;
-        }
+    for (QAbstractSeries* series : seriesOf(drawn)) {
+        chart->removeSeries(series);
+        delete series;
     }
 }
 

@@ -77,6 +77,7 @@ private:
     void placeTicks(QtCharts::QValueAxis& axis, double low, double high);
     Drawn draw(const PlotLine& line);
     void redraw(Drawn& drawn, const PlotLine& line);
+    static QVector<QtCharts::QAbstractSeries*> seriesOf(const Drawn& drawn);
     void erase(const Drawn& drawn);
     void attach(QtCharts::QAbstractSeries* series);
     void drawLevels();

@@ -7,41 +7,45 @@
 #include "chart/chart_texts.h"
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
 
 namespace {
 
 constexpr int paletteSize = 7; // of ChartStyle; then its colours come darker, then lighter
 constexpr int ticks = 9;
 
-using Points = QVector<NprPoint>;
+// Of a result that stays; points of several thousand lines aren't copied.
+using Points = QVector<const NprPoint*>;
 
 // The points of each key, keys and points by rising order.
-template <class Key, class Less>
-QMap<double, Points> grouped(const Points& points, Key key, Less isBefore)
+template <class Key, class Order>
+QMap<double, Points> grouped(const QVector<NprPoint>& points, Key key, Order order)
 {
     QMap<double, Points> groups;
     for (const NprPoint& point : points) {
-        groups[key(point)] << point;
+        groups[key(point)] << &point;
     }
     for (Points& group : groups) {
-        std::stable_sort(group.begin(), group.end(), isBefore);
+        std::stable_sort(
+            group.begin(), group.end(),
+            [&order](const NprPoint* a, const NprPoint* b) { return order(*a) < order(*b); });
     }
     return groups;
 }
 
-QMap<double, Points> byNotch(const Points& points)
+double levelOf(const NprPoint& point)
 {
-    return grouped(
-        points, [](const NprPoint& point) { return double(point.notch); },
-        [](const NprPoint& a, const NprPoint& b) { return a.level < b.level; });
+    return point.level;
 }
 
-QMap<double, Points> byLevel(const Points& points)
+double megahertzOf(const NprPoint& point)
 {
-    return grouped(
-        points, [](const NprPoint& point) { return point.level; },
-        [](const NprPoint& a, const NprPoint& b) { return a.center < b.center; });
+    return point.center / 1e6;
+}
+
+double numberOf(const NprPoint& point)
+{
+    return point.notch;
 }
 
 // Appends a line like the pattern for each run of points with a ratio.
@@ -56,9 +60,9 @@ void addRuns(const PlotLine& pattern, const Points& points, X xOf, QVector<PlotL
             ++line.run;
         }
     };
-    for (const NprPoint& point : points) {
-        if (point.npr) {
-            line.points << PlotPoint{{xOf(point), *point.npr}, point.sigma, point.level};
+    for (const NprPoint* point : points) {
+        if (point->npr) {
+            line.points << PlotPoint{{xOf(*point), *point->npr}, point->sigma, point->level};
         } else {
             finish();
         }
@@ -66,48 +70,46 @@ void addRuns(const PlotLine& pattern, const Points& points, X xOf, QVector<PlotL
     finish();
 }
 
-double levelOf(const NprPoint& point)
+// Lowest and highest of values.
+struct Ends
 {
-    return point.level;
-}
-
-double megahertzOf(const NprPoint& point)
-{
-    return point.center / 1e6;
-}
-
-void include(double value, QVector<double>& ends)
-{
-    if (ends.isEmpty()) {
-        ends = {value, value};
+    void include(double value)
+    {
+        low = std::min(low, value);
+        high = std::max(high, value);
     }
-    ends[0] = std::min(ends.at(0), value);
-    ends[1] = std::max(ends.at(1), value);
-}
+    QVector<double> values() const
+    {
+        return low > high ? QVector<double>() : QVector<double>{low, high};
+    }
+
+    double low = std::numeric_limits<double>::infinity();
+    double high = -std::numeric_limits<double>::infinity();
+};
 
 // Theory may go where nothing was measured, and doesn't widen the ratios.
 PlotSpan spanAround(const PlotContent& content)
 {
-    QVector<double> x;
-    QVector<double> y;
+    Ends x;
+    Ends y;
     for (const double threshold : content.thresholds) {
-        include(threshold, y);
+        y.include(threshold);
     }
     if (content.limit) {
-        include(*content.limit, y);
+        y.include(*content.limit);
     }
     for (const PlotLine& line : content.lines) {
         for (const PlotPoint& point : line.isShown ? line.points : QVector<PlotPoint>()) {
-            include(point.value.x(), x);
+            x.include(point.value.x());
             if (line.kind == PlotLine::Kind::Measured) {
                 const double sigma = line.isChosen ? point.sigma.value_or(0.0) : 0.0;
-                include(point.value.y() - sigma, y);
-                include(point.value.y() + sigma, y);
+                y.include(point.value.y() - sigma);
+                y.include(point.value.y() + sigma);
             }
         }
     }
-    const ChartScale across = scaleWithin(x, ticks);
-    const ChartScale up = scaleAround(y, ticks);
+    const ChartScale across = scaleWithin(x.values(), ticks);
+    const ChartScale up = scaleAround(y.values(), ticks);
     return {across.low, across.high, up.low, up.high};
 }
 
@@ -143,11 +145,12 @@ void addNotches(const ShownResult& result, const PlotLine& pattern, const PlotCh
                 bool colourByNotch, QVector<PlotLine>& lines)
 {
     const QMap<double, Points> groups =
-        byNotch(pattern.kind == PlotLine::Kind::Theory ? result.theory : result.result.points);
+        grouped(pattern.kind == PlotLine::Kind::Theory ? result.theory : result.result.points,
+                numberOf, levelOf);
     for (const Points& points : groups) {
         PlotLine line = pattern;
-        line.notch = points.constFirst().notch;
-        line.detail = notchText(line.notch, points.constFirst().center);
+        line.notch = points.constFirst()->notch;
+        line.detail = notchText(line.notch, points.constFirst()->center);
         line.isShown = pattern.isShown && !choice.hiddenNotches.contains(line.notch);
         line.colour = colourByNotch ? ChartStyle::lineColour(line.notch - 1) : pattern.colour;
         addRuns(line, points, levelOf, lines);
@@ -237,11 +240,11 @@ PlotContent contentOverFrequency(const QVector<ShownResult>& results, const Plot
     for (const ShownResult& result : results) {
         PlotLine pattern = patternOf(result, choice);
         pattern.isShown = result.isShown && (choice.results.isEmpty() || pattern.isChosen);
-        const QMap<double, Points> groups = byLevel(result.result.points);
+        const QMap<double, Points> groups = grouped(result.result.points, levelOf, megahertzOf);
         for (const Points& points : groups) {
             pattern.colour = shade(pattern.notch, groups.size());
             pattern.detail =
-                "at " + printed(points.constFirst().level, 2) + ' ' + pattern.levelUnit;
+                "at " + printed(points.constFirst()->level, 2) + ' ' + pattern.levelUnit;
             addRuns(pattern, points, megahertzOf, content.lines);
             ++pattern.notch;
         }
