@@ -54,7 +54,7 @@ private slots:
     void carriersStandEvenlyFromEdgeToEdge();
     void fewerThanTwoCarriersMakeNoRow();
     void typedCenterSnapsAndMovesTheEdges();
-    void typedCenterIsAbsolute();
+    void typedFrequenciesAreAbsolute();
     void centerBoundsAreNoMirrorImages();
     void widthZeroGivesOneBin();
     void typedEdgesSwapAndStayInTheBand();
@@ -208,12 +208,21 @@ void TestNotchEditing::typedCenterSnapsAndMovesTheEdges()
     QCOMPARE(row(setup).stopIndex, 61);
 }
 
-void TestNotchEditing::typedCenterIsAbsolute()
+// With a carrier of 1 GHz 995 and 1005 MHz are 51.2 bins below and above.
+void TestNotchEditing::typedFrequenciesAreAbsolute()
 {
     MeasurementSetup setup = setupWithRow(0.0, 20 * oneBin);
     setup.generator.frequency = 1e9;
-    QVERIFY(editNotchCell(setup, 0, 0, QStringLiteral("995"))); // 51.2 bins below
+    QVERIFY(editNotchCell(setup, 0, 0, QStringLiteral("995")));
     QCOMPARE(row(setup).center, -51 * oneBin);
+    QVERIFY(editNotchCell(setup, 0, 3, QStringLiteral("1005")));
+    QCOMPARE(row(setup).stopIndex, 51);
+    QVERIFY(editNotchCell(setup, 0, 2, QStringLiteral("995")));
+    QCOMPARE(row(setup).startIndex, -51);
+    QCOMPARE(row(setup).center, 0.0);
+    setup.notchOrCarrier = NotchOrCarrier::Carrier;
+    QVERIFY(editNotchCell(setup, 0, 0, QStringLiteral("1005")));
+    QCOMPARE(row(setup).center, 51 * oneBin);
 }
 
 void TestNotchEditing::centerBoundsAreNoMirrorImages()
