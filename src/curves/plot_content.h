@@ -21,11 +21,11 @@ struct PlotLine
     enum class Kind { Measured, Theory };
 
     Kind kind = Kind::Measured;
-    int result = 0; // id
-    int notch = 0;  // number; of a line over frequency the place of its level
-    int run = 0;    // of points without a gap, by rising x
-    QString name;   // of the result
-    QString detail; // "notch 1, -32 MHz", "at -20 dBm"
+    int result = 0;    // id
+    int notch = 0;     // number; of a line over frequency the place of its level
+    int run = 0;       // of points without a gap, by rising x
+    QString name;      // of the result
+    QString detail;    // "notch 1, -32 MHz", "at -20 dBm"
     QString levelUnit; // "dBm"
     QColor colour;
     bool isChosen = false; // drawn strong, with its band of sigma
