@@ -29,13 +29,13 @@ QString number(const std::optional<double>& value, int decimals)
     return value ? printed(*value, decimals) : QString(QChar(0x2013));
 }
 
-QStringList rangeCells(const NprCurve& curve)
+QStringList rangeCells(const NprCurve& curve, const QString& unit)
 {
     QStringList texts;
     for (const NprRange& range : curve.ranges) {
-        texts << QStringLiteral("%1 dB over %2 dB (%3 to %4 dBm)")
+        texts << QStringLiteral("%1 dB over %2 dB (%3 to %4 %5)")
                      .arg(number(range.range(), 1), QString::number(range.threshold),
-                          number(range.from, 1), number(range.to, 1));
+                          number(range.from, 1), number(range.to, 1), unit);
     }
     return {texts.join(QStringLiteral("; "))};
 }
@@ -44,15 +44,17 @@ QString curveTable(const QVector<ShownResult>& results)
 {
     QStringList rows;
     for (const ShownResult& shown : results) {
+        const QString unit = nameOf(shown.result.levelUnit);
         for (const NprCurve& curve : shown.result.curves) {
+            const QString peakLevel = number(curve.peakLevel, 2) + ' ' + unit;
             rows << cellsOf(QStringList{shown.name, QString::number(curve.notch),
-                                        number(curve.peakNpr, 1), number(curve.peakLevel, 2)} +
-                                rangeCells(curve),
+                                        number(curve.peakNpr, 1), peakLevel} +
+                                rangeCells(curve, unit),
                             "td");
         }
     }
     const int left = rows.size() - mostRows;
-    QString table = cellsOf({"Result", "Notch", "Peak / dB", "at / dBm", "Range"}, "th") +
+    QString table = cellsOf({"Result", "Notch", "Peak / dB", "at", "Range"}, "th") +
                     QStringList(rows.mid(0, mostRows)).join(QString());
     if (left > 0) {
         table += cellsOf({QStringLiteral("and %1 more").arg(left)}, "td");

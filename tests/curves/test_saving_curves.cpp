@@ -59,6 +59,7 @@ private slots:
     void aNameOfNoFormIsRefused();
     void aFolderThatIsMissingIsAMessage();
     void theReportNamesPeaksRangesSettingsAndMarks();
+    void theReportOfRecordingsTellsLevelsOfFullScale();
     void aMeasuredCurveIsKeptUntilItIsSaved();
     void theEndAsksForWhatIsNotSaved();
     void whatAKilledProgramLeftIsOffered();
@@ -143,10 +144,22 @@ void TestSavingCurves::theReportNamesPeaksRangesSettingsAndMarks()
     shown.result.points[0].addMark(PointMark::overload);
     const QString html = reportHtml({shown});
     const QString minus = QChar(0x2212);
-    QVERIFY(html.contains("<td>cold &amp; old</td><td>2</td><td>52.0</td><td>" + minus + "20.00<"));
+    QVERIFY(
+        html.contains("<td>cold &amp; old</td><td>2</td><td>52.0</td><td>" + minus + "20.00 dBm<"));
     QVERIFY(html.contains("22.0 dB over 41 dB (" + minus + "31.0 to " + minus + "9.0 dBm)"));
     QVERIFY(html.contains("131072 points at 100 MHz"));
     QVERIFY(html.contains("overload (1 points)"));
+}
+
+void TestSavingCurves::theReportOfRecordingsTellsLevelsOfFullScale()
+{
+    ShownResult shown;
+    shown.result = roofs(2);
+    shown.result.levelUnit = LevelUnit::Dbfs;
+    const QString html = reportHtml({shown});
+    QVERIFY(html.contains("20.00 dBFS<"));
+    QVERIFY(html.contains("9.0 dBFS)"));
+    QVERIFY(!html.contains("dBm"));
 }
 
 void TestSavingCurves::aMeasuredCurveIsKeptUntilItIsSaved()
