@@ -28,7 +28,10 @@ constexpr quint64 maxFusedStages = 5;
 constexpr quint64 tileColumns = 32;
 constexpr quint64 tileSize = (quint64{1} << maxFusedStages) * tileColumns;
 
-struct Workspace
+} // namespace
+
+// Made without a value: clearing it would cost as much as a short transform's stages.
+struct ButterflyStages::Workspace
 {
     alignas(64) std::array<double, tileSize> valuesRe;
     alignas(64) std::array<double, tileSize> valuesIm;
@@ -39,8 +42,21 @@ struct Workspace
     Split twiddles() { return {twiddlesRe.data(), twiddlesIm.data()}; }
 };
 
+namespace {
+
+quint64 log2Of(quint64 powerOfTwo)
+{
+    quint64 bits = 0;
+    while (powerOfTwo >> bits > 1) {
+        ++bits;
+    }
+    return bits;
+}
+
+} // namespace
+
 // Some stages on blocks of n points.
-class Pass
+class ButterflyStages::Pass
 {
 public:
     Pass(quint64 blockSize, quint64 stages, const Element* rotations, quint64 partCount)
@@ -67,7 +83,10 @@ public:
     // One of the equal parts of the columns of a block.
     void runPart(Samples block, quint64 part, bool conjugated, Workspace& work) const
     {
-        std::vector<Stretch> places = stretches[part];
+        std::vector<Stretch> places;
+        if (keptRe.empty()) {
+            places = stretches[part];
+        }
         const quint64 width = columns / parts();
         for (quint64 first = part * width; first < (part + 1) * width; first += tileColumns) {
             loadTile(block.at(first), columns, shape, work.values());
@@ -114,20 +133,11 @@ private:
     std::vector<double> keptIm;
 };
 
-quint64 log2Of(quint64 powerOfTwo)
-{
-    quint64 bits = 0;
-    while (powerOfTwo >> bits > 1) {
-        ++bits;
-    }
-    return bits;
-}
-
 // As few passes as the tiles allow, of about as many stages each. The first is cut into parts
 // for the threads, where there are several.
-std::vector<Pass> planPasses(quint64 count, const Element* rotations, int threads)
+ButterflyStages::ButterflyStages(quint64 itsCount, const Element* rotations, int itsThreads)
+    : count(itsCount), threads(itsThreads)
 {
-    std::vector<Pass> passes;
     quint64 n = count;
     while (n > lastBlock) {
         const quint64 end = n > keptBlock ? keptBlock : lastBlock;
@@ -140,46 +150,43 @@ std::vector<Pass> planPasses(quint64 count, const Element* rotations, int thread
         rotations += stages;
         n >>= stages;
     }
-    return passes;
 }
+
+ButterflyStages::~ButterflyStages() = default;
 
 // The passes from `pass` to the end, a block of the one at a time through all later ones.
-void runFrom(const Pass* pass, const Pass* end, Samples x, quint64 count, bool conjugated,
-             Workspace& work)
+void ButterflyStages::runFrom(std::size_t pass, Samples x, quint64 points, bool conjugated,
+                              Workspace& work) const
 {
-    if (pass == end) {
+    if (pass == passes.size()) {
         return;
     }
-    for (quint64 first = 0; first < count; first += pass->blockSize()) {
-        pass->runBlock(x.at(first), conjugated, work);
-        runFrom(pass + 1, end, x.at(first), pass->blockSize(), false, work);
+    const quint64 blockSize = passes[pass].blockSize();
+    for (quint64 first = 0; first < points; first += blockSize) {
+        passes[pass].runBlock(x.at(first), conjugated, work);
+        runFrom(pass + 1, x.at(first), blockSize, false, work);
     }
 }
 
-} // namespace
-
-void butterflyStages(Samples x, quint64 count, const Element* rotations, bool conjugated,
-                     int threads)
+void ButterflyStages::run(Samples x, bool conjugated) const
 {
-    const std::vector<Pass> passes = planPasses(count, rotations, threads);
     const Pass& first = passes.front();
-    const Pass* const end = passes.data() + passes.size();
     if (first.parts() == 1) {
-        const auto work = std::make_unique<Workspace>();
-        runFrom(&first, end, x, count, conjugated, *work);
+        const std::unique_ptr<Workspace> work(new Workspace);
+        runFrom(0, x, count, conjugated, *work);
         return;
     }
     inParallel(first.parts(), threads, [&](Pieces& parts) {
-        const auto work = std::make_unique<Workspace>();
+        const std::unique_ptr<Workspace> work(new Workspace);
         for (quint64 part = 0; parts.take(part);) {
             first.runPart(x, part, conjugated, *work);
         }
     });
     const quint64 blockSize = passes[1].blockSize();
     inParallel(count / blockSize, threads, [&](Pieces& blocks) {
-        const auto work = std::make_unique<Workspace>();
+        const std::unique_ptr<Workspace> work(new Workspace);
         for (quint64 block = 0; blocks.take(block);) {
-            runFrom(&first + 1, end, x.at(block * blockSize), blockSize, false, *work);
+            runFrom(1, x.at(block * blockSize), blockSize, false, *work);
         }
     });
 }

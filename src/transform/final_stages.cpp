@@ -40,28 +40,26 @@ quint64 reversedBits(quint64 value, quint32 bits)
     return reversed;
 }
 
+// The values of one transform.
 class FinalTiles
 {
 public:
-    FinalTiles(Samples samples, quint32 bits, const ComplexBuffer::Element* rotations, Finish last)
-        : x(samples), middleBits(bits - 2 * sideBits), how(last)
+    FinalTiles(Samples samples, quint32 itsMiddleBits, const double* twiddlesRe,
+               const double* twiddlesIm, const Finish& last)
+        : x(samples),
+          middleBits(itsMiddleBits),
+          twiddles{const_cast<double*>(twiddlesRe), const_cast<double*>(twiddlesIm)},
+          how(last)
     {
         for (quint64 i = 0; i < side; ++i) {
             reversed[i] = reversedBits(i, sideBits);
-        }
-        Split out = twiddles.split();
-        const auto stretches = findStretches(rotations, sideBits, 1, 1);
-        for (const Stretch& pair : stretches.front()) {
-            std::fill_n(out.re, side, pair.w.real());
-            std::fill_n(out.im, side, pair.w.imag());
-            out = out.at(side);
         }
     }
 
     quint64 middles() const { return quint64{1} << middleBits; }
 
     // A tile and its partner change places; the one of the lower number does the work.
-    void run(quint64 middle, Tile& first, Tile& second)
+    void run(quint64 middle, Tile& first, Tile& second) const
     {
         const quint64 partner = reversedBits(middle, middleBits);
         if (partner < middle) {
@@ -82,7 +80,7 @@ private:
         return x.at(((number << middleBits) + middle) << sideBits);
     }
 
-    void prefetch(quint64 middle)
+    void prefetch(quint64 middle) const
     {
         const quint64 distance = quint64{1} << (middleBits + sideBits);
         const quint64 partner = reversedBits(middle, middleBits);
@@ -92,7 +90,7 @@ private:
         }
     }
 
-    void load(quint64 middle, Tile& tile)
+    void load(quint64 middle, Tile& tile) const
     {
         for (quint64 r = 0; r < side; ++r) {
             const Samples from = row(r, middle);
@@ -103,11 +101,11 @@ private:
                 im[column * side] = from.im[column * from.stride];
             }
         }
-        runTileStages(tile.split(), square, twiddles.split());
+        runTileStages(tile.split(), square, twiddles);
         finish(tile.split(), side * side, how);
     }
 
-    void store(Tile& tile, quint64 middle)
+    void store(Tile& tile, quint64 middle) const
     {
         for (quint64 r = 0; r < side; ++r) {
             storeTile(tile.split().at(r * side), {1, side}, row(reversed[r], middle), 0);
@@ -116,28 +114,35 @@ private:
 
     Samples x;
     quint32 middleBits;
+    Split twiddles;
     Finish how;
     std::array<quint64, side> reversed{};
-    Tile twiddles;
 };
 
 } // namespace
 
-void finalStages(Samples x, quint64 count, const ComplexBuffer::Element* rotations,
-                 const Finish& how, int threads)
+FinalStages::FinalStages(quint64 count, const ComplexBuffer::Element* rotations)
 {
-    quint32 bits = 2 * sideBits;
-    while (count >> bits > 1) {
-        ++bits;
+    while (count >> (2 * sideBits + middleBits) > 1) {
+        ++middleBits;
     }
-    const auto tiles = std::make_unique<FinalTiles>(x, bits, rotations, how);
+    const auto stretches = findStretches(rotations, sideBits, 1, 1);
+    for (const Stretch& pair : stretches.front()) {
+        twiddlesRe.insert(twiddlesRe.end(), side, pair.w.real());
+        twiddlesIm.insert(twiddlesIm.end(), side, pair.w.imag());
+    }
+}
+
+void FinalStages::run(Samples x, const Finish& how, int threads) const
+{
+    const FinalTiles tiles(x, middleBits, twiddlesRe.data(), twiddlesIm.data(), how);
     constexpr quint64 run = 16; // neighbours, whose memory shares pages
-    inParallel(std::max<quint64>(1, tiles->middles() / run), threads, [&](Pieces& runs) {
-        const auto work = std::make_unique<std::array<Tile, 2>>();
+    inParallel(std::max<quint64>(1, tiles.middles() / run), threads, [&](Pieces& runs) {
+        const std::unique_ptr<std::array<Tile, 2>> work(new std::array<Tile, 2>);
         for (quint64 piece = 0; runs.take(piece);) {
-            const quint64 end = std::min((piece + 1) * run, tiles->middles());
+            const quint64 end = std::min((piece + 1) * run, tiles.middles());
             for (quint64 middle = piece * run; middle < end; ++middle) {
-                tiles->run(middle, (*work)[0], (*work)[1]);
+                tiles.run(middle, (*work)[0], (*work)[1]);
             }
         }
     });

@@ -8,8 +8,8 @@
 
 struct TileShape
 {
-    quint64 rows; // a power of two
-    quint64 columns;
+    quint64 rows;    // a power of two
+    quint64 columns; // a multiple of 16
 };
 
 // Row r of the tile is the run of columns that begins at r * rowDistance.

@@ -1,10 +1,8 @@
 #include "transform/transform.h"
 
 #include "base/parallel.h"
-#include "transform/butterfly_stages.h"
-#include "transform/final_stages.h"
+#include "transform/long_transform.h"
 #include "transform/pi.h"
-#include "transform/twiddles.h"
 
 #include <cmath>
 #include <utility>
@@ -12,16 +10,6 @@
 namespace {
 
 using Element = ComplexBuffer::Element;
-
-double scaleOf(quint64 count)
-{
-    return 1.0 / std::sqrt(static_cast<double>(count));
-}
-
-bool isPowerOfTwo(quint64 count)
-{
-    return (count & (count - 1)) == 0;
-}
 
 quint32 reversedWord(quint32 value)
 {
@@ -62,29 +50,13 @@ void transformPlainly(ComplexBuffer& x)
             std::swap(x[a], x[b]);
         }
     }
-    const double factor = scaleOf(count);
+    const double factor = unitaryScale(count);
     for (quint64 i = 0; i < count; ++i) {
         // The product with the complex number (factor, 0), signs of zeros and all.
         const Element value = x[i];
         x[i] = {value.real() * factor - value.imag() * 0.0,
                 value.imag() * factor + value.real() * 0.0};
     }
-}
-
-bool isLong(quint64 count)
-{
-    constexpr quint64 shortest = 1024; // what the tiles are made for
-    return count >= shortest && isPowerOfTwo(count);
-}
-
-void transformLong(Samples x, quint64 count, bool inverse, int threads)
-{
-    constexpr quint64 worthSharing = 32768;
-    const int used = count < worthSharing ? 1 : threads;
-    const std::vector<Element> rotations = stageRotations(count);
-    butterflyStages(x, count, rotations.data(), inverse, used);
-    finalStages(x, count, rotations.data() + rotations.size() - 5,
-                {scaleOf(count), static_cast<double>(count), inverse}, used);
 }
 
 } // namespace
@@ -97,30 +69,42 @@ void fft(ComplexBuffer& buffer)
 void fft(ComplexBuffer& buffer, int threads)
 {
     const quint64 count = buffer.size();
-    if (isLong(count)) {
-        transformLong(Samples::pairs(buffer.data()), count, false, threads);
+    if (LongTransform::suits(count)) {
+        LongTransform(count, threads).run(Samples::pairs(buffer.data()), false);
     } else if (count > 0) {
         transformPlainly(buffer);
     }
 }
 
-void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n)
+PreparedTransform::PreparedTransform(quint64 itsCount, int threads)
+    : count(itsCount),
+      longOne(LongTransform::suits(count) ? std::make_unique<LongTransform>(count, threads)
+                                          : nullptr)
 {
-    double* real = re.data();
-    double* imag = im.data();
-    if (isLong(n)) {
-        transformLong(Samples::arrays(real, imag), n, false, usefulThreads());
+}
+
+PreparedTransform::~PreparedTransform() = default;
+
+void PreparedTransform::run(Split values) const
+{
+    if (longOne != nullptr) {
+        longOne->run(Samples::arrays(values.re, values.im), false);
         return;
     }
-    ComplexBuffer buffer(n);
-    for (quint32 i = 0; i < n; ++i) {
-        buffer[i] = {real[i], imag[i]};
+    ComplexBuffer buffer(count);
+    for (quint64 i = 0; i < count; ++i) {
+        buffer[i] = {values.re[i], values.im[i]};
     }
     fft(buffer);
-    for (quint32 i = 0; i < n; ++i) {
-        real[i] = buffer[i].real();
-        imag[i] = buffer[i].imag();
+    for (quint64 i = 0; i < count; ++i) {
+        values.re[i] = buffer[i].real();
+        values.im[i] = buffer[i].imag();
     }
+}
+
+void forwardTransform(QVector<double>& re, QVector<double>& im, quint32 n)
+{
+    PreparedTransform(n, usefulThreads()).run({re.data(), im.data()});
 }
 
 // Conjugate, transform, conjugate, divide: the conjugates are taken while the values are read
@@ -129,8 +113,8 @@ void inverseTransform(QVector<double>& re, QVector<double>& im, quint32 n)
 {
     double* real = re.data();
     double* imag = im.data();
-    if (isLong(n)) {
-        transformLong(Samples::arrays(real, imag), n, true, usefulThreads());
+    if (LongTransform::suits(n)) {
+        LongTransform(n, usefulThreads()).run(Samples::arrays(real, imag), true);
         return;
     }
     ComplexBuffer buffer(n);

@@ -9,9 +9,13 @@
 // stays inside its data.
 #pragma once
 
-#include "transform/complex_buffer.h"
+#include "transform/samples.h"
 
 #include <QVector>
+
+#include <memory>
+
+class LongTransform;
 
 // In place: element k becomes 1/sqrt(N) times the sum over n of x[n] exp(+j 2 pi n k / N).
 // Positive exponent, unitary scaling.
@@ -19,6 +23,22 @@
 // for any number.
 void fft(ComplexBuffer& buffer);
 void fft(ComplexBuffer& buffer, int threads);
+
+// fft for many runs of values of one length, real and imaginary parts apart: the twiddle factors
+// are computed once, which takes as long as a short transform. Any number of threads may run one
+// object at once.
+class PreparedTransform
+{
+public:
+    explicit PreparedTransform(quint64 count, int threads = 1);
+    ~PreparedTransform();
+
+    void run(Split values) const; // in place
+
+private:
+    const quint64 count;
+    const std::unique_ptr<const LongTransform> longOne; // null for a length that has none
+};
 
 // In place on two vectors of at least n elements: the transform of re + j im by fft, with
 // the factor 1/sqrt(n) and no other. Throws std::bad_alloc when memory runs out.

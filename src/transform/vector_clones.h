@@ -26,6 +26,11 @@ inline void load(const double* from, EightDoubles& to)
     __builtin_memcpy(&to, from, sizeof(to));
 }
 
+inline void store(const EightDoubles& from, double* to)
+{
+    __builtin_memcpy(to, &from, sizeof(from));
+}
+
 // Brings what is read soon into the cache.
 #if defined(__GNUC__)
 #define PREFETCH(address) __builtin_prefetch(address)

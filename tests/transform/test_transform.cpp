@@ -80,6 +80,8 @@ private slots:
     void wrappersHaveTheBitsOfTheTextbookLoop();
     void longWrappersHaveTheBitsOfTheTextbookLoop_data();
     void longWrappersHaveTheBitsOfTheTextbookLoop() { wrappersHaveTheBitsOfTheTextbookLoop(); }
+    void preparedTransformsHaveTheBitsOfTheTextbookLoop_data() { addLengths(0, 16); }
+    void preparedTransformsHaveTheBitsOfTheTextbookLoop();
     void emptyBufferStaysEmpty();
     void singleElementStaysAsItIs();
     void twoElementsGiveScaledSumAndDifference();
@@ -176,6 +178,30 @@ void TestTransform::wrappersHaveTheBitsOfTheTextbookLoop()
     reference::inverseTransform(expectedRe, expectedIm);
     QVERIFY(sameBits(inverseRe, expectedRe));
     QVERIFY(sameBits(inverseIm, expectedIm));
+}
+
+void TestTransform::preparedTransformsHaveTheBitsOfTheTextbookLoop()
+{
+    QFETCH(quint64, count);
+    for (const int threads : {1, 3}) {
+        const PreparedTransform transform(count, threads);
+        for (const quint32 seed : {3, 4}) { // nothing of a run stays for the next one
+            std::vector<Complex> expected = noise(count, seed);
+            std::vector<double> re;
+            std::vector<double> im;
+            for (const Complex& value : expected) {
+                re.push_back(value.real());
+                im.push_back(value.imag());
+            }
+            reference::fft(expected);
+            transform.run({re.data(), im.data()});
+            ComplexBuffer found(count);
+            for (quint64 k = 0; k < count; ++k) {
+                found[k] = {re[k], im[k]};
+            }
+            QVERIFY2(sameBits(found, expected), qPrintable(QString::number(threads)));
+        }
+    }
 }
 
 void TestTransform::emptyBufferStaysEmpty()
