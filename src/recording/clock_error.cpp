@@ -30,11 +30,7 @@ Value turned(Value value, double radians)
 
 ComplexBuffer transformOf(const SampleReader& reader, qint64 first, qint64 length)
 {
-    const SampleType& type = *reader.recording().type;
-    std::vector<char> raw;
-    reader.read(first, length, raw);
-    ComplexBuffer stretch(static_cast<quint64>(length));
-    type.toPairs(raw.data(), length, reinterpret_cast<double*>(stretch.data()));
+    ComplexBuffer stretch = reader.samples(first, length, length);
     for (quint64 k = 0; k < stretch.size(); ++k) {
         const double turn = 2.0 * pi * static_cast<double>(k) / static_cast<double>(length);
         const double weight = 0.5 - 0.5 * std::cos(turn);

@@ -1,12 +1,32 @@
 #include "recording/level_meter.h"
 
+#include "transform/vector_clones.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
 namespace {
 
-constexpr int lanes = 8; // sums side by side, so that one addition needn't wait for the last
+// Sums side by side, so that one addition needn't wait for the last.
+struct Lanes
+{
+    EightDoubles squares{};
+    EightDoubles largest{};
+};
+constexpr qint64 laneCount = 8;
+
+VECTOR_CLONES
+void addWholeLanes(const double* values, qint64 count, Lanes& lanes)
+{
+    for (qint64 k = 0; k + laneCount <= count; k += laneCount) {
+        EightDoubles value;
+        load(values + k, value);
+        const EightDoubles size = value < 0.0 ? -value : value;
+        lanes.squares += value * value;
+        lanes.largest = size > lanes.largest ? size : lanes.largest;
+    }
+}
 
 } // namespace
 
@@ -16,38 +36,32 @@ LevelSums::LevelSums(const SampleType& itsType)
 {
 }
 
-void LevelSums::add(const double* pairs, qint64 count)
+void LevelSums::add(const double* re, const double* im, qint64 count)
 {
-    double sums[lanes] = {};
-    double peaks[lanes] = {};
-    const qint64 values = 2 * count;
-    qint64 k = 0;
-    for (; k + lanes <= values; k += lanes) {
-        for (int l = 0; l < lanes; ++l) {
-            sums[l] += pairs[k + l] * pairs[k + l];
-            peaks[l] = std::max(peaks[l], std::abs(pairs[k + l]));
-        }
-    }
-    for (int l = 0; k < values; ++k, ++l) {
-        sums[l] += pairs[k] * pairs[k];
-        peaks[l] = std::max(peaks[l], std::abs(pairs[k]));
-    }
-    for (int l = 0; l < lanes; ++l) {
-        squares += sums[l];
-        largest = std::max(largest, peaks[l]);
+    addComponents(re, count);
+    if (type->isComplex) {
+        addComponents(im, count);
     }
     samples += count;
-    if (!counts.empty()) {
-        this->count(pairs, count);
-    }
 }
 
-void LevelSums::count(const double* pairs, qint64 sampleCount)
+void LevelSums::addComponents(const double* values, qint64 count)
 {
-    const int half = 1 << (type->integerBits - 1);
-    const int step = type->isComplex ? 1 : 2;
-    for (qint64 k = 0; k < 2 * sampleCount; k += step) {
-        ++counts[static_cast<std::size_t>(static_cast<int>(pairs[k] * half) + half)];
+    Lanes lanes;
+    addWholeLanes(values, count, lanes);
+    for (int lane = 0; lane < laneCount; ++lane) {
+        squares += lanes.squares[lane];
+        largest = std::max(largest, lanes.largest[lane]);
+    }
+    for (qint64 k = count / laneCount * laneCount; k < count; ++k) {
+        squares += values[k] * values[k];
+        largest = std::max(largest, std::abs(values[k]));
+    }
+    if (!counts.empty()) {
+        const int half = 1 << (type->integerBits - 1);
+        for (qint64 k = 0; k < count; ++k) {
+            ++counts[static_cast<std::size_t>(static_cast<int>(values[k] * half) + half)];
+        }
     }
 }
 

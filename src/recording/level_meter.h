@@ -12,8 +12,8 @@ class LevelSums
 public:
     explicit LevelSums(const SampleType& itsType);
 
-    // Pairs as SampleType::toPairs writes them.
-    void add(const double* pairs, qint64 count);
+    // Parts as SampleType::toParts writes them.
+    void add(const double* re, const double* im, qint64 count);
     LevelSums& operator+=(const LevelSums& other);
 
     // False where a sample is no finite number, or its square isn't.
@@ -27,7 +27,7 @@ public:
     double clippedShare() const;
 
 private:
-    void count(const double* pairs, qint64 samples);
+    void addComponents(const double* values, qint64 count);
 
     const SampleType* type;
     double squares = 0.0;

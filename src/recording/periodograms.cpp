@@ -2,24 +2,29 @@
 
 #include "recording/kaiser_window.h"
 #include "transform/transform.h"
+#include "transform/vector_clones.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
 namespace {
 
-void addPeriodogram(ComplexBuffer& segment, const std::vector<double>& window, double* sums,
-                    int threads)
+VECTOR_CLONES
+void weigh(double* values, const double* window, quint64 length)
 {
-    const quint64 length = segment.size();
+    IN_ANY_ORDER
     for (quint64 k = 0; k < length; ++k) {
-        segment[k] = {segment[k].real() * window[k], segment[k].imag() * window[k]};
+        values[k] *= window[k];
     }
-    fft(segment, threads);
-    // The transform has a positive exponent, so the value of frequency k stands at -k.
-    sums[0] += std::norm(segment[0]);
-    for (quint64 k = 1; k < length; ++k) {
-        sums[k] += std::norm(segment[length - k]);
+}
+
+VECTOR_CLONES
+void addSquares(const double* re, const double* im, double* sums, quint64 length)
+{
+    IN_ANY_ORDER
+    for (quint64 k = 0; k < length; ++k) {
+        sums[k] += re[k] * re[k] + im[k] * im[k];
     }
 }
 
@@ -40,12 +45,19 @@ PowerDensity powerDensity(const SampleReader& reader, double sampleRate, qint64 
     const std::vector<double> window = kaiserWindow(length);
     const Segments segments =
         segmentsBetween(first, reader.recording().samples, length, length / hopDivisor);
+    const auto points = static_cast<quint64>(length);
+    const PreparedTransform transform(points, threadsWithin(length));
     PassResult pass = sumSegments(
-        reader, segments, static_cast<std::size_t>(length),
-        [&window](ComplexBuffer& segment, double* sums, int threads) {
-            addPeriodogram(segment, window, sums, threads);
+        reader, segments, points,
+        [&](Split segment, double* sums) {
+            weigh(segment.re, window.data(), points);
+            weigh(segment.im, window.data(), points);
+            transform.run(segment);
+            addSquares(segment.re, segment.im, sums, points);
         },
         progress);
+    // The transform has a positive exponent, so the value of frequency k stands at -k.
+    std::reverse(pass.sums.begin() + 1, pass.sums.end());
     // A real signal's envelope has 4 times the power of its positive half.
     const double scale = (reader.recording().type->isComplex ? 1.0 : 4.0) /
                          (powerOf(window) * sampleRate * static_cast<double>(segments.count));

@@ -51,6 +51,20 @@ void SampleReader::read(qint64 first, qint64 count, std::vector<char>& raw) cons
     interleave(halves.data(), other, half, count, raw.data());
 }
 
+ComplexBuffer SampleReader::samples(qint64 first, qint64 count, qint64 length) const
+{
+    std::vector<char> raw;
+    read(first, count, raw);
+    std::vector<double> re(static_cast<std::size_t>(count));
+    std::vector<double> im(re.size());
+    source.type->toParts(raw.data(), count, {re.data(), im.data()});
+    ComplexBuffer all(static_cast<quint64>(length));
+    for (std::size_t k = 0; k < re.size(); ++k) {
+        all[k] = {re[k], im[k]};
+    }
+    return all;
+}
+
 void SampleReader::readBytes(const QFile& file, qint64 position, qint64 size, char* to) const
 {
     while (size > 0) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "recording/recording.h"
+#include "transform/complex_buffer.h"
 
 #include <memory>
 #include <vector>
@@ -23,6 +24,9 @@ public:
 
     // Bytes of so many samples from first on, in the recording's type. Throws RecordingError.
     void read(qint64 first, qint64 count, std::vector<char>& raw) const;
+
+    // The samples themselves, and zeros behind them up to length.
+    ComplexBuffer samples(qint64 first, qint64 count, qint64 length) const;
 
 private:
     void readBytes(const QFile& file, qint64 position, qint64 size, char* to) const;

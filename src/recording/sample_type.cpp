@@ -1,5 +1,7 @@
 #include "recording/sample_type.h"
 
+#include "transform/vector_clones.h"
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -15,31 +17,43 @@ template <typename Word> constexpr double unitOf()
     return 1.0;
 }
 
-template <typename Word> void componentsToPairs(const char* raw, qint64 count, double* pairs)
+template <typename Word> double numberAt(const char* raw, qint64 index)
 {
-    for (qint64 k = 0; k < 2 * count; ++k) {
-        const Word word = qFromLittleEndian<Word>(raw + k * qint64{sizeof(Word)});
-        pairs[k] = static_cast<double>(word) * unitOf<Word>();
+    const Word word = qFromLittleEndian<Word>(raw + index * qint64{sizeof(Word)});
+    return static_cast<double>(word) * unitOf<Word>();
+}
+
+template <typename Word> void complexToParts(const char* raw, qint64 count, Split parts)
+{
+    double* const re = parts.re;
+    double* const im = parts.im;
+    IN_ANY_ORDER
+    for (qint64 k = 0; k < count; ++k) {
+        re[k] = numberAt<Word>(raw, 2 * k);
+        im[k] = numberAt<Word>(raw, 2 * k + 1);
     }
 }
 
-template <typename Word> void realsToPairs(const char* raw, qint64 count, double* pairs)
+// The type that most recorders write; a template can't be cloned.
+VECTOR_CLONES
+void floatsToParts(const char* raw, qint64 count, Split parts)
+{
+    complexToParts<float>(raw, count, parts);
+}
+
+template <typename Word> void realToParts(const char* raw, qint64 count, Split parts)
 {
     for (qint64 k = 0; k < count; ++k) {
-        const Word word = qFromLittleEndian<Word>(raw + k * qint64{sizeof(Word)});
-        pairs[2 * k] = static_cast<double>(word) * unitOf<Word>();
-        pairs[2 * k + 1] = 0.0;
+        parts.re[k] = numberAt<Word>(raw, k);
     }
+    std::fill_n(parts.im, count, 0.0);
 }
 
 const SampleType sampleTypes[] = {
-    {"cf32", 8, true, 0, componentsToPairs<float>},
-    {"cf64", 16, true, 0, componentsToPairs<double>},
-    {"ci16", 4, true, 16, componentsToPairs<qint16>},
-    {"ci8", 2, true, 8, componentsToPairs<qint8>},
-    {"rf32", 4, false, 0, realsToPairs<float>},
-    {"rf64", 8, false, 0, realsToPairs<double>},
-    {"ri16", 2, false, 16, realsToPairs<qint16>},
+    {"cf32", 8, true, 0, floatsToParts},           {"cf64", 16, true, 0, complexToParts<double>},
+    {"ci16", 4, true, 16, complexToParts<qint16>}, {"ci8", 2, true, 8, complexToParts<qint8>},
+    {"rf32", 4, false, 0, realToParts<float>},     {"rf64", 8, false, 0, realToParts<double>},
+    {"ri16", 2, false, 16, realToParts<qint16>},
 };
 
 } // namespace

@@ -3,6 +3,8 @@
 // To add one: its row in the table of sample_type.cpp.
 #pragma once
 
+#include "transform/samples.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -13,9 +15,9 @@ struct SampleType
     bool isComplex;
     int integerBits; // of a component; 0 for floating point
 
-    // Writes count samples as pairs of doubles, full scale at 1; the second of a pair is 0 for real
-    // samples. raw may lie anywhere.
-    void (*toPairs)(const char* raw, qint64 count, double* pairs);
+    // Writes the parts of count samples as doubles, full scale at 1; imaginary parts of real
+    // samples are 0. raw may lie anywhere.
+    void (*toParts)(const char* raw, qint64 count, Split parts);
 };
 
 // cf32, cf64, ci16, ci8, rf32, rf64 or ri16; null for another name.

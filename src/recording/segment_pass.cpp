@@ -2,6 +2,7 @@
 
 #include "base/parallel.h"
 #include "recording/hash_check.h"
+#include "transform/complex_buffer.h"
 
 #include <algorithm>
 #include <memory>
@@ -9,9 +10,14 @@
 namespace {
 
 constexpr qint64 stretchSamples = 1 << 17; // worth a piece of work
-constexpr qint64 longSegment = 1 << 20;    // one at a time, by all cores together
 constexpr qint64 blockSamples = 1 << 16;   // read at once
 constexpr qint64 sumsBudget = 1 << 26;     // bytes that the stretches of a round may take
+
+bool isLong(qint64 length)
+{
+    constexpr qint64 longOne = 1 << 20;
+    return length >= longOne;
+}
 
 class Pass
 {
@@ -31,17 +37,33 @@ public:
     PassResult run(const ReadingProgress& progress) const;
 
 private:
-    struct Scratch
+    // What a thread reads into. Between the parts lie some values more, or equal places of both
+    // would fall on the same lines of the cache.
+    class Scratch
     {
+    public:
+        explicit Scratch(qint64 samples)
+            : imaginary(static_cast<quint64>(samples + apart)), values(imaginary)
+        {
+        }
+        Split segment()
+        {
+            auto* const parts = reinterpret_cast<double*>(values.data());
+            return {parts, parts + imaginary};
+        }
+
         std::vector<char> raw;
-        ComplexBuffer segment;
-        double* pairs() { return reinterpret_cast<double*>(segment.data()); }
+
+    private:
+        static constexpr qint64 apart = 32;
+        const quint64 imaginary;
+        ComplexBuffer values;
     };
 
     qint64 stretchesPerRound() const;
     PassResult emptyResult() const { return {std::vector<double>(sumCount), LevelSums(type)}; }
     std::vector<PassResult> round(qint64 firstStretch, qint64 count, HashCheck& hash) const;
-    void addStretch(qint64 stretch, Scratch& scratch, int threads, PassResult& result) const;
+    void addStretch(qint64 stretch, Scratch& scratch, PassResult& result) const;
     void load(qint64 first, qint64 count, Scratch& scratch) const;
     void requireNumbers(const LevelSums& levels, qint64 stretch) const;
 
@@ -66,7 +88,7 @@ void Pass::load(qint64 first, qint64 count, Scratch& scratch) const
     for (qint64 done = 0; done < count; done += blockSamples) {
         const qint64 now = std::min(blockSamples, count - done);
         reader.read(first + done, now, scratch.raw);
-        type.toPairs(scratch.raw.data(), now, scratch.pairs() + 2 * done);
+        type.toParts(scratch.raw.data(), now, scratch.segment().at(static_cast<quint64>(done)));
     }
 }
 
@@ -83,20 +105,21 @@ void Pass::requireNumbers(const LevelSums& levels, qint64 stretch) const
 
 // Each sample counts once in the levels: a segment's up to the next one's begin, the last one's
 // all, and those behind it.
-void Pass::addStretch(qint64 stretch, Scratch& scratch, int threads, PassResult& result) const
+void Pass::addStretch(qint64 stretch, Scratch& scratch, PassResult& result) const
 {
+    const Split segment = scratch.segment();
     const qint64 end = std::min((stretch + 1) * perStretch, segments.count);
     for (qint64 k = stretch * perStretch; k < end; ++k) {
         const qint64 first = segments.first + k * segments.hop;
         const bool isLast = k + 1 == segments.count;
         load(first, segments.length, scratch);
-        result.levels.add(scratch.pairs(), isLast ? segments.length : segments.hop);
-        add(scratch.segment, result.sums.data(), threads);
+        result.levels.add(segment.re, segment.im, isLast ? segments.length : segments.hop);
+        add(segment, result.sums.data());
         if (isLast) {
             const qint64 behind = first + segments.length;
             const qint64 count = reader.recording().samples - behind; // less than a hop
             load(behind, count, scratch);
-            result.levels.add(scratch.pairs(), count);
+            result.levels.add(segment.re, segment.im, count);
         }
     }
     requireNumbers(result.levels, stretch);
@@ -105,18 +128,17 @@ void Pass::addStretch(qint64 stretch, Scratch& scratch, int threads, PassResult&
 // The hash is one more piece, the first one.
 std::vector<PassResult> Pass::round(qint64 firstStretch, qint64 count, HashCheck& hash) const
 {
-    const bool oneByOne = segments.length >= longSegment;
+    const bool oneByOne = isLong(segments.length);
     std::vector<PassResult> results(static_cast<std::size_t>(count), emptyResult());
     const auto worker = [&](Pieces& pieces) {
         const std::unique_ptr<WorkAlone> alone = oneByOne ? nullptr : std::make_unique<WorkAlone>();
-        Scratch scratch{{}, ComplexBuffer(static_cast<quint64>(segments.length))};
+        Scratch scratch(segments.length);
         for (quint64 piece = 0; pieces.take(piece);) {
             if (piece == 0) {
                 hash.advance(firstStretch + count, stretchCount);
                 continue;
             }
-            addStretch(firstStretch + static_cast<qint64>(piece) - 1, scratch, usefulThreads(),
-                       results[piece - 1]);
+            addStretch(firstStretch + static_cast<qint64>(piece) - 1, scratch, results[piece - 1]);
         }
     };
     inParallel(static_cast<quint64>(count) + 1, oneByOne ? 1 : usefulThreads(), worker);
@@ -145,6 +167,11 @@ PassResult Pass::run(const ReadingProgress& progress) const
 }
 
 } // namespace
+
+int threadsWithin(qint64 length)
+{
+    return isLong(length) ? usefulThreads() : 1;
+}
 
 Segments segmentsBetween(qint64 first, qint64 end, qint64 length, qint64 hop)
 {

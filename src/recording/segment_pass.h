@@ -7,7 +7,7 @@
 
 #include "recording/level_meter.h"
 #include "recording/sample_reader.h"
-#include "transform/complex_buffer.h"
+#include "transform/samples.h"
 
 #include <functional>
 
@@ -23,8 +23,11 @@ struct Segments
 Segments segmentsBetween(qint64 first, qint64 end, qint64 length, qint64 hop);
 
 // Adds one segment, which it may change, to the sums. Called by several threads at once, each with
-// a segment and sums of its own; may use so many threads itself.
-using AddSegment = std::function<void(ComplexBuffer& segment, double* sums, int threads)>;
+// a segment and sums of its own.
+using AddSegment = std::function<void(Split segment, double* sums)>;
+
+// That adding a segment of a length may use itself: 1, or all for long ones, which come one by one.
+int threadsWithin(qint64 length);
 
 // Stretches of the recording done and to be done; false to stop.
 using ReadingProgress = std::function<bool(qint64 done, qint64 total)>;

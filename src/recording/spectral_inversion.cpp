@@ -14,13 +14,9 @@ constexpr qint64 mostCompared = 8192; // samples; more would suffer from clocks 
 ComplexBuffer beginningOf(const SampleReader& reader, double sampleRate, qint64 first,
                           double center, int period)
 {
-    const SampleType& type = *reader.recording().type;
     const qint64 count =
         std::min({mostCompared, qint64{period}, reader.recording().samples - first});
-    std::vector<char> raw;
-    reader.read(first, count, raw);
-    ComplexBuffer beginning(static_cast<quint64>(period));
-    type.toPairs(raw.data(), count, reinterpret_cast<double*>(beginning.data()));
+    ComplexBuffer beginning = reader.samples(first, count, period);
     for (qint64 k = 0; k < count; ++k) {
         const double turns = std::fmod(center / sampleRate * static_cast<double>(k), 1.0);
         auto& value = beginning[static_cast<quint64>(k)];

@@ -37,14 +37,15 @@ std::vector<int> linesWithin(const QVector<Bands>& sets, double spacing)
 }
 
 // The transform has a positive exponent, so the value of a line stands at its negative.
-void addLines(const ComplexBuffer& spectrum, const std::vector<int>& lines, double* sums)
+void addLines(Split spectrum, int length, const std::vector<int>& lines, double* sums)
 {
-    const auto length = static_cast<int>(spectrum.size());
     for (const int line : lines) {
-        const auto value = spectrum[static_cast<quint64>((length - line) % length)];
-        *sums++ += value.real();
-        *sums++ += value.imag();
-        *sums++ += std::norm(value);
+        const int at = (length - line) % length;
+        const double re = spectrum.re[at];
+        const double im = spectrum.im[at];
+        *sums++ += re;
+        *sums++ += im;
+        *sums++ += re * re + im * im;
     }
 }
 
@@ -57,15 +58,22 @@ PeriodLines::PeriodLines(const SampleReader& reader, double sampleRate, qint64 f
       scale((reader.recording().type->isComplex ? 1.0 : 4.0) / sampleRate),
       lines(linesWithin(bands, spacing)),
       count((reader.recording().samples - first) / period),
-      pass(sumSegments(
-          reader, segmentsBetween(first, reader.recording().samples, period, period),
-          lines.size() * sumsPerLine,
-          [this](ComplexBuffer& segment, double* sums, int threads) {
-              fft(segment, threads);
-              addLines(segment, lines, sums);
-          },
-          progress))
+      pass(sumLines(reader, first, period, progress))
 {
+}
+
+PassResult PeriodLines::sumLines(const SampleReader& reader, qint64 first, int period,
+                                 const ReadingProgress& progress) const
+{
+    const PreparedTransform transform(static_cast<quint64>(period), threadsWithin(period));
+    return sumSegments(
+        reader, segmentsBetween(first, reader.recording().samples, period, period),
+        lines.size() * sumsPerLine,
+        [this, &transform, period](Split segment, double* sums) {
+            transform.run(segment);
+            addLines(segment, period, lines, sums);
+        },
+        progress);
 }
 
 PeriodLines::Density PeriodLines::in(const Bands& wanted) const

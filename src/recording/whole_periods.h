@@ -35,6 +35,9 @@ private:
         double re, im, squares;
     };
 
+    PassResult sumLines(const SampleReader& reader, qint64 first, int period,
+                        const ReadingProgress& progress) const;
+
     const double spacing;   // Hz
     const double scale;     // of a squared line to a density
     std::vector<int> lines; // ascending, negative below 0 Hz

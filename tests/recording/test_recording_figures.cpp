@@ -1,7 +1,9 @@
 // The window, the levels and the channels that readings of recordings rest on.
 #include "recording/kaiser_window.h"
 #include "recording/level_meter.h"
+#include "recording/made_recording.h"
 #include "recording/notch_channels.h"
+#include "recording/periodograms.h"
 #include "recording/recording.h"
 #include "recording/segment_length.h"
 
@@ -11,8 +13,6 @@
 #include <complex>
 
 namespace {
-
-constexpr double twoPi = 6.283185307179586;
 
 // Magnitude of the window's transform at a distance in bins, by the plain sum.
 double transformAt(const std::vector<double>& window, double bins)
@@ -64,6 +64,8 @@ private slots:
     void overlapIsWorthNinetyPercentOfTheTime();
     void oneSegmentIsWorthItsBandwidth();
     void powerAndPeakAreSharesOfFullScale();
+    void thePeakIsFoundWhereverItStands();
+    void densitiesAreThoseOfAPlainLoop();
     void onlyHeapsAtTheEndsAreClipped();
     void channelsLieWithinAndBesideTheNotch();
     void otherNotchesAndTheBandsEndCutTheSidesOff();
@@ -116,40 +118,96 @@ void TestRecordingFigures::oneSegmentIsWorthItsBandwidth()
 
 void TestRecordingFigures::powerAndPeakAreSharesOfFullScale()
 {
-    std::vector<double> pairs;
+    std::vector<double> re;
+    std::vector<double> im;
     for (int k = 0; k < 1000; ++k) {
-        pairs.push_back(std::cos(twoPi * k / 100.0));
-        pairs.push_back(std::sin(twoPi * k / 100.0));
+        re.push_back(std::cos(twoPi * k / 100.0));
+        im.push_back(std::sin(twoPi * k / 100.0));
     }
     LevelSums carrier(*sampleTypeOf("cf64"));
-    carrier.add(pairs.data(), 500);
+    carrier.add(re.data(), im.data(), 333);
     LevelSums rest(*sampleTypeOf("cf64"));
-    rest.add(pairs.data() + 1000, 500);
+    rest.add(re.data() + 333, im.data() + 333, 667);
     carrier += rest;
     QVERIFY(std::abs(carrier.power() - 1.0) < 1e-12);
     QCOMPARE(carrier.peak(), 1.0);
-    for (std::size_t k = 1; k < pairs.size(); k += 2) {
-        pairs[k] = 0.0;
-    }
+    const std::vector<double> zeros(1000);
     LevelSums sine(*sampleTypeOf("rf64"));
-    sine.add(pairs.data(), 1000);
+    sine.add(re.data(), zeros.data(), 1000);
     QVERIFY(std::abs(sine.power() - 1.0) < 1e-12);
     QVERIFY(!sine.hasClippedShare());
-    pairs[700] = HUGE_VAL;
-    sine.add(pairs.data(), 1000);
+    re[350] = HUGE_VAL;
+    sine.add(re.data(), zeros.data(), 1000);
     QVERIFY(!sine.isFinite());
+}
+
+// In every place of the lanes that are summed side by side, and behind the last whole ones.
+void TestRecordingFigures::thePeakIsFoundWhereverItStands()
+{
+    constexpr int samples = 19;
+    const std::vector<double> quiet(samples, 0.25);
+    for (std::size_t place = 0; place < samples; ++place) {
+        for (const double value : {0.75, -0.75}) {
+            std::vector<double> loud = quiet;
+            loud[place] = value;
+            LevelSums inPhase(*sampleTypeOf("cf64"));
+            inPhase.add(loud.data(), quiet.data(), samples);
+            QCOMPARE(inPhase.peak(), 0.75);
+            LevelSums quadrature(*sampleTypeOf("cf64"));
+            quadrature.add(quiet.data(), loud.data(), samples);
+            QCOMPARE(quadrature.peak(), 0.75);
+            QCOMPARE(quadrature.power(), 0.125 + 0.5 / samples);
+        }
+    }
+}
+
+// Every bin of a noisy recording, against sums that are written as the definition says.
+void TestRecordingFigures::densitiesAreThoseOfAPlainLoop()
+{
+    constexpr int length = 1024;
+    constexpr int segments = 7;
+    constexpr int first = 5;
+    constexpr double rate = 2e6;
+    Wave wave(first + length + (segments - 1) * (length / 3) + 200);
+    addNoise(wave, 0.5, 3);
+    const RecordingFolder folder;
+    const SampleReader reader(
+        openRecording(folder.write("noise.cf64", asCf64(wave)), sampleTypeOf("cf64")));
+    const PowerDensity density =
+        powerDensity(reader, rate, first, length, [](qint64, qint64) { return true; });
+    QCOMPARE(density.segments, qint64{segments});
+    const std::vector<double> window = kaiserWindow(length);
+    double windowPower = 0.0;
+    for (const double value : window) {
+        windowPower += value * value;
+    }
+    for (int bin = 0; bin < length; ++bin) {
+        double expected = 0.0;
+        for (int segment = 0; segment < segments; ++segment) {
+            Complex sum;
+            for (int k = 0; k < length; ++k) {
+                const int turn = static_cast<int>(qint64{bin} * k % length);
+                sum += wave[static_cast<std::size_t>(first + segment * (length / 3) + k)] *
+                       window[static_cast<std::size_t>(k)] *
+                       std::polar(1.0, -twoPi * turn / length);
+            }
+            expected += std::norm(sum) / (windowPower * rate * segments);
+        }
+        const double found = density.bins[static_cast<std::size_t>(bin)];
+        QVERIFY2(std::abs(found / expected - 1.0) < 1e-9, qPrintable(QString::number(bin)));
+    }
 }
 
 void TestRecordingFigures::onlyHeapsAtTheEndsAreClipped()
 {
     const auto shareOf = [](const std::vector<int>& codes) {
-        std::vector<double> pairs;
+        std::vector<double> re;
         for (const int code : codes) {
-            pairs.push_back(code / 32768.0);
-            pairs.push_back(0.0);
+            re.push_back(code / 32768.0);
         }
+        const std::vector<double> im(re.size());
         LevelSums sums(*sampleTypeOf("ri16"));
-        sums.add(pairs.data(), static_cast<qint64>(codes.size()));
+        sums.add(re.data(), im.data(), static_cast<qint64>(codes.size()));
         return sums.clippedShare();
     };
     QCOMPARE(shareOf({-2048, -2048, -2048, -5, 0, 3, 7, 2047, 2047, 2047, 2046, 1}), 0.5);

@@ -88,8 +88,14 @@ void TestRecordingFiles::eachTypeBecomesSharesOfFullScale()
     const auto pairsOf = [](const char* type, const QByteArray& raw) {
         const SampleType* const found = sampleTypeOf(type);
         const int count = raw.size() / found->bytes;
-        std::vector<double> pairs(static_cast<std::size_t>(2 * count));
-        found->toPairs(raw.constData(), count, pairs.data());
+        std::vector<double> re(static_cast<std::size_t>(count));
+        std::vector<double> im(re.size());
+        found->toParts(raw.constData(), count, {re.data(), im.data()});
+        std::vector<double> pairs;
+        for (std::size_t k = 0; k < re.size(); ++k) {
+            pairs.push_back(re[k]);
+            pairs.push_back(im[k]);
+        }
         return pairs;
     };
     using Pairs = std::vector<double>;
