@@ -20,6 +20,8 @@ private slots:
     void pathsInTheDocumentsExist();
     void everyFolderIsInTheReadme();
     void everyNameInTheArchitectureIsInTheSources();
+    void aNameThatIsSaidToBeInAFileIsThere_data();
+    void aNameThatIsSaidToBeInAFileIsThere();
 };
 
 void TestFolders::pathsInTheDocumentsExist_data()
@@ -73,6 +75,27 @@ void TestFolders::everyNameInTheArchitectureIsInTheSources()
     while (names.hasNext()) {
         const QString named = names.next().captured(1);
         QVERIFY2(known.contains(named), qPrintable(named));
+    }
+}
+
+void TestFolders::aNameThatIsSaidToBeInAFileIsThere_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::newRow("CONTRIBUTING.md") << QString("CONTRIBUTING.md");
+    QTest::newRow("docs/architecture.md") << QString("docs/architecture.md");
+}
+
+void TestFolders::aNameThatIsSaidToBeInAFileIsThere()
+{
+    QFETCH(QString, document);
+    const QRegularExpression place("`([\\w:]+)`\\s+in\\s+`([\\w./-]+/[\\w.-]+)`");
+    auto match = place.globalMatch(textOfFile(root + document));
+    QVERIFY(match.hasNext());
+    while (match.hasNext()) {
+        const QRegularExpressionMatch found = match.next();
+        const QString name = found.captured(1);
+        const QString file = textOfFile(root + found.captured(2));
+        QVERIFY2(file.contains(name.section("::", -1)), qPrintable(found.captured()));
     }
 }
 

@@ -16,6 +16,7 @@ class TestMagnitudePhaseOutput : public QObject
 private slots:
     void linesAreIndexPhaseAndMagnitude();
     void everyDoubleComesBack();
+    void aFileThatCannotBeOpenedIsTold();
 
 private:
     QTemporaryDir folder;
@@ -52,6 +53,11 @@ void TestMagnitudePhaseOutput::everyDoubleComesBack()
     QCOMPARE(back.length, n);
     QVERIFY(back.phase == signal.phase); // the same doubles
     QVERIFY(back.magnitude == signal.magnitude);
+}
+
+void TestMagnitudePhaseOutput::aFileThatCannotBeOpenedIsTold()
+{
+    QVERIFY(!saveMagnitudePhaseFile(SignalData(4), folder.filePath("missing/c.pmc")));
 }
 
 QTEST_APPLESS_MAIN(TestMagnitudePhaseOutput)

@@ -61,6 +61,7 @@ private slots:
     void aCarrierIsTheLineAboveItsIndex();
     void rowsThatLeaveNothingHaveNoAnnotation();
     void withoutARateThereAreNoFrequencies();
+    void aFileThatCannotBeOpenedIsTold();
 
 private:
     QString path(const QString& suffix) const { return folder.filePath("signal") + suffix; }
@@ -289,6 +290,19 @@ void TestSampleOutput::withoutARateThereAreNoFrequencies()
     const QJsonObject metadata = metadataOf(setup);
     QVERIFY(!metadata["global"].toObject().contains("core:sample_rate"));
     QVERIFY(metadata["annotations"].toArray().isEmpty());
+}
+
+void TestSampleOutput::aFileThatCannotBeOpenedIsTold()
+{
+    const MeasurementSetup setup = smallSetup();
+    const QString missing = folder.filePath("missing/signal");
+    QVERIFY(!writeRawFile(setup.signal, missing));
+    QVERIFY(!writeNpyFile(setup.signal, missing));
+    QVERIFY(!writeSigmfFiles(setup, "bench 1.2", missing));
+    // The second of two files is in the way.
+    QVERIFY(QDir(folder.path()).mkdir("other.sigmf-meta"));
+    QVERIFY(!writeSigmfFiles(setup, "bench 1.2", folder.filePath("other")));
+    QVERIFY(!QFile::exists(folder.filePath("other.sigmf-data")));
 }
 
 QTEST_APPLESS_MAIN(TestSampleOutput)

@@ -37,6 +37,8 @@ private slots:
     void missingFileIsAFailedRead();
     void hugeLineWithoutAnEndIsSurvived();
     void fourWordsBecomeTheirSpectrum();
+    void theLineAtHalfTheRateComesFirst();
+    void phasesArePartsOfAHalfTurn();
     void topBitsAreDropped();
     void largestPowerOfTwoOfWordsIsUsed();
     void headerWordsAreSamples();
@@ -166,6 +168,33 @@ void TestSignalInput::fourWordsBecomeTheirSpectrum()
     }
     QVERIFY(qAbs(data.phase[1]) < 1e-15);
     QVERIFY(std::isnan(data.phase[0]) || qAbs(data.phase[0]) <= 0.5); // 0/0 or tiny over tiny
+}
+
+void TestSignalInput::theLineAtHalfTheRateComesFirst()
+{
+    // I is 1, -1, 1, -1: all of it in bin 2, with 4 / sqrt(4). Magnitudes 2, 0, 0, 0 have the mean
+    // 0.5 and the deviation sqrt((2.25 + 3 * 0.25) / 4) = sqrt(3) / 2.
+    const SignalData data =
+        readSamples(words({16383, 0, 16383, 0}), words({8192, 8192, 8192, 8192}));
+    QVERIFY(qAbs(data.magnitude[0] - std::sqrt(3.0)) < 1e-15);
+    for (int i = 1; i < 4; ++i) {
+        QVERIFY(qAbs(data.magnitude[i] + std::sqrt(1.0 / 3.0)) < 1e-15);
+    }
+}
+
+void TestSignalInput::phasesArePartsOfAHalfTurn()
+{
+    // (1 + j) at sample 0 alone: every line has (1 + j) / 2, an angle of pi / 4.
+    const QByteArray impulse = words({16383, 8192, 8192, 8192});
+    const SignalData data = readSamples(impulse, impulse);
+    for (const double phase : data.phase) {
+        QVERIFY(qAbs(phase - 0.25) < 1e-15);
+    }
+    // (1 - j): the sign of the quotient.
+    const SignalData other = readSamples(impulse, words({0, 8192, 8192, 8192}));
+    for (const double phase : other.phase) {
+        QVERIFY(qAbs(phase + 0.25) < 1e-15);
+    }
 }
 
 void TestSignalInput::topBitsAreDropped()

@@ -113,6 +113,8 @@ void TestWaveformOutput::wavFormOfAConstantSignalHasUndefinedSamplesButItsSize()
     writeIQWaveFiles(signalOf({1.0, 1.0}, {1.0, 1.0}), base(), 1);
     QCOMPARE(read(".i.wav").size(), 48);
     QCOMPARE(read(".i.wav").mid(44), QByteArray(4, '\0')); // the low bits of an infinite value
+    writeIQWaveFiles(signalOf({1.0}, {1.0}), base(), 1);
+    QCOMPARE(read(".i.wav").size(), 46);
 }
 
 void TestWaveformOutput::wvFormHasItsTagsAndFullScale()
@@ -172,7 +174,8 @@ void TestWaveformOutput::endingChoosesTheForm()
 {
     QFETCH(QString, ending);
     QFETCH(QStringList, files);
-    saveWaveform(base() + ending, signalOf({1.0, -1.0}, {0.5, 0.0}), 1e8);
+    const bool isSaved = saveWaveform(base() + ending, signalOf({1.0, -1.0}, {0.5, 0.0}), 1e8);
+    QCOMPARE(isSaved, !files.isEmpty());
     QCOMPARE(QDir(folder->path()).entryList(QDir::Files, QDir::Name), files);
 }
 
@@ -180,12 +183,16 @@ void TestWaveformOutput::fileThatCannotBeOpenedEndsSilently()
 {
     const SignalData signal = signalOf({1.0}, {1.0});
     for (const char* ending : {".i", ".i.wav", ".wv"}) {
-        saveWaveform(folder->filePath("missing/wave") + ending, signal, 1e8);
+        QVERIFY(!saveWaveform(folder->filePath("missing/wave") + ending, signal, 1e8));
     }
-    QVERIFY(QDir(folder->path()).mkdir("wave.q")); // the second of two files is in the way
-    saveWaveform(base() + ".i", signal, 1e8);
+    // The second of two files is in the way.
+    QVERIFY(QDir(folder->path()).mkdir("wave.q"));
+    QVERIFY(!saveWaveform(base() + ".i", signal, 1e8));
     QCOMPARE(read(".i"), QByteArray("no file"));
-    saveWaveform(QString(), signal, 1e8);
+    QVERIFY(QDir(folder->path()).mkdir("wave.q.wav"));
+    QVERIFY(!saveWaveform(base() + ".i.wav", signal, 1e8));
+    QCOMPARE(read(".i.wav"), QByteArray("no file"));
+    QVERIFY(!saveWaveform(QString(), signal, 1e8));
 }
 
 void TestWaveformOutput::shortVectorsAreNotReadBeyond()

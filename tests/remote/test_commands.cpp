@@ -41,8 +41,12 @@ private slots:
     void aMeasurementIsOneSweepAndOneQuery();
     void theThreeNumbersAreTakenAsTheyCome_data();
     void theThreeNumbersAreTakenAsTheyCome();
+    void anAnswerWithoutThreeNumbersIsNoReading_data();
+    void anAnswerWithoutThreeNumbersIsNoReading();
+    void aReadingHasTheThreeNumbers();
     void withoutATransportNothingHappensOrItIsSaid();
     void commonCommands();
+    void closingTheInterfaceDropsTheConnection();
 };
 
 void TestCommands::generatorModelsSpeakTheirDialect_data()
@@ -312,6 +316,42 @@ void TestCommands::theThreeNumbersAreTakenAsTheyCome()
     QTEST(result[2], "upper");
 }
 
+void TestCommands::anAnswerWithoutThreeNumbersIsNoReading_data()
+{
+    QTest::addColumn<QByteArray>("answer");
+    QTest::newRow("empty line") << QByteArray("\n");
+    QTest::newRow("two fields") << QByteArray("-10,-30\n");
+    QTest::newRow("an empty field") << QByteArray("-10,,-30\n");
+    QTest::newRow("a word") << QByteArray("-10,-30,NAN1\n");
+    QTest::newRow("not a number") << QByteArray("nan,-30,-30\n");
+    // What stands for "no result".
+    QTest::newRow("far too much") << QByteArray("9.91E37,-30,-30\n");
+    QTest::newRow("far too little") << QByteArray("-10,-1000,-30\n");
+}
+
+void TestCommands::anAnswerWithoutThreeNumbersIsNoReading()
+{
+    QFETCH(QByteArray, answer);
+    ScriptedInstrument instrument;
+    instrument.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", answer);
+    AnalyzerCommands commands(socketToInstrument());
+    commands.openInterface();
+    QVERIFY(!commands.readChannelPower());
+}
+
+void TestCommands::aReadingHasTheThreeNumbers()
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", "-999.5,-0.5,999.5,more\n");
+    AnalyzerCommands commands(socketToInstrument());
+    commands.openInterface();
+    const std::optional<std::array<double, 3>> reading = commands.readChannelPower();
+    QVERIFY(reading);
+    QCOMPARE(reading->at(0), -999.5);
+    QCOMPARE(reading->at(1), -0.5);
+    QCOMPARE(reading->at(2), 999.5);
+}
+
 void TestCommands::withoutATransportNothingHappensOrItIsSaid()
 {
     AnalyzerCommands commands(nullptr);
@@ -320,8 +360,9 @@ void TestCommands::withoutATransportNothingHappensOrItIsSaid()
     commands.send("*RST");
     QCOMPARE(commands.identity(), QString());
     QCOMPARE(commands.query("*OPT?"), QString());
-    QVERIFY(failureOf([&] { commands.openInterface(); }) != "(none)");
-    QVERIFY(failureOf([&] { commands.goToLocal(); }) != "(none)");
+    const QString failure = "No valid interface selected";
+    QCOMPARE(failureOf([&] { commands.openInterface(); }), failure);
+    QCOMPARE(failureOf([&] { commands.goToLocal(); }), failure);
 }
 
 void TestCommands::commonCommands()
@@ -334,6 +375,16 @@ void TestCommands::commonCommands()
     commands.reset();
     commands.goToLocal();
     QCOMPARE(instrument.takeReceivedUpTo("&GTL\n"), QByteArray("*IDN?\n*RST\n&GTL\n"));
+}
+
+void TestCommands::closingTheInterfaceDropsTheConnection()
+{
+    ScriptedInstrument instrument;
+    AnalyzerCommands commands(socketToInstrument());
+    commands.openInterface();
+    QTRY_COMPARE(instrument.openConnections(), 1);
+    commands.closeInterface();
+    QTRY_COMPARE(instrument.openConnections(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestCommands)

@@ -100,6 +100,7 @@ private slots:
     void aSlowAnswerIsWaitedForBehindAnOldOne();
     void anAnswerEndsWithASecondOfSilence();
     void aChatteringDeviceIsCutOff();
+    void anAnswerIsCutAtAMebibyte();
     void settingsReachTheLine();
     void goToLocalIsACommandLine();
     void aPortThatIsNotThereCannotBeOpened();
@@ -199,6 +200,17 @@ void TestRs232Interface::aChatteringDeviceIsCutOff()
     line.answerOnce(chatter);
     const QString answer = transport.querySCPI("*IDN?");
     QVERIFY2(answer.size() >= 2 && answer.size() < 15, qPrintable(answer));
+}
+
+// The rest comes well within the silence that would end an answer.
+void TestRs232Interface::anAnswerIsCutAtAMebibyte()
+{
+    Line line;
+    RS232Interface transport(line.name(), usual);
+    transport.open();
+    line.answerOnce({{0, QByteArray(1024 * 1024, 'x')}, {700, "rest"}});
+    const QString answer = transport.querySCPI("*IDN?");
+    QCOMPARE(answer.size(), 1024 * 1024);
 }
 
 void TestRs232Interface::settingsReachTheLine()

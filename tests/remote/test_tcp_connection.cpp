@@ -2,6 +2,7 @@
 #include "remote/tcp_connection.h"
 
 #include "kit/full_listener.h"
+#include "kit/system_limits.h"
 
 #include <QElapsedTimer>
 #include <QHostAddress>
@@ -20,6 +21,7 @@ private slots:
     void aHostThatAnswersIsConnected();
     void aRefusalIsToldAtOnce();
     void anAddressThatIsNoneIsNotReached();
+    void withoutAFreeDescriptorNobodyIsReached();
     void aHostThatDoesNotAnswerTakesTheLimit();
     void aHostThatDoesNotAnswerIsGivenUpWhenBrokenOff();
     void nobodyConnectsAfterBreakingOff();
@@ -117,6 +119,21 @@ void TestTcpConnection::anAddressThatIsNoneIsNotReached()
     QTcpSocket socket;
     QVERIFY(!connectSocket(socket, QHostAddress(), port, 3000, patience));
     QVERIFY(!connectSocket(socket, QHostAddress("analyzer.lab"), port, 3000, patience));
+}
+
+void TestTcpConnection::withoutAFreeDescriptorNobodyIsReached()
+{
+    QTcpServer server;
+    QVERIFY(server.listen(localhost, port)); // somebody would answer
+    const Patience patience;
+    QTcpSocket socket;
+    bool connected = true;
+    {
+        const LoweredLimit noDescriptors(RLIMIT_NOFILE, 0);
+        connected = connectSocket(socket, localhost, port, 3000, patience);
+    }
+    QVERIFY(!connected);
+    QVERIFY(connectSocket(socket, localhost, port, 3000, patience));
 }
 
 void TestTcpConnection::aHostThatDoesNotAnswerTakesTheLimit()

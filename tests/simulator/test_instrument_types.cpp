@@ -31,6 +31,18 @@ const Word words[] = {
     {"SOUR2:POW -20.000000", secondPath},
 };
 
+// Whether the instrument takes both ends of the range and nothing beyond them.
+bool keepsLimits(ScpiSession& session, const QByteArray& word, Range range)
+{
+    const auto isTaken = [&](double value) {
+        tell(session, "*CLS;" + word + ' ' + QByteArray::number(value, 'f', 9));
+        return tell(session, "SYST:ERR?") == noError;
+    };
+    const double beyond = 1e-6 * range.highest;
+    return isTaken(range.lowest) && isTaken(range.highest) && !isTaken(range.lowest - beyond) &&
+           !isTaken(range.highest + beyond);
+}
+
 void addRows(const QStringList& models)
 {
     QTest::addColumn<QString>("model");
@@ -40,6 +52,8 @@ void addRows(const QStringList& models)
 }
 
 } // namespace
+
+Q_DECLARE_METATYPE(Range)
 
 class TestInstrumentTypes : public ScpiSessionTest
 {
@@ -53,6 +67,11 @@ private slots:
     void everyAnalyzerKnowsTheSameWords_data() { addRows(typeNames(analyzerTypes())); }
     void everyAnalyzerKnowsTheSameWords();
     void rangesAreTheModels();
+    void everyGeneratorKeepsItsLimits_data();
+    void everyGeneratorKeepsItsLimits();
+    void everyMicrowaveGeneratorKeepsItsLimits();
+    void everyAnalyzerKeepsItsLimits_data();
+    void everyAnalyzerKeepsItsLimits();
     void identityAndOptionsAreTheModels();
     void unknownModelsAreNotFound();
 };
@@ -167,6 +186,100 @@ void TestInstrumentTypes::rangesAreTheModels()
         tell(session, line);
         QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
     }
+}
+
+void TestInstrumentTypes::everyGeneratorKeepsItsLimits_data()
+{
+    QTest::addColumn<QByteArray>("frequencyWord");
+    QTest::addColumn<Range>("frequency");
+    QTest::addColumn<QByteArray>("levelWord");
+    QTest::addColumn<Range>("level");
+    QTest::addColumn<QByteArray>("options");
+    const auto row = [](const char* model, const char* frequencyWord, Range frequency,
+                        const char* levelWord, Range level, const char* options) {
+        QTest::newRow(model) << QByteArray(frequencyWord) << frequency << QByteArray(levelWord)
+                             << level << QByteArray(options);
+    };
+    row("RIGL", "FREQ", {100e3, 6e9}, "POW", {-120.0, 18.0}, "B4,K7");
+    row("LYR", "RF", {10e3, 2.4e9}, "L", {-127.0, 13.0}, "0");
+    row("ALTAIR", "RF", {10e3, 5.4e9}, "L", {-137.0, 13.0}, "0");
+    row("DENB", "FREQ", {300e3, 3.3e9}, "POW", {-144.0, 16.0}, "B11,B13");
+    row("ORI", "FREQ", {300e3, 6.4e9}, "POW", {-144.0, 16.0}, "B11,B13");
+    row("PHD(A)", "FREQ", {100e3, 6e9}, "POW", {-145.0, 18.0}, "B10,B20");
+    row("PHD(B)", "SOUR2:FREQ", {100e3, 3e9}, "SOUR2:POW", {-145.0, 18.0}, "B10,B20");
+    row("CYG", "FREQ", {9e3, 6e9}, "POW", {-120.0, 18.0}, "B10");
+    row("KAU(A)", "FREQ", {9e3, 3e9}, "POW", {-120.0, 13.0}, "0");
+    row("KAU(B)", "SOUR2:FREQ", {9e3, 3e9}, "SOUR2:POW", {-120.0, 13.0}, "0");
+}
+
+void TestInstrumentTypes::everyGeneratorKeepsItsLimits()
+{
+    QFETCH(QByteArray, frequencyWord);
+    QFETCH(Range, frequency);
+    QFETCH(QByteArray, levelWord);
+    QFETCH(Range, level);
+    BenchModels models;
+    models.generator = findType(generatorTypes(), QTest::currentDataTag());
+    SimulatedInstrument instrument(bench, BenchFace::Generator, models);
+    ScpiSession session(instrument);
+    QVERIFY(keepsLimits(session, frequencyWord, frequency));
+    QVERIFY(keepsLimits(session, levelWord, level));
+    QFETCH(QByteArray, options);
+    QCOMPARE(tell(session, "*OPT?"), options);
+}
+
+void TestInstrumentTypes::everyMicrowaveGeneratorKeepsItsLimits()
+{
+    BenchModels models;
+    models.microwave = findType(microwaveTypes(), "TAU");
+    SimulatedInstrument tau(bench, BenchFace::Microwave, models);
+    ScpiSession toTau(tau);
+    QVERIFY(keepsLimits(toTau, "FREQ", {10e6, 40e9}));
+    QVERIFY(keepsLimits(toTau, "POW", {-20.0, 15.0}));
+    models.microwave = findType(microwaveTypes(), "ZUB");
+    SimulatedInstrument zub(bench, BenchFace::Microwave, models);
+    ScpiSession toZub(zub);
+    QVERIFY(keepsLimits(toZub, "FREQ", {10e6, 60e9}));
+    QVERIFY(keepsLimits(toZub, "POW", {-20.0, 15.0}));
+    QVERIFY(keepsLimits(toZub, "OUTP1:ATT", {0.0, 110.0}));
+    QCOMPARE(tell(toZub, "*OPT?"), QByteArray("B15,B17,B23,B24"));
+}
+
+void TestInstrumentTypes::everyAnalyzerKeepsItsLimits_data()
+{
+    QTest::addColumn<double>("highest"); // frequency and span, Hz
+    QTest::addColumn<double>("mostAttenuation");
+    QTest::addColumn<double>("widestFilter"); // Hz
+    QTest::addColumn<QByteArray>("options");
+    QTest::newRow("ARA") << 26.5e9 << 70.0 << 10e6 << QByteArray("B4,K5");
+    QTest::newRow("HYA") << 8e9 << 75.0 << 50e6 << QByteArray("B4,K5");
+    QTest::newRow("ANTA") << 7e9 << 70.0 << 10e6 << QByteArray("B4");
+    QTest::newRow("MUS") << 3.5e9 << 70.0 << 10e6 << QByteArray("0");
+    QTest::newRow("DOR") << 40e9 << 70.0 << 10e6 << QByteArray("B4,B9");
+    QTest::newRow("CRU") << 43e9 << 75.0 << 50e6 << QByteArray("B4,K5");
+    QTest::newRow("IND") << 13.6e9 << 75.0 << 10e6 << QByteArray("B4");
+    QTest::newRow("GRU") << 6e9 << 50.0 << 3e6 << QByteArray("0");
+    QTest::newRow("NOR") << 30e9 << 70.0 << 10e6 << QByteArray("B9");
+}
+
+void TestInstrumentTypes::everyAnalyzerKeepsItsLimits()
+{
+    QFETCH(double, highest);
+    QFETCH(double, mostAttenuation);
+    QFETCH(double, widestFilter);
+    BenchModels models;
+    models.analyzer = findType(analyzerTypes(), QTest::currentDataTag());
+    SimulatedInstrument instrument(bench, BenchFace::Analyzer, models);
+    ScpiSession session(instrument);
+    QVERIFY(keepsLimits(session, "FREQ:CENT", {0.0, highest}));
+    QVERIFY(keepsLimits(session, "FREQ:SPAN", {0.0, highest}));
+    QVERIFY(keepsLimits(session, "DISP:TRAC:Y:RLEV", {-130.0, 30.0}));
+    QVERIFY(keepsLimits(session, "INP:ATT", {0.0, mostAttenuation}));
+    QVERIFY(keepsLimits(session, "BAND:RES", {1.0, widestFilter}));
+    QVERIFY(keepsLimits(session, "BAND:VID", {1.0, widestFilter}));
+    QVERIFY(keepsLimits(session, "SWE:TIME", {0.001, 16000.0}));
+    QFETCH(QByteArray, options);
+    QCOMPARE(tell(session, "*OPT?"), options);
 }
 
 void TestInstrumentTypes::identityAndOptionsAreTheModels()

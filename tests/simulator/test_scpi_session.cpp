@@ -19,9 +19,12 @@ private slots:
     void absoluteChannelsAnswerInDbm();
     void theOutputCanBeSwitchedOff_data();
     void theOutputCanBeSwitchedOff();
+    void theModulationCanBeSwitchedOff_data();
+    void theModulationCanBeSwitchedOff();
     void questionsHaveTheirAnswers();
     void answersOfOneLineComeTogether();
     void settingsCanBeAsked();
+    void aResetSetsEverySetting();
     void aResetReachesOnlyTheInstrumentSpokenTo();
     void badInputLeavesAnErrorAndChangesNothing_data();
     void badInputLeavesAnErrorAndChangesNothing();
@@ -88,6 +91,23 @@ void TestScpiSession::theOutputCanBeSwitchedOff()
     QVERIFY(!bench.settings.generator.output);
 }
 
+void TestScpiSession::theModulationCanBeSwitchedOff_data()
+{
+    QTest::addColumn<QByteArray>("line");
+    for (const char* line : {"IQ:STAT OFF", "IQ:OFF", ":DM:IQ:STAT OFF;:DM:IQ:PRAM OFF"}) {
+        QTest::newRow(line) << QByteArray(line);
+    }
+}
+
+void TestScpiSession::theModulationCanBeSwitchedOff()
+{
+    QFETCH(QByteArray, line);
+    ScpiSession session = main();
+    tell(session, line);
+    QVERIFY(!bench.settings.generator.iqModulation);
+    QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));
+}
+
 void TestScpiSession::questionsHaveTheirAnswers()
 {
     ScpiSession session = main();
@@ -120,6 +140,47 @@ void TestScpiSession::settingsCanBeAsked()
     QCOMPARE(tell(session, "SWE:TIME?"), QByteArray("0.000000"));
     ScpiSession other = microwave();
     QCOMPARE(tell(other, "POW?"), QByteArray("-30.000000"));
+}
+
+void TestScpiSession::aResetSetsEverySetting()
+{
+    ScpiSession session = main();
+    const struct
+    {
+        const char* line;
+        const char* question;
+        const char* afterReset;
+    } rows[] = {
+        {"FREQ 5", "FREQ?", "1000000000.000000"},
+        {"POW 5", "POW?", "-30.000000"},
+        {"OUTP ON", "OUTP?", "0"},
+        {"IQ:STAT OFF", "IQ:STAT?", "1"},
+        {"FREQ:CENT 5", "FREQ:CENT?", "1000000000.000000"},
+        {"FREQ:SPAN 5", "FREQ:SPAN?", "100000000.000000"},
+        {"DISP:TRAC:Y:RLEV 5", "DISP:TRAC:Y:RLEV?", "0.000000"},
+        {"INP:ATT 5", "INP:ATT?;ATT:AUTO?", "0.000000;1"},
+        {"BAND:RES 5", "BAND:RES?;RES:AUTO?", "0.000000;1"},
+        {"BAND:VID 5", "BAND:VID?;VID:AUTO?", "0.000000;1"},
+        {"SWE:TIME 5", "SWE:TIME?;TIME:AUTO?", "0.000000;1"},
+        {"INIT:CONT OFF", "INIT:CONT?", "1"},
+        {"POW:ACH:BWID 5", "POW:ACH:BWID?", "1000000.000000"},
+        {"POW:ACH:BWID:ACH 5", "POW:ACH:BWID:ACH?", "1000000.000000"},
+        {"POW:ACH:SPAC 5", "POW:ACH:SPAC?", "2000000.000000"},
+        {"POW:ACH:MODE ABS", "POW:ACH:MODE?", "RELative"},
+    };
+    for (const auto& row : rows) {
+        tell(session, row.line);
+        QVERIFY2(tell(session, row.question) != row.afterReset, row.line);
+    }
+    ScpiSession stranger = main(); // has set nothing, so all goes back
+    tell(stranger, "*RST");
+    for (const auto& row : rows) {
+        QCOMPARE(tell(session, row.question), QByteArray(row.afterReset));
+    }
+    ScpiSession converter = microwave();
+    tell(converter, "FREQ 5;OUTP ON;:INP:IF:STAT OFF;:OUTP1:ATT 5;:POW 5;*RST");
+    QCOMPARE(tell(converter, "FREQ?;OUTP?;:INP:IF:STAT?;:OUTP1:ATT?;:POW?"),
+             QByteArray("10000000000.000000;0;1;0.000000;-30.000000"));
 }
 
 void TestScpiSession::aResetReachesOnlyTheInstrumentSpokenTo()
@@ -242,11 +303,11 @@ void TestScpiSession::errorsAreTheInstrumentsNotTheConnections()
 void TestScpiSession::aFullQueueSaysSoInPlaceOfTheNewest()
 {
     ScpiSession session = main();
-    for (std::size_t k = 0; k < ScpiErrorQueue::capacity + 5; ++k) {
-        tell(session, "FOO" + QByteArray(static_cast<int>(k), 'X'));
+    for (int k = 0; k < 35; ++k) {
+        tell(session, "FOO" + QByteArray(k, 'X'));
     }
-    for (std::size_t k = 0; k + 1 < ScpiErrorQueue::capacity; ++k) {
-        QVERIFY(tell(session, "SYST:ERR?").contains("FOO" + QByteArray(static_cast<int>(k), 'X')));
+    for (int k = 0; k < 29; ++k) { // of thirty
+        QVERIFY(tell(session, "SYST:ERR?").contains("FOO" + QByteArray(k, 'X')));
     }
     QCOMPARE(tell(session, "SYST:ERR?"), QByteArray("-350,\"Queue overflow\""));
     QCOMPARE(tell(session, "SYST:ERR?"), QByteArray(noError));

@@ -31,6 +31,9 @@ private slots:
     void nothingIsFetchedTwice();
     void aLongSignalArrivesWhole();
     void aSignalThatCannotBePlayedIsRefused();
+    void aSlowSignalOfOneSampleIsPlayed();
+    void lengthsThatCanBePlayedArePowersOfTwo();
+    void aClientThatEndsSaysNothingMore();
     void aProgramThatComesBackIsFound();
     void aProgramThatStaysSilentIsContactedAnew();
     void askingNowBringsTheNewestSignal();
@@ -136,6 +139,41 @@ void TestSignalClient::aSignalThatCannotBePlayedIsRefused()
     program.calculateTone(64, 3);
     QTRY_COMPARE(received.size(), 3);
     QCOMPARE(signalOf(received, 2).size(), 64);
+}
+
+void TestSignalClient::aSlowSignalOfOneSampleIsPlayed()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    program.calculateTone(1, 0);
+    program.sampleRate = 0.5F;
+    SignalClient client(program.port(), onlyWhenAsked);
+    QSignalSpy received(&client, &SignalClient::received);
+    QTRY_COMPARE(received.size(), 1);
+    QCOMPARE(signalOf(received, 0).size(), 1);
+    QCOMPARE(signalOf(received, 0).sampleRate, 0.5);
+}
+
+void TestSignalClient::lengthsThatCanBePlayedArePowersOfTwo()
+{
+    for (const qint64 count : {1, 2, 64, 4194304, 16777216}) {
+        QVERIFY(isPlayableLength(count));
+    }
+    for (const qint64 count : {-4, 0, 3, 6, 63, 65, 16777215, 33554432}) {
+        QVERIFY(!isPlayableLength(count));
+    }
+}
+
+void TestSignalClient::aClientThatEndsSaysNothingMore()
+{
+    FakeProgram program;
+    QVERIFY(program.listen());
+    auto client = std::make_unique<SignalClient>(program.port(), onlyWhenAsked);
+    int settled = 0;
+    connect(client.get(), &SignalClient::settled, this, [&settled] { ++settled; });
+    QTRY_COMPARE(settled, 1); // it is connected
+    client.reset();
+    QCOMPARE(settled, 1);
 }
 
 void TestSignalClient::aProgramThatComesBackIsFound()

@@ -63,6 +63,7 @@ private slots:
     void whatHasNoAddressOfItsOwnStandsAtTheSharedOne();
     void refusalsAreTold();
     void aSerialLineSpeaksToo();
+    void aSerialLineGoesWithItsSimulator();
     void aSerialLineThatNobodyReadsHoldsNobodyUp();
     void theRippleIsWrittenAsATrace();
     void aTraceThatCannotBeWrittenIsTold();
@@ -318,6 +319,18 @@ void TestSimulator::aSerialLineSpeaksToo()
     ScpiClient client; // the same instruments
     QVERIFY(client.connectTo(simulator.port()));
     QCOMPARE(client.ask("FREQ?"), QByteArray("5.000000"));
+}
+
+void TestSimulator::aSerialLineGoesWithItsSimulator()
+{
+    SimulatorOptions options = quietOptions();
+    options.serial = true;
+    auto simulator = std::make_unique<Simulator>(options);
+    QVERIFY(start(*simulator));
+    const QString name = simulator->places()[1].section(' ', -1);
+    QVERIFY(QFile::exists(name));
+    simulator.reset();
+    QVERIFY(!QFile::exists(name));
 }
 
 void TestSimulator::aSerialLineThatNobodyReadsHoldsNobodyUp()

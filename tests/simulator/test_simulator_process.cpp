@@ -45,6 +45,7 @@ private slots:
     void aTakenPortEndsItWithAMessage();
     void aBadOptionEndsItWithAMessage();
     void helpTellsEveryOption();
+    void versionIsTold();
     void verboseLogsEveryCommand();
     void withoutVerboseOnlyRefusalsAreTold();
 };
@@ -147,6 +148,16 @@ void TestSimulatorProcess::helpTellsEveryOption()
                                "--dut adc --bits 12"}) {
         QVERIFY2(help.contains(option), option);
     }
+}
+
+void TestSimulatorProcess::versionIsTold()
+{
+    Process process;
+    process.runToEnd({"--version"});
+    QCOMPARE(process.exitCode(), 0);
+    const QRegularExpression form("^notchbench-simulator \\d+(\\.\\d+)+\n$");
+    const QString version = process.readAllStandardOutput();
+    QVERIFY2(form.match(version).hasMatch(), qPrintable(version));
 }
 
 void TestSimulatorProcess::verboseLogsEveryCommand()

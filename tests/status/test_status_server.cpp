@@ -33,6 +33,13 @@ rlim_t descriptorLimitLeaving(int count)
     return rlim_t(highest) + 1;
 }
 
+QStringList logged;
+
+void collect(QtMsgType /*type*/, const QMessageLogContext& /*context*/, const QString& text)
+{
+    logged.append(text);
+}
+
 const char greetingBytes[] = "03000000 00000000 01000000 00000048 00000000 20bcbe4c";
 const char length131072[] = "01000000 00000048";
 
@@ -50,9 +57,13 @@ private slots:
     void greetingIsOnItsWayBeforeTheClientIsReported();
     void clientThatGoesIsReportedOnce();
     void askedForNewDataTheRecordForgetsThem();
+    void longBlocksArriveWhole();
     void readTakesAtMost1024Bytes();
+    void requestsStandInTheLog();
     void unreadBytesOfAClientAreBounded();
     void requestSentBeforeTheGreetingIsAnswered();
+    void evenOneByteSentBeforeTheGreetingIsRead();
+    void clientMayBeTakenAtOnce();
     void clientThatWentBeforeItWasGreetedLeavesNothing();
     void unheardBytesWaitAtTheSender_data();
     void unheardBytesWaitAtTheSender();
@@ -63,6 +74,7 @@ private slots:
     void formerClientsThatLeaveMuchUnreadAreDropped();
     void clientThatTakesTheLastDescriptorsIsDropped();
     void closedServerKeepsItsClients();
+    void closedPortCanBeHadAgainAtOnce();
     void aFormerServerThatStaysOpenIsServedToo();
     void portInUseGoesUnnoticed();
     void nothingHappensWhenNothingWaits();
@@ -162,6 +174,19 @@ void TestStatusServer::askedForNewDataTheRecordForgetsThem()
     QVERIFY(!setup->newDataFlag);
 }
 
+// 4 + 8 * 20000 bytes, which are two writes of 64000 and one of 32004.
+void TestStatusServer::longBlocksArriveWhole()
+{
+    constexpr int samples = 20000;
+    setup->signal = SignalData(samples);
+    setup->signal.iSamples.fill(1.0);
+    setup->signal.qSamples.fill(-2.5);
+    const auto client = greetedClient();
+    const QByteArray expected = hex("02000000") + hex("0000803f 000020c0").repeated(samples);
+    QVERIFY(client->ask("GetSymbol", expected.size()) == expected);
+    QVERIFY(client->isSilentBeforeIdentity());
+}
+
 void TestStatusServer::readTakesAtMost1024Bytes()
 {
     const auto client = greetedClient();
@@ -170,6 +195,20 @@ void TestStatusServer::readTakesAtMost1024Bytes()
     QCOMPARE(client->socket.bytesAvailable(), 0);
     // What lay beyond waits for more to come and is then where a request begins.
     QCOMPARE(client->ask("x", 8), hex(length131072));
+}
+
+void TestStatusServer::requestsStandInTheLog()
+{
+    const auto client = greetedClient();
+    logged.clear();
+    QLoggingCategory::setFilterRules(QString());
+    const QtMessageHandler former = qInstallMessageHandler(collect);
+    const bool isAnswered = client->isSilentBeforeIdentity();
+    server->answerRequest(); // nothing waits
+    qInstallMessageHandler(former);
+    initTestCase();
+    QVERIFY(isAnswered);
+    QCOMPARE(logged, QStringList({"<<  \"GetServerID\"", "<<  \"\""}));
 }
 
 void TestStatusServer::unreadBytesOfAClientAreBounded()
@@ -194,6 +233,30 @@ void TestStatusServer::requestSentBeforeTheGreetingIsAnswered()
     QCOMPARE(client.take(24), hex(greetingBytes));
     QCOMPARE(client.take(100).left(4), hex("04000000"));
     QVERIFY(client.isSilentBeforeIdentity());
+}
+
+void TestStatusServer::evenOneByteSentBeforeTheGreetingIsRead()
+{
+    StatusClient client;
+    client.socket.connectToHost(QStringLiteral("127.0.0.1"), server->port());
+    QVERIFY(client.socket.waitForConnected(5000)); // the server has not had its turn
+    client.send("x");
+    QCOMPARE(client.take(24), hex(greetingBytes));
+    // Still unread, it would stand before the word.
+    QCOMPARE(client.ask("GetServerID", 100).left(4), hex("04000000"));
+}
+
+void TestStatusServer::clientMayBeTakenAtOnce()
+{
+    bool isTaken = false;
+    connect(owner->findChild<QTcpServer*>(), &QTcpServer::newConnection, this, [&] {
+        server->takeClient();
+        isTaken = reports->count() == 1;
+    });
+    const auto client = greetedClient();
+    QVERIFY(isTaken);
+    QVERIFY(client->isSilentBeforeIdentity()); // it isn't greeted again
+    QCOMPARE(reports->count(), 1);
 }
 
 void TestStatusServer::clientThatWentBeforeItWasGreetedLeavesNothing()
@@ -358,6 +421,16 @@ void TestStatusServer::closedServerKeepsItsClients()
     StatusClient late;
     late.socket.connectToHost(QStringLiteral("127.0.0.1"), formerPort);
     QTRY_COMPARE(late.socket.error(), QAbstractSocket::ConnectionRefusedError);
+    QVERIFY(greetedClient()->isSilentBeforeIdentity());
+}
+
+void TestStatusServer::closedPortCanBeHadAgainAtOnce()
+{
+    const quint16 port = server->port();
+    server->close();
+    QCOMPARE(server->port(), quint16{0});
+    server->listen(port);
+    QCOMPARE(server->port(), port);
     QVERIFY(greetedClient()->isSilentBeforeIdentity());
 }
 

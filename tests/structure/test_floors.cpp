@@ -200,7 +200,7 @@ Paths TestFloors::publicHeadersOf(const QString& room) const
     Paths found;
     Paths from;
     for (const SourceFile& file : files) {
-        const bool isProgram = room == "app" || room == "cli"; // nobody else includes those
+        const bool isProgram = room == "app" || room == "cli"; // their headers serve programs only
         if (file.folder() != room || isProgram) {
             from += includes[file.path];
         }
