@@ -4,6 +4,7 @@
 //
 // Memory and start are those of processes of their own: this program, with the scenario's name.
 #include "app/main_window.h"
+#include "first_paint.h"
 #include "kit/window_driver.h"
 #include "setup/measurement_setup.h"
 #include "status/status_replies.h"
@@ -45,22 +46,6 @@ void setNineNotches(const WindowDriver& operate)
     operate.click("autocalc_notches_button");
 }
 
-// Tells when the window has been painted.
-class PaintWatch : public QObject
-{
-public:
-    bool eventFilter(QObject* watched, QEvent* event) override
-    {
-        if (event->type() == QEvent::Paint) {
-            QTimer::singleShot(0, watched, [] {
-                std::cout << "painted" << std::endl;
-                QCoreApplication::quit();
-            });
-        }
-        return false;
-    }
-};
-
 int paintOnce()
 {
     MainWindow window;
@@ -91,20 +76,6 @@ int calculateTwice()
         }
     }
     return 0;
-}
-
-void startToFirstPaint(benchmark::State& state)
-{
-    Fastest first;
-    while (state.KeepRunning()) {
-        QProcess program;
-        state.SetIterationTime(first.add(secondsOf([&] {
-            program.start(QCoreApplication::applicationFilePath(), {"paintOnce"});
-            program.waitForReadyRead(-1);
-        })));
-        program.waitForFinished(-1);
-    }
-    state.counters["ms"] = first.seconds() * 1e3;
 }
 
 // Of all threads, in nanoseconds.

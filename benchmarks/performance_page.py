@@ -16,7 +16,8 @@ def load(name):
     return {run["name"].split("/iterations")[0]: run for run in report["benchmarks"]}
 
 
-runs = {name: load(name) for name in ("transform", "calculation", "curve", "recording", "files", "program")}
+runs = {name: load(name) for name in ("transform", "calculation", "curve", "recording", "files",
+                                     "curves", "program")}
 
 FFT = "transform/exponent:{}/threads:{}/manual_time"
 # What is measured, benchmark, run and counter, the bound, and the unit of both.
@@ -63,6 +64,18 @@ TARGETS = [
      "program", "pollWhileCalculating", "percent_within_1_ms", "at least", 100, "%"),
     ("Start to the first painted window",
      "program", "startToFirstPaint", "ms", "at most", 400, "ms"),
+    ("Window of curves, 20 results of 200 levels and 9 notches: the pointer over the lines",
+     "curves", "movePointer", "cpu_time", "at most", 16, "ms"),
+    ("The same, a notch switched",
+     "curves", "switchNotch", "cpu_time", "at most", 16, "ms"),
+    ("The same, a result switched",
+     "curves", "switchResult", "cpu_time", "at most", 16, "ms"),
+    ("The same, another result chosen",
+     "curves", "chooseResult", "cpu_time", "at most", 100, "ms"),
+    ("The same, a zoom, which paints everything anew",
+     "curves", "zoom", "cpu_time", "at most", 100, "ms"),
+    ("Window of curves, start to the first painted window",
+     "curves", "startToFirstPaint", "ms", "at most", 500, "ms"),
     ("Processor time of the idle program",
      "program", "idle", "processor_us_per_s", "at most", 0, "us a second"),
 ]

@@ -2,11 +2,9 @@
 
 #include "chart/chart_style.h"
 
-#include <QAreaSeries>
 #include <QChart>
 #include <QGraphicsLayout>
 #include <QLegend>
-#include <QLineSeries>
 #include <QPainter>
 #include <QValueAxis>
 
@@ -19,48 +17,6 @@ namespace {
 constexpr int letters = 12; // pixels
 constexpr int ticksAcross = 10;
 constexpr int ticksUp = 8;
-constexpr double thin = 1.0; // wider ones take several times as long to draw
-constexpr double strong = 2.0;
-
-QPen penOf(const PlotLine& line)
-{
-    const bool isTheory = line.kind == PlotLine::Kind::Theory;
-    QPen pen(line.colour, line.isChosen && !isTheory ? strong : thin,
-             isTheory ? Qt::DashLine : Qt::SolidLine);
-    pen.setCosmetic(true);
-    return pen;
-}
-
-QVector<QPointF> edgeOf(const QVector<PlotPoint>& points, double sigmas)
-{
-    QVector<QPointF> edge;
-    edge.reserve(points.size());
-    for (const PlotPoint& point : points) {
-        edge << point.value + QPointF(0.0, sigmas * point.sigma.value_or(0.0));
-    }
-    return edge;
-}
-
-bool hasBand(const PlotLine& line)
-{
-    return line.isChosen && line.kind == PlotLine::Kind::Measured;
-}
-
-void fill(const PlotLine& line, QLineSeries* middle, QAreaSeries* band)
-{
-    middle->replace(edgeOf(line.points, 0.0));
-    middle->setPen(penOf(line));
-    middle->setVisible(line.isShown);
-    if (band != nullptr) {
-        constexpr int seeThrough = 48;
-        QColor ground = line.colour;
-        ground.setAlpha(seeThrough);
-        band->upperSeries()->replace(edgeOf(line.points, 1.0));
-        band->lowerSeries()->replace(edgeOf(line.points, -1.0));
-        band->setBrush(ground);
-        band->setVisible(line.isShown);
-    }
-}
 
 QValueAxis* makeAxis()
 {
@@ -92,7 +48,12 @@ CurvePlot::CurvePlot(QWidget* parent) : QWidget(parent), chart(new QChart)
     chart->setMargins(QMargins(letters, letters, 2 * letters, letters / 2));
     addAxes();
     // Queued, for the layout may settle in the middle of drawing.
-    connect(chart, &QChart::plotAreaChanged, this, &CurvePlot::touch, Qt::QueuedConnection);
+    const auto follow = [this](const QRectF& area) {
+        if (area != groundArea) {
+            touchGround();
+        }
+    };
+    connect(chart, &QChart::plotAreaChanged, this, follow, Qt::QueuedConnection);
 }
 
 CurvePlot::~CurvePlot() = default;
@@ -103,120 +64,26 @@ void CurvePlot::addAxes()
     up = makeAxis();
     chart->addAxis(across, Qt::AlignBottom);
     chart->addAxis(up, Qt::AlignLeft);
-    setSpan(PlotSpan());
+    placeTicks(*across, span.xLow, span.xHigh);
+    placeTicks(*up, span.yLow, span.yHigh);
 }
 
-// Without points yet: the axes would stretch around them.
-void CurvePlot::attach(QAbstractSeries* series)
-{
-    chart->addSeries(series);
-    series->attachAxis(across);
-    series->attachAxis(up);
-}
-
-CurvePlot::Drawn CurvePlot::draw(const PlotLine& line)
-{
-    Drawn drawn{line, new QLineSeries, nullptr};
-    if (hasBand(line)) {
-        drawn.band = new QAreaSeries;
-        drawn.band->setUpperSeries(new QLineSeries(drawn.band));
-        drawn.band->setLowerSeries(new QLineSeries(drawn.band));
-        drawn.band->setPen(Qt::NoPen);
-    }
-    if (drawn.band != nullptr) {
-        attach(drawn.band);
-    }
-    attach(drawn.series);
-    fill(line, drawn.series, drawn.band);
-    return drawn;
-}
-
-// Points are given anew only where they changed: the chart works each of them out again.
-void CurvePlot::redraw(Drawn& drawn, const PlotLine& line)
-{
-    if (drawn.line.points != line.points || drawn.line.colour != line.colour) {
-        fill(line, drawn.series, drawn.band);
-    }
-    for (QAbstractSeries* series : seriesOf(drawn)) {
-        series->setVisible(line.isShown);
-    }
-    drawn.line = line;
-}
-
-QVector<QAbstractSeries*> CurvePlot::seriesOf(const Drawn& drawn)
-{
-    QVector<QAbstractSeries*> all{drawn.series};
-    if (drawn.band != nullptr) {
-        all << drawn.band;
-    }
-    return all;
-}
-
-void CurvePlot::erase(const Drawn& drawn)
-{
-    for (QAbstractSeries* series : seriesOf(drawn)) {
-        chart->removeSeries(series);
-        delete series;
-    }
-}
-
-// Series that stay are kept, for making them takes longer than all else. Chosen ones come last and
-// lie above the others.
+// The axes stay as long as the lines fill most of them: what somebody switches is to be compared at
+// a glance.
 void CurvePlot::setContent(const PlotContent& content)
 {
     place = samePlace(place, shown, content);
-    shown = content;
-    QVector<Drawn> former;
-    lines.swap(former);
-    QVector<PlotLine> fresh;
-    for (const PlotLine& line : qAsConst(shown.lines)) {
-        auto* const found = std::find_if(former.begin(), former.end(), [&](const Drawn& drawn) {
-            return drawn.line.isSameAs(line);
-        });
-        if (found == former.end()) {
-            fresh << line;
-            continue;
-        }
-        redraw(*found, line);
-        lines << *found;
-        former.erase(found);
-    }
     if (!hasOwnSpan) {
-        setSpan(shown.whole);
+        const bool isOfAKind = content.xTitle == shown.xTitle;
+        setSpan(isOfAKind ? steadySpan(span, content.whole) : content.whole);
     }
-    std::for_each(former.begin(), former.end(), [this](const Drawn& drawn) { erase(drawn); });
-    std::stable_partition(fresh.begin(), fresh.end(),
-                          [](const PlotLine& line) { return !line.isChosen; });
-    for (const PlotLine& line : qAsConst(fresh)) {
-        lines << draw(line);
+    if (content.xTitle != shown.xTitle || content.yTitle != shown.yTitle) {
+        across->setTitleText(content.xTitle);
+        up->setTitleText(content.yTitle);
+        touchGround();
     }
-    across->setTitleText(shown.xTitle);
-    up->setTitleText(shown.yTitle);
-    drawLevels();
+    shown = content;
     touch();
-}
-
-// Thresholds and limit, from edge to edge whatever is zoomed to.
-void CurvePlot::drawLevels()
-{
-    for (QLineSeries* level : qAsConst(levels)) {
-        chart->removeSeries(level);
-        delete level;
-    }
-    levels.clear();
-    const auto add = [this](double ratio, const QPen& pen) {
-        levels << new QLineSeries;
-        attach(levels.last());
-        levels.last()->append(span.xLow, ratio);
-        levels.last()->append(span.xHigh, ratio);
-        levels.last()->setPen(QPen(pen.brush(), thin, pen.style()));
-    };
-    for (const double threshold : qAsConst(shown.thresholds)) {
-        add(threshold, ChartStyle::thresholdPen());
-    }
-    if (shown.limit) {
-        add(*shown.limit, ChartStyle::limitPen());
-    }
 }
 
 void CurvePlot::setHint(const QString& text)
@@ -243,7 +110,7 @@ void CurvePlot::setSpan(const PlotSpan& newSpan)
     span = newSpan;
     placeTicks(*across, span.xLow, span.xHigh);
     placeTicks(*up, span.yLow, span.yHigh);
-    touch();
+    touchGround();
 }
 
 void CurvePlot::chooseSpan(const PlotSpan& newSpan)
@@ -251,7 +118,6 @@ void CurvePlot::chooseSpan(const PlotSpan& newSpan)
     if (isUseful(newSpan)) {
         hasOwnSpan = true;
         setSpan(newSpan);
-        drawLevels();
         emit zoomed(true);
     }
 }
@@ -268,7 +134,6 @@ void CurvePlot::showWhole()
 {
     hasOwnSpan = false;
     setSpan(shown.whole);
-    drawLevels();
     emit zoomed(false);
 }
 
@@ -283,16 +148,60 @@ void CurvePlot::touch()
     update();
 }
 
-void CurvePlot::renderPicture()
+void CurvePlot::touchGround()
 {
-    isStale = false;
+    isGroundStale = true;
+    touch();
+}
+
+void CurvePlot::renderGround(double density)
+{
+    isGroundStale = false;
     chart->resize(size());
     chart->layout()->activate();
-    const double density = devicePixelRatioF();
-    picture = QPixmap(size() * density);
-    picture.setDevicePixelRatio(density);
-    picture.fill(Qt::white);
-    QPainter painter(&picture);
+    groundArea = chart->plotArea();
+    ground = QImage(size() * density, QImage::Format_RGB32);
+    ground.setDevicePixelRatio(density);
+    ground.fill(Qt::white);
+    QPainter painter(&ground);
     painter.setRenderHint(QPainter::Antialiasing);
     scene.render(&painter, rect(), rect());
+}
+
+// Lines are drawn in the picture's own pixels: so their kept pictures fit onto it one to one.
+void CurvePlot::renderPicture()
+{
+    const double density = devicePixelRatioF();
+    if (isGroundStale || ground.devicePixelRatio() != density) {
+        renderGround(density);
+    }
+    isStale = false;
+    picture = ground;
+    picture.setDevicePixelRatio(1.0);
+    const QRectF area = chart->plotArea();
+    const PlotFrame inPixels{{area.topLeft() * density, area.size() * density}, span};
+    QPainter painter(&picture);
+    paintLevels(painter, inPixels, density);
+    painter.end();
+    pictures.paint(picture, shown.lines, inPixels, density);
+    picture.setDevicePixelRatio(density);
+}
+
+// Thresholds and limit, from edge to edge whatever is zoomed to.
+void CurvePlot::paintLevels(QPainter& painter, const PlotFrame& inPixels, double density) const
+{
+    painter.save();
+    painter.setClipRect(inPixels.area);
+    const auto paint = [&](double ratio, const QPen& pen) {
+        const double y = inPixels.positionOf({span.xLow, ratio}).y();
+        painter.setPen(QPen(pen.brush(), density, pen.style()));
+        painter.drawLine(QPointF(inPixels.area.left(), y), QPointF(inPixels.area.right(), y));
+    };
+    for (const double threshold : shown.thresholds) {
+        paint(threshold, ChartStyle::thresholdPen());
+    }
+    if (shown.limit) {
+        paint(*shown.limit, ChartStyle::limitPen());
+    }
+    painter.restore();
 }

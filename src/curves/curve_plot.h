@@ -1,24 +1,22 @@
-// The chart of the window: lines of NPR with a reading under the pointer. Axes and lines are those
-// of Qt Charts, drawn into a kept picture when they change; pointer, reading and zoom rectangle are
-// painted over it. Main thread.
+// The chart of the window: lines of NPR with a reading under the pointer. Axes are those of Qt
+// Charts; they and the lines are drawn into a kept picture when they change; pointer, reading and
+// zoom rectangle are painted over it. Main thread.
 //
 // Mouse: a drag zooms to its rectangle, the wheel zooms around the pointer, a double click goes
 // back, a click picks the line below. Keys: left and right go along a line, up and down to another,
 // plus and minus zoom, Ctrl with an arrow moves, Home goes back, Return picks, Escape lets go.
 #pragma once
 
+#include "curves/line_pictures.h"
 #include "curves/plot_content.h"
 #include "curves/plot_reading.h"
 
 #include <QGraphicsScene>
-#include <QPixmap>
+#include <QImage>
 #include <QWidget>
 
 namespace QtCharts {
-class QAbstractSeries;
-class QAreaSeries;
 class QChart;
-class QLineSeries;
 class QValueAxis;
 } // namespace QtCharts
 
@@ -30,7 +28,7 @@ public:
     explicit CurvePlot(QWidget* parent = nullptr);
     ~CurvePlot() override;
 
-    // Keeps a zoom that somebody chose; span and cursor follow the content otherwise.
+    // Keeps a zoom that somebody chose; cursor and, where they have to, the axes follow otherwise.
     void setContent(const PlotContent& content);
     // What is said where there is no line to see.
     void setHint(const QString& text);
@@ -63,28 +61,17 @@ protected:
     void leaveEvent(QEvent* event) override;
 
 private:
-    // A line as it is drawn.
-    struct Drawn
-    {
-        PlotLine line;
-        QtCharts::QLineSeries* series;
-        QtCharts::QAreaSeries* band; // null for none
-    };
-
     void addAxes();
     void setSpan(const PlotSpan& span);
     void chooseSpan(const PlotSpan& span);
     void placeTicks(QtCharts::QValueAxis& axis, double low, double high);
-    Drawn draw(const PlotLine& line);
-    void redraw(Drawn& drawn, const PlotLine& line);
-    static QVector<QtCharts::QAbstractSeries*> seriesOf(const Drawn& drawn);
-    void erase(const Drawn& drawn);
-    void attach(QtCharts::QAbstractSeries* series);
-    void drawLevels();
     void setCursor(const PlotPlace& newPlace);
     bool moveCursor(int key);
     void touch();
+    void touchGround();
+    void renderGround(double density);
     void renderPicture();
+    void paintLevels(QPainter& painter, const PlotFrame& inPixels, double density) const;
     void paintCursor(QPainter& painter) const;
     void paintReading(QPainter& painter, const QPointF& at) const;
     void paintHint(QPainter& painter) const;
@@ -94,9 +81,11 @@ private:
     QtCharts::QValueAxis* across = nullptr;
     QtCharts::QValueAxis* up = nullptr;
     PlotContent shown;
-    QVector<Drawn> lines;
-    QVector<QtCharts::QLineSeries*> levels; // thresholds and limit
-    QPixmap picture;
+    LinePictures pictures;
+    QImage ground;     // the axes
+    QRectF groundArea; // theirs when they were drawn
+    QImage picture;
+    bool isGroundStale = true;
     bool isStale = true;
     bool hasOwnSpan = false;
     PlotSpan span;

@@ -169,16 +169,16 @@ void CurvePlot::paintEvent(QPaintEvent* /*event*/)
         renderPicture();
     }
     QPainter painter(this);
-    painter.drawPixmap(0, 0, picture);
+    painter.drawImage(0, 0, picture);
     if (!hint.isEmpty()) {
         paintHint(painter);
     }
     painter.setRenderHint(QPainter::Antialiasing);
     if (!dragged.isNull()) {
-        QColor ground = palette().color(QPalette::Highlight);
-        painter.setPen(ground);
-        ground.setAlpha(40);
-        painter.setBrush(ground);
+        QColor veil = palette().color(QPalette::Highlight);
+        painter.setPen(veil);
+        veil.setAlpha(40);
+        painter.setBrush(veil);
         painter.drawRect(dragged);
     }
     if (place.isSome()) {

@@ -4,18 +4,32 @@
 
 #include <QListWidget>
 
+// A text is only made where a centre is new: there are thousands of points.
 QMap<int, QString> notchesOf(const QVector<ShownResult>& results)
 {
-    QMap<int, QString> notches;
+    struct Seen
+    {
+        double center;
+        QString text;
+    };
+    QMap<int, Seen> notches;
     for (const ShownResult& shown : results) {
         for (const NprPoint& point : shown.isShown ? shown.result.points : QVector<NprPoint>()) {
+            const auto found = notches.find(point.notch);
+            if (found != notches.end() && found->center == point.center) {
+                continue;
+            }
             const QString text = notchText(point.notch, point.center);
-            const QString former = notches.value(point.notch, text);
-            notches[point.notch] =
-                former == text ? text : QStringLiteral("notch %1").arg(point.notch);
+            const bool isAlike = found == notches.end() || found->text == text;
+            notches[point.notch] = {point.center,
+                                    isAlike ? text : QStringLiteral("notch %1").arg(point.notch)};
         }
     }
-    return notches;
+    QMap<int, QString> texts;
+    for (auto notch = notches.begin(); notch != notches.end(); ++notch) {
+        texts[notch.key()] = notch->text;
+    }
+    return texts;
 }
 
 QSet<int> allButNext(const QMap<int, QString>& notches, const QSet<int>& hidden)

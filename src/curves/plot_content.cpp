@@ -25,10 +25,13 @@ QMap<double, Points> grouped(const QVector<NprPoint>& points, Key key, Order ord
     for (const NprPoint& point : points) {
         groups[key(point)] << &point;
     }
+    const auto isBefore = [&order](const NprPoint* a, const NprPoint* b) {
+        return order(*a) < order(*b);
+    };
     for (Points& group : groups) {
-        std::stable_sort(
-            group.begin(), group.end(),
-            [&order](const NprPoint* a, const NprPoint* b) { return order(*a) < order(*b); });
+        if (!std::is_sorted(group.cbegin(), group.cend(), isBefore)) { // they mostly are
+            std::stable_sort(group.begin(), group.end(), isBefore);
+        }
     }
     return groups;
 }
@@ -53,6 +56,7 @@ template <class X>
 void addRuns(const PlotLine& pattern, const Points& points, X xOf, QVector<PlotLine>& lines)
 {
     PlotLine line = pattern;
+    line.points.reserve(points.size());
     const auto finish = [&] {
         if (!line.points.isEmpty()) {
             lines << line;
@@ -191,10 +195,10 @@ bool PlotPoint::operator==(const PlotPoint& other) const
     return value == other.value && sigma == other.sigma && level == other.level;
 }
 
-bool PlotLine::isSameAs(const PlotLine& other) const
+bool PlotLine::looksLike(const PlotLine& other) const
 {
-    return kind == other.kind && result == other.result && notch == other.notch &&
-           run == other.run && isChosen == other.isChosen;
+    return kind == other.kind && isChosen == other.isChosen && colour == other.colour &&
+           points == other.points;
 }
 
 QColor resultColour(int place)

@@ -15,6 +15,7 @@ struct PlotPoint
     double level = 0.0;
     bool operator==(const PlotPoint& other) const;
 };
+Q_DECLARE_TYPEINFO(PlotPoint, Q_MOVABLE_TYPE);
 
 struct PlotLine
 {
@@ -32,7 +33,7 @@ struct PlotLine
     bool isShown = true;
     QVector<PlotPoint> points; // by rising x, all with a ratio
 
-    bool isSameAs(const PlotLine& other) const; // the same thing, whatever its points
+    bool looksLike(const PlotLine& other) const; // when both are shown
 };
 
 struct PlotContent

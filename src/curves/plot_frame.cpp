@@ -57,6 +57,17 @@ bool isUseful(const PlotSpan& span)
     return isWide(span.xLow, span.xHigh) && isWide(span.yLow, span.yHigh);
 }
 
+PlotSpan steadySpan(const PlotSpan& present, const PlotSpan& wanted)
+{
+    const auto fits = [](double low, double high, double wantedLow, double wantedHigh) {
+        return wantedLow >= low && wantedHigh <= high && wantedHigh - wantedLow >= (high - low) / 2;
+    };
+    return fits(present.xLow, present.xHigh, wanted.xLow, wanted.xHigh) &&
+                   fits(present.yLow, present.yHigh, wanted.yLow, wanted.yHigh)
+               ? present
+               : wanted;
+}
+
 AxisTicks ticksOf(double low, double high, int count)
 {
     // A scale is 1 wide at least, so narrower ones are asked for in larger numbers.

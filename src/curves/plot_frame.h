@@ -34,6 +34,9 @@ struct PlotFrame
 // Neither so narrow that numbers don't tell its ends apart nor turned around.
 bool isUseful(const PlotSpan& span);
 
+// The present one as long as the wanted one lies in it and fills half of it or more each way.
+PlotSpan steadySpan(const PlotSpan& present, const PlotSpan& wanted);
+
 struct AxisTicks
 {
     double step = 1.0; // 1, 2 or 5 times a power of ten

@@ -45,6 +45,7 @@ private slots:
     void keysGoAlongZoomAndGoBack();
     void aClickOnALineChoosesItsResult();
     void notchesAreSwitchedByTheirBoxes();
+    void theAxesStayWhenANotchIsSwitched();
     void oneNotchAfterTheOtherIsShownAlone();
     void resultsAreHiddenByTheirBoxesAndClosedByTheMenu();
     void theOtherTabShowsFrequencies();
@@ -182,6 +183,16 @@ void TestCurvesWindow::notchesAreSwitchedByTheirBoxes()
     QCOMPARE(plot()->cursor().line, 1); // the one below
     operate->trigger("action_all_notches");
     QCOMPARE(list->item(2)->checkState(), Qt::Checked);
+}
+
+void TestCurvesWindow::theAxesStayWhenANotchIsSwitched()
+{
+    openResult("a.json", roofs(9)); // the highest two lie apart from the others by a tick
+    const PlotSpan before = plot()->frame().span;
+    operate->trigger("action_next_notch");
+    QVERIFY(plot()->frame().span == before);
+    operate->trigger("action_whole");
+    QVERIFY(plot()->frame().span.yHigh < before.yHigh);
 }
 
 void TestCurvesWindow::oneNotchAfterTheOtherIsShownAlone()

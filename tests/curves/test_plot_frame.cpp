@@ -11,6 +11,7 @@ private slots:
     void aRectangleBecomesItsSpanWithinTheArea();
     void zoomKeepsTheValueUnderThePointer();
     void movingKeepsTheWidth();
+    void axesStayWhileLinesFillHalfOfThem();
     void spansTooNarrowForNumbersAreUseless();
     void ticksAreRoundNumbersHoweverNarrow_data();
     void ticksAreRoundNumbersHoweverNarrow();
@@ -63,6 +64,17 @@ void TestPlotFrame::spansTooNarrowForNumbersAreUseless()
     QVERIFY(isUseful({-20.001, -20.0, 50.0, 50.001}));
     QVERIFY(!isUseful({-20.00001, -20.0, 50.0, 50.001}));
     QVERIFY(!isUseful({0.0, -40.0, 20.0, 60.0}));
+}
+
+void TestPlotFrame::axesStayWhileLinesFillHalfOfThem()
+{
+    const PlotSpan present{-40.0, 0.0, 20.0, 60.0};
+    QVERIFY(steadySpan(present, {-35.0, -10.0, 20.0, 40.0}) == present);
+    for (const PlotSpan& wanted :
+         {PlotSpan{-41.0, 0.0, 20.0, 60.0}, PlotSpan{-40.0, 0.0, 20.0, 60.5},      // beyond them
+          PlotSpan{-40.0, -21.0, 20.0, 60.0}, PlotSpan{-40.0, 0.0, 41.0, 60.0}}) { // too little
+        QVERIFY(steadySpan(present, wanted) == wanted);
+    }
 }
 
 void TestPlotFrame::ticksAreRoundNumbersHoweverNarrow_data()

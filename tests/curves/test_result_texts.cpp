@@ -1,4 +1,5 @@
 #include "curves/made_up_result.h"
+#include "curves/notch_switches.h"
 #include "curves/result_model.h"
 #include "curves/result_texts.h"
 
@@ -12,6 +13,7 @@ private slots:
     void peakAndRangeAreThoseOfTheBestAndOfTheWorstNotch();
     void aRangeThatIsNotClosedIsToldAsSuch();
     void oneMissedReadingFails();
+    void aNotchThatLiesElsewhereInAnotherResultIsItsNumberAlone();
     void aResultOfTheSameFileTakesItsPlace();
 };
 
@@ -46,6 +48,22 @@ void TestResultTexts::oneMissedReadingFails()
     QCOMPARE(verdictText(result), QString("pass"));
     applyLimit(result.points, 31.5);
     QCOMPARE(verdictText(result), QString("FAIL"));
+}
+
+void TestResultTexts::aNotchThatLiesElsewhereInAnotherResultIsItsNumberAlone()
+{
+    ShownResult one;
+    one.result = roofs(2);
+    ShownResult other;
+    other.result = roofs(3);
+    for (NprPoint& point : other.result.points) {
+        point.center += point.notch == 2 ? 4e6 : 0.0;
+    }
+    const QString first = "notch 1, " + minus + "10 MHz";
+    QCOMPARE(notchesOf({one, other}),
+             (QMap<int, QString>{{1, first}, {2, "notch 2"}, {3, "notch 3, 10 MHz"}}));
+    other.isShown = false;
+    QCOMPARE(notchesOf({one, other}), (QMap<int, QString>{{1, first}, {2, "notch 2, 0 MHz"}}));
 }
 
 void TestResultTexts::aResultOfTheSameFileTakesItsPlace()
