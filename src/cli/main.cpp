@@ -1,5 +1,6 @@
 // The bench without a window, see --help.
 #include "base/large_pages.h"
+#include "base/standard_streams.h"
 #include "base/stop_signals.h"
 #include "chart/chart_file.h"
 #include "cli/program.h"
@@ -27,6 +28,7 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
 
 int main(int argc, char* argv[])
 {
+    holdClosedStandardStreams();
     returnFreedMemory();
 #ifdef SIGXFSZ
     // A limit on the size of files is a failed write and not the end of the program.

@@ -12,6 +12,7 @@
 #include <QTextStream>
 
 #include <algorithm>
+#include <cerrno>
 #include <tuple>
 
 #include <poll.h>
@@ -43,10 +44,13 @@ QByteArray readStandardInput()
             continue;
         }
         const ssize_t count = read(STDIN_FILENO, piece, sizeof(piece));
-        if (count <= 0) {
-            break;
+        if (count == 0) {
+            return all;
         }
-        all.append(piece, static_cast<int>(count));
+        if (count < 0 && errno != EINTR && errno != EAGAIN) {
+            failFile("can't read the configuration from standard input: " + qt_error_string());
+        }
+        all.append(piece, static_cast<int>(std::max(count, ssize_t{0})));
     }
     return all;
 }
