@@ -2,16 +2,22 @@
 
 #include "campaign/npr_curve.h"
 #include "campaign/recorded_points.h"
+#include "campaign/subtraction.h"
+#include "campaign/theory.h"
 #include "cli/made_signal.h"
 #include "cli/measuring_request.h"
 #include "cli/new_result.h"
 #include "cli/progress.h"
+#include "cli/result_input.h"
 #include "cli/result_output.h"
 #include "cli/setup_arguments.h"
+#include "cli/theory_argument.h"
 #include "cli/values.h"
 #include "recording/notch_analysis.h"
 #include "recording/recording_file.h"
 
+#include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace {
@@ -26,6 +32,10 @@ struct Request
     double skipSeconds = 0.0;
     QVector<double> thresholds;
     std::optional<double> limit;
+    std::optional<Chain> theory;
+    std::optional<NprResult> without; // the device
+
+    LevelUnit unit() const { return levels.isEmpty() ? LevelUnit::Dbfs : LevelUnit::Dbm; }
 };
 
 void checkFiles(const Request& request)
@@ -38,6 +48,21 @@ void checkFiles(const Request& request)
                                  "each, in their order, or not at all")
                       .arg(request.levels.size())
                       .arg(request.files.size()));
+    }
+}
+
+// Of the request's files and levels.
+void takeComparisons(const Arguments& arguments, Request& request)
+{
+    if (arguments.has("theory")) {
+        request.theory = theoryChain(arguments.value("theory"), std::nullopt, request.unit());
+    }
+    if (arguments.has("subtract") && request.levels.isEmpty()) {
+        failUsage(QStringLiteral("--subtract needs --level for each recording, here and in what is "
+                                 "subtracted: levels in dBFS are never quite the same"));
+    }
+    if (arguments.has("subtract")) {
+        request.without = readResult(arguments.value("subtract"));
     }
 }
 
@@ -75,6 +100,7 @@ Request analyzeRequestOf(const Arguments& arguments)
     }
     request.skipSeconds = numberOr(arguments, "skip", {0.0, 1e9, "seconds"}, 0.0);
     checkFiles(request);
+    takeComparisons(arguments, request);
     return request;
 }
 
@@ -101,9 +127,11 @@ struct Task
 {
     const Session& session;
     const Request& request;
-    QVector<NumberedNotch> notches;
-    RecordingRequest wanted; // but for rate and center
-    double carrier = 0.0;    // of CONFIG, Hz
+    QVector<NumberedNotch> notches; // all
+    QVector<NumberedNotch> chosen;  // of them
+    RecordingRequest wanted;        // but for rate and center
+    std::optional<Theory> theory;   // of the chosen ones
+    double carrier = 0.0;           // of CONFIG, Hz
 };
 
 Task taskOf(const Session& session, const Request& request, MeasurementSetup& setup)
@@ -113,8 +141,12 @@ Task taskOf(const Session& session, const Request& request, MeasurementSetup& se
                                  "one that can be recorded")
                       .arg(setup.sampleRate));
     }
-    Task task{session, request, numberedNotches(setup, setup.signal.length), {}, 0.0};
+    Task task{session, request, numberedNotches(setup, setup.signal.length), {}, {}, {}, 0.0};
+    task.chosen = chosenNotches(session.arguments, task.notches);
     task.wanted.signal = recordedSignalOf(setup, task.notches);
+    if (request.theory) {
+        task.theory.emplace(setup.signal, setup.sampleRate, *request.theory, task.chosen);
+    }
     task.wanted.played = {std::move(setup.signal.iSamples), std::move(setup.signal.qSamples)};
     task.wanted.skipSeconds = request.skipSeconds;
     task.carrier = setup.effectiveFrequency();
@@ -133,13 +165,32 @@ RecordingAnalysis analyze(const SampleReader& reader, const RecordingRequest& wa
     });
 }
 
+// Of the notches that aren't chosen there is nothing to tell.
+bool isChosen(const Task& task, int notch)
+{
+    return std::any_of(task.chosen.begin(), task.chosen.end(),
+                       [notch](const NumberedNotch& one) { return one.number == notch; });
+}
+
+QVector<NprPoint> pointsOf(const RecordingAnalysis& analysis, const Task& task,
+                           const PlaceOfRecording& place)
+{
+    QVector<NprPoint> chosen;
+    for (const NprPoint& point : recordedPoints(analysis, task.notches, place)) {
+        if (isChosen(task, point.notch)) {
+            chosen << point;
+        }
+    }
+    return chosen;
+}
+
 // What must be known of the numbers before they are read.
 void warnOf(const RecordingAnalysis& analysis, const QVector<NprPoint>& points, const Task& task,
             const QString& file)
 {
     Console& console = task.session.console;
     for (int k = 0; k < task.notches.size(); ++k) {
-        if (!analysis.notches.at(k).isRecorded) {
+        if (isChosen(task, task.notches.at(k).number) && !analysis.notches.at(k).isRecorded) {
             console.warn(
                 QStringLiteral("%1: notch %2 or the signal beside it isn't in the recording")
                     .arg(file)
@@ -161,6 +212,21 @@ void warnOf(const RecordingAnalysis& analysis, const QVector<NprPoint>& points, 
     }
 }
 
+// Its noise spreads over the rate that it samples at.
+void requireTheorysRate(const Task& task, const Recording& recording, double sampleRate)
+{
+    constexpr double nearly = 1e-3;
+    const double itsRate = task.wanted.signal.sampleRate;
+    const bool isConverter = task.request.theory && task.request.theory->device.name == "adc";
+    if (isConverter &&
+        !(recording.type->isComplex && std::abs(sampleRate - itsRate) <= nearly * itsRate)) {
+        failUsage(QStringLiteral("--theory adc is that of two converters, one a component, at "
+                                 "CONFIG's sample rate of %1 Hz; %2 is another recording")
+                      .arg(itsRate)
+                      .arg(recording.name));
+    }
+}
+
 void addRecording(const Task& task, const QString& file, std::optional<double> level,
                   NprResult& result)
 {
@@ -172,9 +238,9 @@ void addRecording(const Task& task, const QString& file, std::optional<double> l
     RecordingRequest wanted = task.wanted;
     wanted.sampleRate = sampleRateOf(recording, task.request);
     wanted.center = centerOf(recording, task.request, task.carrier);
+    requireTheorysRate(task, recording, wanted.sampleRate);
     const RecordingAnalysis analysis = analyze(reader, wanted, task.session);
-    const QVector<NprPoint> points =
-        recordedPoints(analysis, task.notches, {result.recordings.size(), level});
+    const QVector<NprPoint> points = pointsOf(analysis, task, {result.recordings.size(), level});
     warnOf(analysis, points, task, file);
     result.points += points;
     result.recordings << factsOf(analysis, wanted);
@@ -193,11 +259,13 @@ void addRecordings(const Task& task, NprResult& result)
 void conclude(const Request& request, NprResult& result)
 {
     result.bench.analyzer = QStringLiteral("recordings");
-    result.levelUnit = request.levels.isEmpty() ? LevelUnit::Dbfs : LevelUnit::Dbm;
     for (NprPoint& point : result.points) {
         if (!result.signal.noiseLike) {
             point.addMark(PointMark::notNoiseLike);
         }
+    }
+    if (request.without) {
+        subtractBench(request.without->points, result.points);
     }
     if (request.limit) {
         applyLimit(result.points, *request.limit);
@@ -205,6 +273,39 @@ void conclude(const Request& request, NprResult& result)
     if (request.files.size() > 1) {
         result.curves = curvesOf(result.points, request.thresholds);
     }
+}
+
+QVector<NprPoint> theoryOf(const Task& task, const QVector<NprPoint>& points)
+{
+    QVector<double> levels;
+    for (const NprPoint& point : points) {
+        if (!levels.contains(point.level)) {
+            levels << point.level;
+        }
+    }
+    return theoryPoints(*task.theory, levels, task.chosen);
+}
+
+void requireSubtractable(const Task& task, const NprResult& result)
+{
+    if (task.request.without) {
+        CampaignPlan plan;
+        plan.levels = task.request.levels;
+        plan.notches = task.chosen;
+        requireSubtractable(*task.request.without, result, plan, task.session.arguments);
+    }
+}
+
+ResultContext contextOf(const Task& task, const NprResult& result)
+{
+    ResultContext context;
+    context.limit = task.request.limit;
+    context.thresholds = task.request.thresholds;
+    if (task.theory) {
+        context.theoryName = "theory " + task.session.arguments.value("theory");
+        context.theory = theoryOf(task, result.points);
+    }
+    return context;
 }
 
 ExitStatus run(const Session& session)
@@ -216,19 +317,19 @@ ExitStatus run(const Session& session)
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     warnUnlessNoiseLike(statistics, session.console);
     NprResult result = newResult(setup);
+    result.levelUnit = request.unit();
     result.signal = figuresOf(setup, statistics);
+    const Task task = taskOf(session, request, setup);
+    requireSubtractable(task, result);
     try {
-        addRecordings(taskOf(session, request, setup), result);
+        addRecordings(task, result);
     } catch (const RecordingError& error) {
         failFile(error.text);
     } catch (const ReadingStopped&) {
         return statusOfSignal(session.stop.received());
     }
     conclude(request, result);
-    ResultContext context;
-    context.limit = request.limit;
-    context.thresholds = request.thresholds;
-    putOut(result, context, session.arguments, session.console);
+    putOut(result, contextOf(task, result), session.arguments, session.console);
     return hasMissedLimit(result.points) ? ExitStatus::LimitMissed : ExitStatus::Done;
 }
 
@@ -253,6 +354,13 @@ Command analyzeCommand()
                  "Level that the device was driven with, once for each recording: several "
                  "make a curve. Without, the recordings' own levels are its axis.",
                  true},
+                notchOption(),
+                {"theory", "DEVICE[,KEY=VALUE...]",
+                 "Add the closed form of a device; over levels in dBFS that of converters, such as "
+                 "adc,bits=12."},
+                {"subtract", "FILE.json",
+                 "A result of recordings without the device, at the same --level, whose distortion "
+                 "and noise are subtracted."},
                 {"threshold", "DB",
                  "Tell the span of levels around the peak over which NPR stays above it.", true},
                 {"limit", "DB", "A reading below it fails, and the status is 1."}} +

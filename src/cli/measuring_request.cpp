@@ -1,5 +1,6 @@
 #include "cli/measuring_request.h"
 
+#include "campaign/subtraction.h"
 #include "cli/device_argument.h"
 #include "cli/exit_status.h"
 #include "cli/result_input.h"
@@ -15,10 +16,27 @@ namespace {
 constexpr int mostAverages = 100000;
 constexpr double usualSettling = 0.1; // s, of instruments
 
-// The notches of "--notch all" or "--notch 1,3".
-QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const MeasurementSetup& setup)
+void requireLines(const QVector<NumberedNotch>& notches)
 {
-    const QVector<NumberedNotch> all = numberedNotches(setup, setup.signal.length);
+    for (const NumberedNotch& notch : notches) {
+        if (notch.lines < 1) {
+            failUsage(QStringLiteral("notch %1 is too narrow: there is no line of the signal in "
+                                     "it; widen it or set a longer \"NPR/FFT Len\"")
+                          .arg(notch.number));
+        }
+    }
+}
+
+} // namespace
+
+Option notchOption()
+{
+    return {"notch", "all|N,N...",
+            "Rows of the notch table, numbered from 1 by rising centre; all by default."};
+}
+
+QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const QVector<NumberedNotch>& all)
+{
     if (!arguments.has("notch") || arguments.value("notch") == "all") {
         return all;
     }
@@ -37,27 +55,13 @@ QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const Measureme
     return chosen;
 }
 
-void requireLines(const QVector<NumberedNotch>& notches)
-{
-    for (const NumberedNotch& notch : notches) {
-        if (notch.lines < 1) {
-            failUsage(QStringLiteral("notch %1 is too narrow: there is no line of the signal in "
-                                     "it; widen it or set a longer \"NPR/FFT Len\"")
-                          .arg(notch.number));
-        }
-    }
-}
-
-} // namespace
-
 Options measuringOptions()
 {
     return Options{
                {"simulate", "DEVICE[,KEY=VALUE...]",
                 "Simulate generator, device and analyzer in place of CONFIG's instruments. " +
                     deviceHelp()},
-               {"notch", "all|N,N...",
-                "Rows of the notch table, numbered from 1 by rising centre; all by default."},
+               notchOption(),
                {"average", "N",
                 "Readings a point; powers are averaged. Simulated, each takes the next seed."},
                {"settle", "SECONDS",
@@ -86,12 +90,22 @@ MeasuringRequest requestOf(const Arguments& arguments)
         request.limit = numberOf(arguments.value("limit"), "--limit", {-300.0, 300.0, "dB"});
     }
     if (arguments.has("theory")) {
-        request.theory = theoryChain(arguments.value("theory"), request.simulated);
+        request.theory = theoryChain(arguments.value("theory"), request.simulated, LevelUnit::Dbm);
     }
     if (arguments.has("subtract")) {
         request.without = readResult(arguments.value("subtract"));
     }
     return request;
+}
+
+void requireSubtractable(const NprResult& without, const NprResult& result,
+                         const CampaignPlan& plan, const Arguments& arguments)
+{
+    const QString objection = objectionToSubtracting(without, result, plan);
+    if (!objection.isEmpty()) {
+        failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
+                  "; measure it with the same notches, levels and bandwidth");
+    }
 }
 
 void requireNotchMode(const MeasurementSetup& setup)
@@ -108,7 +122,7 @@ CampaignPlan planOf(const MeasurementSetup& setup, const MeasuringRequest& reque
 {
     CampaignPlan plan;
     plan.levels = levels;
-    plan.notches = chosenNotches(arguments, setup);
+    plan.notches = chosenNotches(arguments, numberedNotches(setup, setup.signal.length));
     requireLines(plan.notches);
     plan.averages = request.averages;
     plan.settleSeconds = request.settleSeconds;

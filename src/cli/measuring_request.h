@@ -13,6 +13,11 @@
 // --simulate, --notch, --average and the others that "measure" and "curve" share.
 Options measuringOptions();
 
+Option notchOption();
+
+// Of all notches those of "--notch all" or "--notch 1,3", in their order. Throws Failure.
+QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const QVector<NumberedNotch>& all);
+
 struct MeasuringRequest
 {
     std::optional<Chain> simulated;
@@ -26,6 +31,11 @@ struct MeasuringRequest
 
 // Throws Failure.
 MeasuringRequest requestOf(const Arguments& arguments);
+
+// Why a result measured without the device can't be subtracted from what is measured of the plan
+// with the settings of result ends the command, before anything is measured. Throws Failure.
+void requireSubtractable(const NprResult& without, const NprResult& result,
+                         const CampaignPlan& plan, const Arguments& arguments);
 
 // Throws Failure in carrier mode and without a notch.
 void requireNotchMode(const MeasurementSetup& setup);

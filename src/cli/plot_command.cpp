@@ -87,7 +87,7 @@ void addTheory(const QString& text, ChartedResult& one)
     const std::optional<QString>& device = one.result.bench.simulated;
     const std::optional<Chain> simulated =
         device ? std::make_optional(chainOf(*device, one.name)) : std::nullopt;
-    const Chain chain = theoryChain(text, simulated);
+    const Chain chain = theoryChain(text, simulated, one.result.levelUnit);
     MeasurementSetup setup = setupOf(one.result.config);
     makeSignal(setup);
     one.context.theoryName = "theory " + (text == "same" ? *device : text);

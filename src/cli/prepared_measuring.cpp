@@ -35,20 +35,6 @@ ChosenBench chosenBench(const MeasurementSetup& setup, const MeasuringRequest& r
             presentLevel};
 }
 
-// Before hours of measuring, not after them.
-void requireSubtractable(const MeasuringRequest& request, const NprResult& result,
-                         const CampaignPlan& plan, const Arguments& arguments)
-{
-    if (!request.without) {
-        return;
-    }
-    const QString objection = objectionToSubtracting(*request.without, result, plan);
-    if (!objection.isEmpty()) {
-        failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
-                  "; measure it with the same notches, levels and bandwidth");
-    }
-}
-
 ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& request,
                         const CampaignPlan& plan, const Arguments& arguments,
                         const Measuring& wanted)
@@ -83,7 +69,9 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     ready.plan = planOf(
         setup, ready.request,
         wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels, arguments);
-    requireSubtractable(ready.request, ready.result, ready.plan, arguments);
+    if (ready.request.without) {
+        requireSubtractable(*ready.request.without, ready.result, ready.plan, arguments);
+    }
     ready.context = contextOf(setup, ready.request, ready.plan, arguments, wanted);
     ready.hasCurves = !wanted.levels.isEmpty();
     return ready;

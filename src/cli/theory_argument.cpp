@@ -1,10 +1,9 @@
 #include "cli/theory_argument.h"
 
-#include "campaign/theory.h"
 #include "cli/device_argument.h"
 #include "cli/exit_status.h"
 
-Chain theoryChain(const QString& text, const std::optional<Chain>& simulated)
+Chain theoryChain(const QString& text, const std::optional<Chain>& simulated, LevelUnit unit)
 {
     if (text == "same" && !simulated) {
         failUsage(QStringLiteral("--theory same is that of the device of --simulate; name one"));
@@ -16,7 +15,13 @@ Chain theoryChain(const QString& text, const std::optional<Chain>& simulated)
     const bool isConverter = chain.device.name == "adc";
     const bool hasScale =
         text == "same" || text.contains("full-scale=") || text.contains("loading=");
-    if (isConverter && !hasScale) {
+    if (unit == LevelUnit::Dbfs && !isConverter) {
+        failUsage("--theory " + chain.device.name +
+                  " needs levels in dBm: analyze the recordings with --level");
+    }
+    if (isConverter && !hasScale && unit == LevelUnit::Dbfs) {
+        chain.device.fullScale = 0.0;
+    } else if (isConverter && !hasScale) {
         if (!simulated || simulated->device.name != "adc") {
             failUsage(QStringLiteral("--theory adc needs full-scale=DBM"));
         }
@@ -29,14 +34,20 @@ Chain theoryChain(const QString& text, const std::optional<Chain>& simulated)
 QVector<NprPoint> theoryPoints(const MeasurementSetup& setup, const Chain& chain,
                                const CampaignPlan& plan)
 {
-    const Theory theory(setup.signal, setup.sampleRate, chain, plan.notches);
+    return theoryPoints(Theory(setup.signal, setup.sampleRate, chain, plan.notches), plan.levels,
+                        plan.notches);
+}
+
+QVector<NprPoint> theoryPoints(const Theory& theory, const QVector<double>& levels,
+                               const QVector<NumberedNotch>& notches)
+{
     QVector<NprPoint> points;
-    for (const double level : plan.levels) {
+    for (const double level : levels) {
         const QVector<std::optional<double>> ratios = theory.at(level);
         for (int k = 0; k < ratios.size(); ++k) {
             NprPoint point;
             point.level = level;
-            point.notch = plan.notches.at(k).number;
+            point.notch = notches.at(k).number;
             point.npr = ratios.at(k);
             points << point;
         }

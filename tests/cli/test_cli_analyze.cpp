@@ -58,6 +58,10 @@ private slots:
     void everyFormThatSignalWritesReadsBack();
     void aConverterDrawsItsCurveOverItsOwnLevel();
     void levelsThatAreGivenAreTheAxis();
+    void theoryStandsBesideAConvertersReadings();
+    void theoryOfAConverterIsThatOfCONFIGsRate();
+    void aChosenNotchIsReadAlone();
+    void whatFillsTheNotchesWithoutTheDeviceIsSubtracted();
     void clippedRecordingsAreToldAndMarked();
     void aMissedLimitIsTheStatus();
     void wrongUsageIsToldBeforeAnythingIsRead_data();
@@ -172,6 +176,70 @@ void TestCliAnalyze::levelsThatAreGivenAreTheAxis()
     QVERIFY(result["points"].toArray().at(0).toObject()["power_dbm"].isNull());
 }
 
+// 8 bits, full scale of 8 times the rms of a component: nothing clips, and rounding leaves
+// 10 lg(3 4^8 / 64) = 34.87 dB, with 0.13 dB more for 97 of 100 lines have all of the power.
+void TestCliAnalyze::theoryStandsBesideAConvertersReadings()
+{
+    const QString file = quantised("theory.ci8", 8.0);
+    const QStringList words{file, "--rate", "1e8"};
+    const CliRun overLoading = analyze(words + QStringList{"--theory", "adc,bits=8"});
+    QVERIFY2(overLoading.status == 0, qPrintable(overLoading.err));
+    QVERIFY2(overLoading.out.contains("theory/dB"), qPrintable(overLoading.out));
+    QCOMPARE(overLoading.out.count(" 35.00 ") + overLoading.out.count(" 35.01 "), 3);
+    // The same where the level in dBm of the generator is 10 dB above its -15.05 dBFS.
+    const CliRun overDrive =
+        analyze(words + QStringList{"--level=-5.05", "--theory", "adc,bits=8,full-scale=10"});
+    QVERIFY2(overDrive.status == 0, qPrintable(overDrive.err));
+    QCOMPARE(overDrive.out.count(" 35.00 ") + overDrive.out.count(" 35.01 "), 3);
+}
+
+void TestCliAnalyze::theoryOfAConverterIsThatOfCONFIGsRate()
+{
+    const CliRun run =
+        analyze({quantised("faster.ci8", 8.0), "--rate", "1.1e8", "--theory", "adc,bits=8"});
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.err.contains("faster.ci8 is another recording"), qPrintable(run.err));
+}
+
+void TestCliAnalyze::aChosenNotchIsReadAlone()
+{
+    const QStringList words{quantised("chosen.ci8", 8.0), "--rate", "1e8", "--json", "-"};
+    const QVector<double> all = numbersOf(jsonOf(analyze(words).out), "npr_db");
+    const QJsonObject chosen = jsonOf(analyze(words + QStringList{"--notch", "3,1"}).out);
+    QCOMPARE(numbersOf(chosen, "notch"), (QVector<double>{1, 3}));
+    QCOMPARE(numbersOf(chosen, "npr_db"), (QVector<double>{all.at(0), all.at(2)}));
+    const CliRun none = analyze(words + QStringList{"--notch", "4"});
+    QCOMPARE(none.status, 2);
+    QVERIFY2(none.err.contains("--notch"), qPrintable(none.err));
+}
+
+void TestCliAnalyze::whatFillsTheNotchesWithoutTheDeviceIsSubtracted()
+{
+    const QStringList bench{quantised("bench.ci8", 4.5), "--rate", "1e8", "--level", "-10"};
+    const QStringList device{quantised("device.ci8", 9.0), "--rate", "1e8", "--level", "-10"};
+    const CliRun before = analyze(bench + QStringList{"--json", "bench.json"});
+    QVERIFY2(before.status == 0, qPrintable(before.err));
+    const QVector<double> without =
+        numbersOf(jsonOf(QString::fromUtf8(bytesOf(cli.path("bench.json")))), "npr_db");
+    const QStringList toJson{"--json", "-"};
+    const QVector<double> with = numbersOf(jsonOf(analyze(device + toJson).out), "npr_db");
+    const CliRun run = analyze(device + toJson + QStringList{"--subtract", "bench.json"});
+    QVERIFY2(run.status == 0, qPrintable(run.err));
+    const QVector<double> left = numbersOf(jsonOf(run.out), "npr_db");
+    QCOMPARE(left.size(), 3);
+    for (int k = 0; k < left.size(); ++k) {
+        const double share =
+            std::pow(10.0, -0.1 * with.at(k)) - std::pow(10.0, -0.1 * without.at(k));
+        QVERIFY(left.at(k) > with.at(k) + 0.5);
+        QVERIFY2(std::abs(left.at(k) + 10.0 * std::log10(share)) < 1e-6,
+                 qPrintable(QString::number(left.at(k))));
+    }
+    const CliRun elsewhere =
+        analyze({"device.ci8", "--rate", "1e8", "--level", "-9", "--subtract", "bench.json"});
+    QCOMPARE(elsewhere.status, 2);
+    QVERIFY2(elsewhere.err.contains("no point at -9 dBm"), qPrintable(elsewhere.err));
+}
+
 void TestCliAnalyze::clippedRecordingsAreToldAndMarked()
 {
     const CliRun run = analyze({quantised("clipped.ci8", 2.0), "--rate", "1e8"});
@@ -194,6 +262,10 @@ void TestCliAnalyze::wrongUsageIsToldBeforeAnythingIsRead_data()
     QTest::newRow("no recording") << QStringList{} << "needs a recording";
     QTest::newRow("no rate") << QStringList{"noise.npy"} << "--rate";
     QTest::newRow("type") << QStringList{"noise.cf32", "--type", "cf16"} << "cf32|cf64";
+    QTest::newRow("theory of a device without levels")
+        << QStringList{"noise.cf32", "--rate", "1e8", "--theory", "rapp"} << "--level";
+    QTest::newRow("subtraction without levels")
+        << QStringList{"noise.cf32", "--rate", "1e8", "--subtract", "nothing.json"} << "--level";
     QTest::newRow("levels") << QStringList{"a", "b", "--level", "3"} << "once for each";
 }
 

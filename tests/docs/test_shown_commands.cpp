@@ -158,7 +158,7 @@ void TestShownCommands::commandsRun()
     config.close();
     const QStringList commands = commandsOf(document);
     if (commands.join(' ').contains("drive*")) { // recordings of the reader's own
-        for (const char* name : {"drive1", "drive2"}) {
+        for (const char* name : {"drive1", "drive2", "generator", "device"}) {
             const QString record = "notchbench-cli signal bench.cfg --format sigmf --out ";
             QCOMPARE(cli.run(wordsToRun(record + name)).status, 0);
         }
