@@ -186,7 +186,7 @@ QVector<NprPoint> pointsOf(const RecordingAnalysis& analysis, const Task& task,
 
 // What must be known of the numbers before they are read.
 void warnOf(const RecordingAnalysis& analysis, const QVector<NprPoint>& points, const Task& task,
-            const QString& file)
+            const QString& file, double center)
 {
     Console& console = task.session.console;
     for (int k = 0; k < task.notches.size(); ++k) {
@@ -198,8 +198,11 @@ void warnOf(const RecordingAnalysis& analysis, const QVector<NprPoint>& points, 
         }
     }
     if (points.isEmpty()) {
-        failFile(file + " has none of CONFIG's notches: its rate is too low, or --center is wrong "
-                        "(real samples need one)");
+        failFile(QStringLiteral("%1 has none of CONFIG's notches with the carrier at %2 Hz: its "
+                                "rate is too low, or the carrier lies elsewhere; give --center "
+                                "(real samples need one)")
+                     .arg(file)
+                     .arg(center));
     }
     if (points.constFirst().marks.contains(PointMark::clipped)) {
         console.warn(QStringLiteral("%1 is clipped: %2 % of its values are at their ends")
@@ -241,7 +244,7 @@ void addRecording(const Task& task, const QString& file, std::optional<double> l
     requireTheorysRate(task, recording, wanted.sampleRate);
     const RecordingAnalysis analysis = analyze(reader, wanted, task.session);
     const QVector<NprPoint> points = pointsOf(analysis, task, {result.recordings.size(), level});
-    warnOf(analysis, points, task, file);
+    warnOf(analysis, points, task, file, wanted.center);
     result.points += points;
     result.recordings << factsOf(analysis, wanted);
     result.recordings.last().file = file;

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <complex>
 
 #ifdef Q_OS_UNIX
 #include <sys/resource.h>
@@ -62,6 +63,9 @@ private slots:
     void theoryOfAConverterIsThatOfCONFIGsRate();
     void aChosenNotchIsReadAlone();
     void whatFillsTheNotchesWithoutTheDeviceIsSubtracted();
+    void frequenciesOfRecordingAndCONFIGTellWhereTheCarrierLies_data();
+    void frequenciesOfRecordingAndCONFIGTellWhereTheCarrierLies();
+    void frequenciesTooFarApartAreTold();
     void clippedRecordingsAreToldAndMarked();
     void aMissedLimitIsTheStatus();
     void wrongUsageIsToldBeforeAnythingIsRead_data();
@@ -77,6 +81,7 @@ private:
         return cli.run(QStringList{"analyze"} + config + words);
     }
     QString quantised(const QString& name, double k) const;
+    void writeShifted(const QString& base, int lines, const QByteArray& capture) const;
 
     CliProcess cli;
 };
@@ -102,6 +107,29 @@ QString TestCliAnalyze::quantised(const QString& name, double k) const
     }
     QFile file(cli.path(name));
     return file.open(QIODevice::WriteOnly) && file.write(codes) == codes.size() ? name : QString();
+}
+
+// The signal so many of its lines higher, as a SigMF recording of a capture.
+void TestCliAnalyze::writeShifted(const QString& base, int lines, const QByteArray& capture) const
+{
+    const QByteArray floats = bytesOf(cli.path("noise.cf32"));
+    const int samples = floats.size() / 8;
+    QByteArray data(floats.size(), '\0');
+    for (int k = 0; k < samples; ++k) {
+        const std::complex<double> value(qFromLittleEndian<float>(floats.constData() + 8 * k),
+                                         qFromLittleEndian<float>(floats.constData() + 8 * k + 4));
+        const double turns = static_cast<double>(qint64{lines} * k % samples) / samples;
+        const std::complex<double> turned = value * std::polar(1.0, 2.0 * M_PI * turns);
+        qToLittleEndian(static_cast<float>(turned.real()), data.data() + 8 * k);
+        qToLittleEndian(static_cast<float>(turned.imag()), data.data() + 8 * k + 4);
+    }
+    QFile dataFile(cli.path(base + ".sigmf-data"));
+    QVERIFY(dataFile.open(QIODevice::WriteOnly) && dataFile.write(data) == data.size());
+    QFile metaFile(cli.path(base + ".sigmf-meta"));
+    QVERIFY(metaFile.open(QIODevice::WriteOnly));
+    QVERIFY(metaFile.write(R"({"global":{"core:datatype":"cf32_le","core:version":"1.0.0",)"
+                           R"("core:sample_rate":1e8},"captures":[{"core:sample_start":0)" +
+                           capture + "}]}") > 0);
 }
 
 void TestCliAnalyze::everyFormThatSignalWritesReadsBack_data()
@@ -238,6 +266,49 @@ void TestCliAnalyze::whatFillsTheNotchesWithoutTheDeviceIsSubtracted()
         analyze({"device.ci8", "--rate", "1e8", "--level", "-9", "--subtract", "bench.json"});
     QCOMPARE(elsewhere.status, 2);
     QVERIFY2(elsewhere.err.contains("no point at -9 dBm"), qPrintable(elsewhere.err));
+}
+
+void TestCliAnalyze::frequenciesOfRecordingAndCONFIGTellWhereTheCarrierLies_data()
+{
+    QTest::addColumn<QByteArray>("capture");
+    QTest::addColumn<QStringList>("words");
+    QTest::addColumn<double>("center"); // Hz, where the carrier is looked for
+    const QStringList carrier{"--set", "Generator1/Frequency=2.4e9"};
+    const QStringList none{"--set", "Generator1/Frequency=0"};
+    const QByteArray lower = R"(,"core:frequency":2396875000)"; // 4096 lines, 3.125 MHz
+    QTest::newRow("both tell it") << lower << carrier << 3.125e6;
+    QTest::newRow("--center counts")
+        << lower << carrier + QStringList{"--center", "3.125e6"} << 3.125e6;
+    QTest::newRow("--center counts more") << lower << carrier + QStringList{"--center", "0"} << 0.0;
+    QTest::newRow("no carrier in CONFIG") << lower << none << 0.0;
+    QTest::newRow("none in the recording") << QByteArray() << carrier << 0.0;
+    QTest::newRow("baseband") << QByteArray(R"(,"core:frequency":0)") << carrier << 0.0;
+}
+
+// The signal lies 3.125 MHz above the middle: looked for elsewhere, its notches are full.
+void TestCliAnalyze::frequenciesOfRecordingAndCONFIGTellWhereTheCarrierLies()
+{
+    QFETCH(QByteArray, capture);
+    QFETCH(QStringList, words);
+    QFETCH(double, center);
+    writeShifted("carried", 4096, capture);
+    const CliRun run = analyze(QStringList{"carried.sigmf-meta", "--json", "-"} + words);
+    QVERIFY2(run.status == 0, qPrintable(run.err));
+    const QJsonObject result = jsonOf(run.out);
+    const QJsonObject facts = result["recordings"].toArray().at(0).toObject();
+    QCOMPARE(facts["center_hz"].toDouble(), center);
+    for (const QJsonValue point : result["points"].toArray()) {
+        const double npr = point.toObject()["npr_db"].toDouble(); // 0 for one that is below zero
+        QVERIFY2(center == 0.0 ? npr < 10.0 : npr > 99.0, qPrintable(run.out));
+    }
+}
+
+void TestCliAnalyze::frequenciesTooFarApartAreTold()
+{
+    writeShifted("elsewhere", 0, R"(,"core:frequency":5.8e9)");
+    const CliRun run = analyze({"elsewhere.sigmf-meta", "--set", "Generator1/Frequency=2.4e9"});
+    QCOMPARE(run.status, 3);
+    QVERIFY2(run.err.contains("with the carrier at -3.4e+09 Hz"), qPrintable(run.err));
 }
 
 void TestCliAnalyze::clippedRecordingsAreToldAndMarked()
