@@ -23,13 +23,21 @@ void takeSignal(int signal)
     constexpr int statusOfSignals = 128; // what a shell adds to the number
     const int savedError = errno;
     int none = 0;
-    if (!firstSignal.compare_exchange_strong(none, signal) && secondEnds) {
+    const bool isFirst = firstSignal.compare_exchange_strong(none, signal);
+    // A terminal that closes tells it several times: by its shell and by the system.
+    if (!isFirst && secondEnds && signal != SIGHUP) {
         _exit(statusOfSignals + signal);
     }
     const char byte = 0;
     const ssize_t written = write(handlerEnd, &byte, sizeof(byte));
     static_cast<void>(written); // a full socket means that the loop is being woken already
     errno = savedError;
+}
+
+bool isIgnored(int signal)
+{
+    struct sigaction action = {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 void handle(void (*handler)(int))
@@ -40,6 +48,9 @@ void handle(void (*handler)(int))
     sigemptyset(&action.sa_mask);
     sigaction(SIGINT, &action, nullptr);
     sigaction(SIGTERM, &action, nullptr);
+    if (!isIgnored(SIGHUP)) { // as nohup wants it
+        sigaction(SIGHUP, &action, nullptr);
+    }
 }
 
 } // namespace

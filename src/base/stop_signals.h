@@ -1,5 +1,6 @@
-// SIGINT and SIGTERM as a Qt signal and as a number to ask for, so that a program ends in its own
-// order: through its event loop, or between two steps of its work.
+// SIGINT, SIGTERM and SIGHUP (the terminal closed) as a Qt signal and as a number to ask for, so
+// that a program ends in its own order: through its event loop, or between two steps of its work. A
+// SIGHUP that the starter ignores stays ignored.
 #pragma once
 
 #include <QObject>
@@ -12,7 +13,7 @@ class StopSignals : public QObject
     Q_OBJECT
 
 public:
-    // What the second one does.
+    // What the second one does; a second SIGHUP does nothing.
     enum class Second { IsLikeTheFirst, EndsTheProcess };
 
     // At most one in a process at a time. Main thread.

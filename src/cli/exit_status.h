@@ -12,6 +12,7 @@ enum class ExitStatus {
     WrongUsage = 2,
     FileFailed = 3, // or there can be no signal
     InstrumentFailed = 4,
+    HungUp = 129,      // the terminal closed
     Interrupted = 130, // Ctrl+C
     Terminated = 143   // SIGTERM
 };
@@ -35,5 +36,7 @@ struct Failure
 // Of a command that a signal ended, by the signal's number.
 inline ExitStatus statusOfSignal(int signal)
 {
-    return signal == SIGTERM ? ExitStatus::Terminated : ExitStatus::Interrupted;
+    return signal == SIGTERM  ? ExitStatus::Terminated
+           : signal == SIGHUP ? ExitStatus::HungUp
+                              : ExitStatus::Interrupted;
 }

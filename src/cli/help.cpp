@@ -62,12 +62,13 @@ const char examples[] =
     "  notchbench-cli signal default --set \"NPR/Seed=7\" --out noise --format wv\n"
     "  notchbench-cli trim default --target 9 --out trimmed.pmc\n";
 
-const char statuses[] = "  0    done, and within limits\n"
-                        "  1    a limit or a target was missed\n"
-                        "  2    wrong usage\n"
-                        "  3    a file or a port can't be had, or the signal can't be made\n"
-                        "  4    an instrument failed\n"
-                        "  130  interrupted by Ctrl+C; 143 by SIGTERM\n";
+const char statuses[] =
+    "  0    done, and within limits\n"
+    "  1    a limit or a target was missed\n"
+    "  2    wrong usage\n"
+    "  3    a file or a port can't be had, or the signal can't be made\n"
+    "  4    an instrument failed\n"
+    "  130  interrupted by Ctrl+C; 143 by SIGTERM; 129 by a terminal that closed\n";
 
 } // namespace
 

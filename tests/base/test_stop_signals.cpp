@@ -35,6 +35,8 @@ private slots:
     void theFirstIsToldAndKept();
     void theSecondEndsTheProcessWhereAsked();
     void theSecondIsLikeTheFirstOtherwise();
+    void aTerminalThatClosesTwiceEndsNothing();
+    void anIgnoredHangupStaysIgnored();
     void anewOneHasReceivedNothing();
     void oneThatIsGoneLeavesNothingOpen();
 };
@@ -44,6 +46,7 @@ void TestStopSignals::theFirstIsToldAndKept_data()
     QTest::addColumn<int>("number");
     QTest::newRow("SIGINT") << SIGINT;
     QTest::newRow("SIGTERM") << SIGTERM;
+    QTest::newRow("SIGHUP") << SIGHUP;
 }
 
 void TestStopSignals::theFirstIsToldAndKept()
@@ -84,6 +87,35 @@ void TestStopSignals::theSecondIsLikeTheFirstOtherwise()
                  return StopSignals::received();
              }),
              SIGINT);
+}
+
+// A shell sends SIGHUP to what it runs and ends, and the system sends it once more.
+void TestStopSignals::aTerminalThatClosesTwiceEndsNothing()
+{
+    QCOMPARE(statusOf([] {
+                 const StopSignals stop(StopSignals::Second::EndsTheProcess);
+                 raise(SIGHUP);
+                 raise(SIGHUP);
+                 return StopSignals::received();
+             }),
+             SIGHUP);
+}
+
+// As nohup starts a program.
+void TestStopSignals::anIgnoredHangupStaysIgnored()
+{
+    QCOMPARE(statusOf([] {
+                 std::signal(SIGHUP, SIG_IGN);
+                 int during = -1;
+                 {
+                     const StopSignals stop;
+                     raise(SIGHUP);
+                     during = StopSignals::received();
+                 }
+                 raise(SIGHUP); // would end the process
+                 return during;
+             }),
+             0);
 }
 
 void TestStopSignals::anewOneHasReceivedNothing()

@@ -416,6 +416,7 @@ void TestCliMeasure::anInterruptionKeepsWhatWasMeasured_data()
     QTest::addColumn<int>("status");
     QTest::newRow("Ctrl+C") << SIGINT << 130;
     QTest::newRow("SIGTERM") << SIGTERM << 143;
+    QTest::newRow("a terminal that closes") << SIGHUP << 129;
 }
 
 // A campaign that would take hours; the first file tells that it has begun.

@@ -67,6 +67,7 @@ void TestCliServe::aSignalEndsItWithStatusZero_data()
     QTest::addColumn<int>("number");
     QTest::newRow("SIGTERM") << SIGTERM;
     QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGHUP") << SIGHUP;
 }
 
 void TestCliServe::aSignalEndsItWithStatusZero()
