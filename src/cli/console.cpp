@@ -1,5 +1,7 @@
 #include "cli/console.h"
 
+#include <cerrno>
+
 #include <unistd.h>
 
 namespace {
@@ -59,6 +61,7 @@ void Console::printBytes(const QByteArray& bytes)
     const auto size = static_cast<std::size_t>(bytes.size());
     allTaken = std::fwrite(bytes.constData(), 1, size, out) == size && allTaken;
     allTaken = std::fflush(out) == 0 && allTaken; // a program may be waiting at the other end
+    lostReader = lostReader || (!allTaken && errno == EPIPE);
 }
 
 void Console::message(const QString& text)

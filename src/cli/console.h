@@ -31,6 +31,8 @@ public:
 
     // Whether standard output has taken everything so far.
     bool isWhole();
+    // Whether that wasn't so because the reader of its pipe has gone.
+    bool hasLostReader() const { return lostReader; }
 
 private:
     void writeError(const QString& text);
@@ -42,4 +44,5 @@ private:
     bool errHasColour;
     bool hasProgress = false;
     bool allTaken = true;
+    bool lostReader = false;
 };

@@ -3,6 +3,7 @@
 #include "base/standard_streams.h"
 #include "base/stop_signals.h"
 #include "chart/chart_file.h"
+#include "cli/exit_status.h"
 #include "cli/program.h"
 
 #include <QCoreApplication>
@@ -34,10 +35,21 @@ int main(int argc, char* argv[])
     // A limit on the size of files is a failed write and not the end of the program.
     std::signal(SIGXFSZ, SIG_IGN);
 #endif
+#ifdef SIGPIPE
+    // A reader of messages or tables who has gone must not end a measurement.
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName("notchbench-cli");
     QLoggingCategory::setFilterRules("*.debug=false"); // messages are for people
     const StopSignals stop(StopSignals::Second::EndsTheProcess);
     Console console(stdout, stderr);
-    return static_cast<int>(runProgram(QCoreApplication::arguments().mid(1), console, stop));
+    const ExitStatus status = runProgram(QCoreApplication::arguments().mid(1), console, stop);
+#ifdef SIGPIPE
+    if (status == ExitStatus::Done && console.hasLostReader()) { // the usual end before "| head"
+        std::signal(SIGPIPE, SIG_DFL);
+        std::raise(SIGPIPE);
+    }
+#endif
+    return static_cast<int>(status);
 }

@@ -71,9 +71,10 @@ ExitStatus runProgram(const QStringList& words, Console& console, const StopSign
         console.message(QStringLiteral("not enough memory; try a shorter \"NPR/FFT Len\""));
         status = ExitStatus::FileFailed;
     }
-    if (!console.isWhole()) {
+    if (!console.isWhole() && !console.hasLostReader()) {
         console.message(QStringLiteral("standard output can't be written; is its disk full?"));
-        status = status == ExitStatus::Done ? ExitStatus::FileFailed : status;
+        const bool wentWell = status == ExitStatus::Done || status == ExitStatus::LimitMissed;
+        status = wentWell ? ExitStatus::FileFailed : status;
     }
     return status;
 }

@@ -31,8 +31,17 @@ private slots:
     void resultsAreWrittenWhateverStreamIsClosed_data();
     void resultsAreWrittenWhateverStreamIsClosed();
     void itServesWithoutAnyStream();
+    void aReaderWhoHasGoneEndsNoMeasurement_data();
+    void aReaderWhoHasGoneEndsNoMeasurement();
+    void aMissedLimitThatCannotBePrintedIsAFailure();
 
 private:
+    QByteArray contentOf(const QString& name) const
+    {
+        QFile file(cli->path(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    }
+
     std::unique_ptr<CliProcess> cli;
 };
 
@@ -73,9 +82,7 @@ void TestCliStreams::resultsAreWrittenWhateverStreamIsClosed()
     const CliRun run =
         runWith(qPrintable(redirections), measuring + QStringList{"--csv", "points.csv"}, *cli);
     QTEST(run.status, "status");
-    QFile points(cli->path("points.csv"));
-    QVERIFY(points.open(QIODevice::ReadOnly));
-    QCOMPARE(points.readAll().count('\n'), 3);
+    QCOMPARE(contentOf("points.csv").count('\n'), 3);
 }
 
 // Services start programs so. Neither the port nor the warning may reach what else is open: the
@@ -97,6 +104,40 @@ void TestCliStreams::itServesWithoutAnyStream()
     cli->process.terminate();
     QVERIFY(cli->process.waitForFinished(10000));
     QCOMPARE(cli->process.exitCode(), 3); // it couldn't tell its port
+}
+
+void TestCliStreams::aReaderWhoHasGoneEndsNoMeasurement_data()
+{
+    QTest::addColumn<QString>("redirections");
+    QTest::addColumn<QString>("status"); // as by SIGPIPE where it is the table that got lost
+    QTest::newRow("of messages") << "2>&1 >table"
+                                 << "0\n";
+    QTest::newRow("of the points") << ""
+                                   << "141\n";
+}
+
+// The reader closes the pipe before the program begins. The signal isn't noise-like, which is a
+// message before the readings.
+void TestCliStreams::aReaderWhoHasGoneEndsNoMeasurement()
+{
+    QFETCH(QString, redirections);
+    const QString script =
+        "(while [ ! -e gone ]; do sleep 0.02; done; \"$0\" \"$@\"; echo $? >status) " +
+        redirections + " | (exec <&-; touch gone)";
+    const QStringList files{"--csv", "-", "--json", "r.json"};
+    cli->runBy("/bin/sh", QStringList{"-c", script, NOTCHBENCH_CLI} + measuring +
+                              QStringList{"--set", "NPR/Phase Mode=2"} + files);
+    QVERIFY(contentOf("r.json").contains("not-noise-like"));
+    QTEST(QString(contentOf("status")), "status");
+}
+
+void TestCliStreams::aMissedLimitThatCannotBePrintedIsAFailure()
+{
+    if (!QFile::exists("/dev/full")) {
+        QSKIP("the system has no device that is always full");
+    }
+    const CliRun run = runWith(">/dev/full", measuring + QStringList{"--limit", "200"}, *cli);
+    QCOMPARE(run.status, 3);
 }
 
 QTEST_GUILESS_MAIN(TestCliStreams)
