@@ -23,9 +23,15 @@ RarePeaks clippedSamples(const DeviceSettings& device, double power, double samp
 RarePeaks limitedPeaks(const DeviceSettings& device, double power, double samples,
                        double bandwidthRatio)
 {
+    // From here downwards the envelope crosses the limit less often because it seldom falls below:
+    // what was peaks has become the signal.
+    const double lowest = std::sqrt(0.5);
     const double limit = std::sqrt(milliwatts(device.saturationPower) / power);
     const double above = std::exp(-limit * limit);
     RarePeaks peaks;
+    if (limit < lowest) {
+        return peaks;
+    }
     peaks.count = samples * bandwidthRatio * std::sqrt(pi / 3.0) * limit * above;
     peaks.power = power * (above - limit * std::sqrt(pi) * std::erfc(limit));
     peaks.growth = 2.5;

@@ -17,8 +17,8 @@ struct RarePeaks
 };
 
 // For a stimulus of noise of a mean power at the device's input, so many samples long, that fills
-// the share bandwidthRatio of the sample rate. Rice's rate of upcrossings for the limiter, the
-// normal distribution's tail for converters.
+// the share bandwidthRatio of the sample rate. Rice's rate of upcrossings for the limiter, as long
+// as its saturation lies above half the power; the normal distribution's tail for converters.
 RarePeaks rarePeaksOf(const DeviceSettings& device, double power, double samples,
                       double bandwidthRatio);
 

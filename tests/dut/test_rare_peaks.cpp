@@ -54,6 +54,7 @@ private slots:
     void aConverterClipsTheTailsOfTwoComponents();
     void theFullScaleGivesTheLoading();
     void aLimiterCutsAsOftenAsTheEnvelopeRises();
+    void aLimiterThatLimitsNearlyAlwaysHasNone();
     void gentleDevicesHaveNone();
     void scatterIsThatOfRandomPeaks_data();
     void scatterIsThatOfRandomPeaks();
@@ -92,6 +93,17 @@ void TestRarePeaks::aLimiterCutsAsOftenAsTheEnvelopeRises()
     QCOMPARE(peaks.evenPower, 0.0);
     const double share = 10.0 * std::log10(peaks.power / milliwatts(-10.0));
     QVERIFY2(std::abs(share - -57.0) < 0.5, qPrintable(QString::number(share)));
+}
+
+// 30 dB over saturation every thousandth sample is below it. The readings of 160 stimuli scatter
+// there as much as those at 10 dB, by the lines alone.
+void TestRarePeaks::aLimiterThatLimitsNearlyAlwaysHasNone()
+{
+    DeviceSettings device;
+    device.name = QStringLiteral("soft");
+    device.saturationPower = 0.0;
+    QCOMPARE(scatterOf(rarePeaksOf(device, milliwatts(30.0), 131072.0, 0.8)), 0.0);
+    QVERIFY(scatterOf(rarePeaksOf(device, milliwatts(2.9), 131072.0, 0.8)) > 0.0);
 }
 
 void TestRarePeaks::gentleDevicesHaveNone()
