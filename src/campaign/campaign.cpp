@@ -96,7 +96,7 @@ private:
     const Interruption& interruption;
     const Progressed& progressed;
     QVector<PointSums> sums; // of the notches of each level
-    int taken = 0;
+    qint64 taken = 0;
 };
 
 void measure(Run& run, CampaignOutcome& outcome)

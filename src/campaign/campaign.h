@@ -28,8 +28,8 @@ private:
 
 struct CampaignProgress
 {
-    int readings = 0; // taken so far
-    int total = 0;
+    qint64 readings = 0; // taken so far
+    qint64 total = 0;
     double level = 0.0; // of the last reading, dBm
     int notch = 0;      // its number
     NprPoint point;     // that it belongs to, as far as it is known by now

@@ -98,7 +98,7 @@ QString InstrumentBench::levelledInstrument() const
 double InstrumentBench::expectedSeconds(const CampaignPlan& plan) const
 {
     const double sweepTime = chain.analyzer.sweepTime > 0.0 ? chain.analyzer.sweepTime : usualSweep;
-    return plan.readingCount() * (sweepTime + trafficTime) +
+    return double(plan.readingCount()) * (sweepTime + trafficTime) +
            plan.levels.size() * plan.settleSeconds;
 }
 

@@ -12,7 +12,7 @@ struct CampaignPlan
     int averages = 1;           // readings a point
     double settleSeconds = 0.0; // after each change of level
 
-    int readingCount() const { return levels.size() * notches.size() * averages; }
+    qint64 readingCount() const { return qint64{levels.size()} * notches.size() * averages; }
     double highestLevel() const; // of at least one
     double lowestLevel() const;
 };

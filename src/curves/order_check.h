@@ -10,7 +10,7 @@ struct OrderCheck
 {
     QString failure = QStringLiteral("not enough memory or no thread"); // empty when all is well
     QString notice; // what has to be known before the start; empty otherwise
-    int readings = 0;
+    qint64 readings = 0;
     double seconds = 0.0; // about
 };
 

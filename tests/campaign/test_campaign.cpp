@@ -123,8 +123,8 @@ void TestCampaign::pointsComeByLevelAndNotch()
     QCOMPARE(outcome.points[2].notch, 1);
     QCOMPARE(*outcome.points[3].npr, 20.0);
     QCOMPARE(told.size(), 4);
-    QCOMPARE(told[2].readings, 3);
-    QCOMPARE(told[2].total, 4);
+    QCOMPARE(told[2].readings, qint64{3});
+    QCOMPARE(told[2].total, qint64{4});
     QCOMPARE(told[2].level, -10.0);
     QCOMPARE(told[2].notch, 1);
 }
@@ -194,7 +194,7 @@ void TestCampaign::theBackgroundDeliversInTheMainThread()
 {
     const auto bench = std::make_shared<WrittenBench>();
     Campaign campaign;
-    int readings = 0;
+    qint64 readings = 0;
     QThread* where = nullptr;
     connect(&campaign, &Campaign::progressed, this, [&](const CampaignProgress& progress) {
         readings = progress.readings;
@@ -210,7 +210,7 @@ void TestCampaign::theBackgroundDeliversInTheMainThread()
     QCOMPARE(measured.size(), 4);
     QCOMPARE(measured.constLast().npr, campaign.outcome().points.constLast().npr);
     QCOMPARE(campaign.outcome().ending, CampaignOutcome::Ending::Done);
-    QCOMPARE(readings, 4); // the newest is never lost
+    QCOMPARE(readings, qint64{4}); // the newest is never lost
     QCOMPARE(where, QCoreApplication::instance()->thread());
 }
 

@@ -16,6 +16,7 @@ private slots:
     void levelsMayFall();
     void oneLevelIsACampaignToo();
     void impossibleStepsGiveNoLevels();
+    void theMostReadingsCanBeCounted();
     void notchesAreNumberedByRisingCentre();
     void linesAreThoseOfTheChannelInTheNotch();
     void carriersAreNoNotches();
@@ -54,6 +55,15 @@ void TestPlan::impossibleStepsGiveNoLevels()
     QVERIFY(levelSteps(infinity, infinity, 1.0).isEmpty());
     QVERIFY(levelSteps(0.0, 10000.0, 1.0).isEmpty());
     QCOMPARE(levelSteps(0.0, 9999.0, 1.0).size(), 10000);
+}
+
+void TestPlan::theMostReadingsCanBeCounted()
+{
+    CampaignPlan plan;
+    plan.levels.fill(0.0, mostLevels);
+    plan.notches.fill(NumberedNotch(), 999);
+    plan.averages = 100000;
+    QCOMPARE(plan.readingCount(), qint64{999000000000});
 }
 
 void TestPlan::notchesAreNumberedByRisingCentre()
