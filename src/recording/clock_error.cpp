@@ -28,16 +28,21 @@ Value turned(Value value, double radians)
     return plainProduct(value, {std::cos(radians), std::sin(radians)});
 }
 
-ComplexBuffer transformOf(const SampleReader& reader, qint64 first, qint64 length)
+ComplexBuffer weightedTransform(ComplexBuffer stretch)
 {
-    ComplexBuffer stretch = reader.samples(first, length, length);
+    const auto length = static_cast<double>(stretch.size());
     for (quint64 k = 0; k < stretch.size(); ++k) {
-        const double turn = 2.0 * pi * static_cast<double>(k) / static_cast<double>(length);
+        const double turn = 2.0 * pi * static_cast<double>(k) / length;
         const double weight = 0.5 - 0.5 * std::cos(turn);
         stretch[k] = {stretch[k].real() * weight, stretch[k].imag() * weight};
     }
     fft(stretch);
     return stretch;
+}
+
+ComplexBuffer transformOf(const SampleReader& reader, qint64 first, qint64 length)
+{
+    return weightedTransform(reader.samples(first, length, length));
 }
 
 // How a stretch differs from an earlier one: later by a part of a sample, and turned.
@@ -236,6 +241,68 @@ private:
     const ComplexBuffer beginning;
 };
 
+LineRange linesWithin(FrequencyBand band, double sampleRate, qint64 stretch)
+{
+    const double spacing = sampleRate / static_cast<double>(stretch);
+    const double half = 0.5 * sampleRate;
+    return {static_cast<int>(std::ceil(std::max(band.low, -half) / spacing)),
+            static_cast<int>(std::floor(std::min(band.high, half) / spacing))};
+}
+
+bool areEnough(LineRange lines)
+{
+    constexpr int fewest = 8;
+    return lines.last - lines.first >= fewest;
+}
+
+// Long enough for a shift of so many samples to leave most of it in place.
+qint64 stretchFor(int mostShift)
+{
+    qint64 stretch = usualStretch;
+    while (stretch < 16 * mostShift) {
+        stretch *= 2;
+    }
+    return stretch;
+}
+
+// A recording beside the signal that was played.
+class Drift
+{
+public:
+    Drift(const SignalPeriod& itsPlayed, const SampleReader& itsReader, qint64 itsFirst,
+          double itsTurns, SignalPlace itsPlace)
+        : played(itsPlayed), reader(itsReader), first(itsFirst), turns(itsTurns), place(itsPlace)
+    {
+    }
+
+    // Of a stretch that begins so many samples behind the first; none where it isn't the signal's.
+    std::optional<double> at(qint64 sample, qint64 stretch, FrequencyBand band, int mostShift) const
+    {
+        ComplexBuffer recorded = aroundCarrier(reader, turns, first + sample, stretch, stretch);
+        ComplexBuffer expected(static_cast<quint64>(stretch));
+        for (qint64 k = 0; k < stretch; ++k) {
+            const auto index = static_cast<quint64>(k);
+            const int from = static_cast<int>((place.sample + sample + k) % played.i.size());
+            expected[index] = {played.i.at(from), played.q.at(from)};
+            recorded[index] = place.isInverted ? std::conj(recorded[index]) : recorded[index];
+        }
+        const Shift shift =
+            CrossSpectrum(weightedTransform(std::move(expected)),
+                          weightedTransform(std::move(recorded)), linesWithin(band, 1.0, stretch))
+                .shift(mostShift);
+        const bool isFound =
+            shift.coherence > leastCoherence && std::abs(shift.samples) <= mostShift + 1.0;
+        return isFound ? std::make_optional(shift.samples) : std::nullopt;
+    }
+
+private:
+    const SignalPeriod& played;
+    const SampleReader& reader;
+    const qint64 first;
+    const double turns; // of the carrier from sample to sample
+    const SignalPlace place;
+};
+
 } // namespace
 
 std::optional<MeasuredPeriod> measurePeriod(const SampleReader& reader, double sampleRate,
@@ -246,22 +313,45 @@ std::optional<MeasuredPeriod> measurePeriod(const SampleReader& reader, double s
         return std::nullopt;
     }
     const int mostShift = static_cast<int>(std::ceil(mostError * nominal)) + 2;
-    qint64 stretch = usualStretch;
-    while (stretch < 16 * mostShift) {
-        stretch *= 2;
-    }
+    qint64 stretch = stretchFor(mostShift);
     const double room =
         static_cast<double>(reader.recording().samples - first) - nominal - mostShift - 1.0;
     while (static_cast<double>(stretch) > room && stretch / 2 >= 16 * mostShift) {
         stretch /= 2;
     }
-    const double spacing = sampleRate / static_cast<double>(stretch);
-    const double half = 0.5 * sampleRate;
-    const LineRange lines{static_cast<int>(std::ceil(std::max(band.low, -half) / spacing)),
-                          static_cast<int>(std::floor(std::min(band.high, half) / spacing))};
-    if (static_cast<double>(stretch) > room || stretch < shortestStretch ||
-        lines.last - lines.first < 8) {
+    const LineRange lines = linesWithin(band, sampleRate, stretch);
+    if (static_cast<double>(stretch) > room || stretch < shortestStretch || !areEnough(lines)) {
         return std::nullopt;
     }
     return PeriodSearch(reader, first, stretch, mostShift, lines).find(nominal);
+}
+
+std::optional<double> clockErrorAgainst(const SignalPeriod& played, const SampleReader& reader,
+                                        double sampleRate, qint64 first, double center,
+                                        FrequencyBand band)
+{
+    const qint64 samples =
+        std::min(reader.recording().samples - first, 2 * qint64{played.i.size()});
+    const int mostShift = static_cast<int>(std::ceil(mostError * static_cast<double>(samples))) + 2;
+    qint64 stretch = stretchFor(mostShift);
+    while (stretch > samples / 2 && stretch / 2 >= 16 * mostShift) {
+        stretch /= 2;
+    }
+    const FrequencyBand turns{band.low / sampleRate, band.high / sampleRate};
+    if (stretch > samples / 2 || stretch < shortestStretch ||
+        !areEnough(linesWithin(turns, 1.0, stretch))) {
+        return std::nullopt;
+    }
+    const auto place = placeOfSignal(reader, sampleRate, first, center, played);
+    if (!place) {
+        return std::nullopt;
+    }
+    const Drift drift(played, reader, first, center / sampleRate, *place);
+    const qint64 apart = samples - stretch;
+    const std::optional<double> begin = drift.at(0, stretch, turns, mostShift);
+    const std::optional<double> end = drift.at(apart, stretch, turns, mostShift);
+    if (!begin || !end) {
+        return std::nullopt;
+    }
+    return (*end - *begin) / static_cast<double>(apart);
 }

@@ -28,6 +28,8 @@ public:
     RecordingAnalysis run();
 
 private:
+    bool hasPlayedRate() const;
+    std::optional<double> slipOf(double clockError) const;
     int wholePeriod() const;
     bool readPeriods(int period);
     void readPeriodograms();
@@ -45,7 +47,9 @@ private:
     const ReadingProgress& progress;
     const RecordedSignal& signal;
     const qint64 first;
-    std::optional<MeasuredPeriod> measured;
+    // The largest turn of a line from one period to the next, in turns; 0 where the clocks can't
+    // be compared, none where lines turn too fast to be read one by one.
+    std::optional<double> slip = 0.0;
     RecordingAnalysis result;
 };
 
@@ -75,11 +79,31 @@ Analysis::Analysis(const SampleReader& itsReader, const RecordingRequest& itsReq
       first(firstSample(itsRequest, itsReader.recording()))
 {
     const FrequencyBand band = seen(signal.band, view(0.0, false));
-    measured = measurePeriod(reader, request.sampleRate, first, nominalPeriod(request), band);
     result.samples = recording.samples - first;
+    const auto measured =
+        measurePeriod(reader, request.sampleRate, first, nominalPeriod(request), band);
     if (measured) {
         result.clockError = measured->samples / nominalPeriod(request) - 1.0;
+        slip = measured->slip;
+    } else if (hasPlayedRate()) {
+        result.clockError = clockErrorAgainst(request.played, reader, request.sampleRate, first,
+                                              request.center, signal.band);
+        slip = slipOf(result.clockError.value_or(0.0));
     }
+}
+
+// Of the lines at the band's ends; none beyond what a leakage can be told of.
+std::optional<double> Analysis::slipOf(double clockError) const
+{
+    constexpr double most = 0.1; // turns
+    const double farthest = std::max(std::abs(signal.band.low), std::abs(signal.band.high));
+    const double turns = std::abs(clockError) * farthest / signal.lineSpacing();
+    return turns < most ? std::make_optional(turns) : std::nullopt;
+}
+
+bool Analysis::hasPlayedRate() const
+{
+    return !request.played.i.isEmpty() && nominalPeriod(request) == signal.length;
 }
 
 RecordingView Analysis::view(double guard, bool isInverted) const
@@ -119,8 +143,7 @@ int Analysis::wholePeriod() const
     const bool fits = isPower && period <= static_cast<double>(result.samples);
     const bool isSameRate = std::abs(nominal - period) < exactly;
     const bool isOnLine = std::abs(centerLine - std::round(centerLine)) < exactly;
-    const bool stays = !measured || measured->slip;
-    return fits && isSameRate && isOnLine && stays ? static_cast<int>(period) : 0;
+    return fits && isSameRate && isOnLine && slip ? static_cast<int>(period) : 0;
 }
 
 // Independent values behind a density that is partly noise, which scatters from period to period,
@@ -184,9 +207,9 @@ bool Analysis::readPeriods(int period)
     result.way = AnalysisWay::WholePeriods;
     result.averages = lines.periods();
     result.segmentLength = period;
-    const double slip = measured ? measured->slip.value_or(0.0) : 0.0;
     return std::all_of(result.notches.cbegin(), result.notches.cend(), [&](const NotchReading& n) {
-        return !n.isRecorded || leakage(slip, n.lines) * n.beside <= mostLeakage * n.within;
+        return !n.isRecorded ||
+               leakage(slip.value_or(0.0), n.lines) * n.beside <= mostLeakage * n.within;
     });
 }
 
@@ -257,9 +280,12 @@ void Analysis::decideInversion(const BothReadings& both)
     }
     if (std::abs(difference) > clearly) {
         result.isInverted = difference > 0.0;
-    } else if (!request.played.i.isEmpty() && nominalPeriod(request) == signal.length) {
-        result.isInverted =
-            isInvertedSignal(reader, request.sampleRate, first, request.center, request.played);
+    } else if (hasPlayedRate()) {
+        const auto place =
+            placeOfSignal(reader, request.sampleRate, first, request.center, request.played);
+        if (place) {
+            result.isInverted = place->isInverted;
+        }
     }
     result.notches = result.isInverted.value_or(false) ? both.inverted : both.upright;
 }

@@ -10,7 +10,7 @@
 
 #include "recording/notch_channels.h"
 #include "recording/segment_pass.h"
-#include "recording/spectral_inversion.h"
+#include "recording/signal_place.h"
 
 struct RecordingRequest
 {

@@ -22,11 +22,27 @@ MadeSignal evenSignal()
     return {length, rate, -400, 400, {{-200, -137}, {137, 200}}, 0.0};
 }
 
+// Of many lines, so that a period is long.
+MadeSignal longSignal()
+{
+    return {16384, rate, -6500, 6500, {{-4000, -3401}, {2000, 2599}}, 0.0};
+}
+
 RecordingRequest requestFor(const MadeSignal& signal)
 {
     RecordingRequest request;
     request.signal = signal.described();
     request.sampleRate = rate;
+    return request;
+}
+
+RecordingRequest requestWithSamples(const MadeSignal& signal, unsigned seed)
+{
+    RecordingRequest request = requestFor(signal);
+    for (const Complex& sample : signal.period(seed)) {
+        request.played.i << sample.real();
+        request.played.q << sample.imag();
+    }
     return request;
 }
 
@@ -36,11 +52,10 @@ Wave noisy(Wave wave, double power = 1e-4)
     return wave;
 }
 
-// NPR of noise of that power over the whole rate beside smallSignal(), 801 lines without 150 of
-// power 1.
-double noiseNpr(double power)
+// NPR of noise of that power over the whole rate beside a signal of power 1.
+double noiseNpr(double power, const MadeSignal& signal = smallSignal())
 {
-    return 10.0 * std::log10(rate / (651.0 * rate / length) / power);
+    return 10.0 * std::log10(signal.length / (signal.fullLines() * power));
 }
 
 } // namespace
@@ -56,6 +71,10 @@ private slots:
     void clocksApartAreTold_data();
     void clocksApartAreTold();
     void clocksALittleApartAreNotTakenForOne();
+    void shortRecordingsTellTheClockByTheSignal_data();
+    void shortRecordingsTellTheClockByTheSignal();
+    void onePeriodOfAnotherClockIsNotReadByItsLines();
+    void shortRecordingsOfAnotherSignalTellNoClock();
     void invertedRecordingsAreToldByUnequalNotches();
     void invertedRecordingsAreToldByTheSignal();
     void anotherSignalTellsNothingOfInversion();
@@ -165,6 +184,67 @@ void TestNotchAnalysis::clocksALittleApartAreNotTakenForOne()
     }
 }
 
+void TestNotchAnalysis::shortRecordingsTellTheClockByTheSignal_data()
+{
+    QTest::addColumn<double>("ppm");
+    QTest::addColumn<bool>("isInverted");
+    QTest::addColumn<double>("center"); // lines
+    QTest::newRow("100 ppm") << 100.0 << false << 0.0;
+    QTest::newRow("-31.4 ppm, inverted, beside the middle") << -31.4 << true << 200.37;
+    QTest::newRow("none") << 0.0 << false << 0.0;
+}
+
+// Less than a period, which can't be compared with itself.
+void TestNotchAnalysis::shortRecordingsTellTheClockByTheSignal()
+{
+    QFETCH(double, ppm);
+    QFETCH(bool, isInverted);
+    QFETCH(double, center);
+    const MadeSignal signal = longSignal();
+    RecordingRequest request = requestWithSamples(signal, 1);
+    request.center = center * rate / signal.length;
+    Wave wave = signal.sampledAt(1, 0.321, 1.0 / (signal.length * (1.0 + 1e-6 * ppm)), 12000);
+    for (Complex& sample : wave) {
+        sample = isInverted ? std::conj(sample) : sample;
+    }
+    wave = noisy(shifted(wave, center / signal.length), 1e-3);
+    const RecordingAnalysis analysis = folder.analyze(asCf64(wave), "cf64", request);
+    QVERIFY(analysis.way == AnalysisWay::Periodograms);
+    QVERIFY(analysis.clockError);
+    QVERIFY2(std::abs(1e6 * *analysis.clockError - ppm) < 0.5,
+             qPrintable(QString::number(1e6 * *analysis.clockError)));
+    for (const NotchReading& reading : analysis.notches) {
+        QVERIFY2(std::abs(nprOf(reading) - noiseNpr(1e-3, signal)) < 1.0,
+                 qPrintable(QString::number(nprOf(reading))));
+    }
+}
+
+// The lines of the one period that there is would leak into the notches at 50 dB.
+void TestNotchAnalysis::onePeriodOfAnotherClockIsNotReadByItsLines()
+{
+    const MadeSignal signal = longSignal();
+    const RecordingRequest request = requestWithSamples(signal, 1);
+    for (const double ppm : {0.0, 2.0}) {
+        const double step = 1.0 / (signal.length * (1.0 + 1e-6 * ppm));
+        const Wave wave = noisy(signal.sampledAt(1, 0.1, step, signal.length + 100), 1e-7);
+        const RecordingAnalysis analysis = folder.analyze(asCf64(wave), "cf64", request);
+        QVERIFY(analysis.way ==
+                (ppm == 0.0 ? AnalysisWay::WholePeriods : AnalysisWay::Periodograms));
+        for (const NotchReading& reading : analysis.notches) {
+            QVERIFY2(std::abs(nprOf(reading) - noiseNpr(1e-7, signal)) < 1.0,
+                     qPrintable(QString::number(nprOf(reading))));
+        }
+    }
+}
+
+void TestNotchAnalysis::shortRecordingsOfAnotherSignalTellNoClock()
+{
+    const MadeSignal signal = longSignal();
+    const RecordingRequest request = requestWithSamples(signal, 2);
+    const Wave wave = noisy(repeated(signal.period(1), 77, 12000));
+    QVERIFY(!folder.analyze(asCf64(wave), "cf64", request).clockError);
+}
+
 void TestNotchAnalysis::invertedRecordingsAreToldByUnequalNotches()
 {
     const MadeSignal signal = smallSignal();
@@ -185,11 +265,7 @@ void TestNotchAnalysis::invertedRecordingsAreToldByUnequalNotches()
 void TestNotchAnalysis::invertedRecordingsAreToldByTheSignal()
 {
     const MadeSignal signal = evenSignal();
-    RecordingRequest request = requestFor(signal);
-    for (const Complex& sample : signal.period(1)) {
-        request.played.i << sample.real();
-        request.played.q << sample.imag();
-    }
+    const RecordingRequest request = requestWithSamples(signal, 1);
     Wave wave = noisy(repeated(signal.period(1), 100, 20000));
     QCOMPARE(folder.analyze(asCf64(wave), "cf64", request).isInverted, std::optional<bool>(false));
     for (Complex& sample : wave) {
@@ -201,11 +277,7 @@ void TestNotchAnalysis::invertedRecordingsAreToldByTheSignal()
 void TestNotchAnalysis::anotherSignalTellsNothingOfInversion()
 {
     const MadeSignal signal = evenSignal();
-    RecordingRequest request = requestFor(signal);
-    for (const Complex& sample : signal.period(2)) {
-        request.played.i << sample.real();
-        request.played.q << sample.imag();
-    }
+    const RecordingRequest request = requestWithSamples(signal, 2);
     const Wave wave = noisy(repeated(signal.period(1), 100, 20000));
     QCOMPARE(folder.analyze(asCf64(wave), "cf64", request).isInverted, std::optional<bool>());
 }
