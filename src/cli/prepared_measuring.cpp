@@ -52,6 +52,19 @@ ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& r
 
 } // namespace
 
+void requireSubtractable(const MeasuringRequest& request, const NprResult& wanted,
+                         const CampaignPlan& plan, const Arguments& arguments)
+{
+    if (!request.without) {
+        return;
+    }
+    const QString objection = objectionToSubtracting(*request.without, wanted, plan);
+    if (!objection.isEmpty()) {
+        failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
+                  "; measure it with the same notches, levels and bandwidth");
+    }
+}
+
 PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
                                    Console& console)
 {

@@ -80,6 +80,7 @@ void CurvesWindow::connectActions()
     connect(ui->measure_button, &QPushButton::clicked, this, &CurvesWindow::askForCurve);
     connect(ui->stop_button, &QPushButton::clicked, ui->action_stop, &QAction::trigger);
     connect(ui->open_button, &QPushButton::clicked, this, &CurvesWindow::askForFiles);
+    connect(ui->save_button, &QPushButton::clicked, this, &CurvesWindow::askToSave);
     connect(ui->message_close, &QPushButton::clicked, this, &CurvesWindow::dismissMessages);
 }
 
@@ -160,8 +161,9 @@ void CurvesWindow::refresh()
     choice.results = chosenResults();
     ui->action_close->setEnabled(!choice.results.isEmpty());
     ui->action_save->setEnabled(!chosenOrShown().isEmpty());
-    refreshNotches();
+    ui->save_button->setEnabled(ui->action_save->isEnabled());
     const bool isOverLevel = ui->chart_tabs->currentIndex() == 0;
+    refreshNotches(isOverLevel && coloursAreOfNotches(model.results()));
     const PlotContent content = isOverLevel ? contentOverLevel(model.results(), choice)
                                             : contentOverFrequency(model.results(), choice);
     ui->plot->setContent(content);
@@ -170,10 +172,10 @@ void CurvesWindow::refresh()
                                                 : QString());
 }
 
-void CurvesWindow::refreshNotches()
+void CurvesWindow::refreshNotches(bool hasColours)
 {
     isListingNotches = true;
-    listNotches(*ui->notch_list, model.results(), choice.hiddenNotches);
+    listNotches(*ui->notch_list, model.results(), choice.hiddenNotches, hasColours);
     isListingNotches = false;
 }
 

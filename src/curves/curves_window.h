@@ -68,7 +68,7 @@ private:
     void choose(int id);
     QSet<int> chosenResults() const;
     void refresh();
-    void refreshNotches();
+    void refreshNotches(bool hasColours);
     void showAllNotches();
     void showNextNotch();
     void showKeys();

@@ -31,6 +31,7 @@ MeasureDialog::MeasureDialog(QWidget* parent)
 {
     ui->setupUi(this);
     setStyleSheet(houseStyleSheet());
+    ui->theory_input->lineEdit()->setPlaceholderText(QStringLiteral("none"));
     ui->device_input->addItems(deviceNames());
     ui->device_input->setCurrentText(QStringLiteral("rapp"));
     ui->buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Measure"));
@@ -54,10 +55,10 @@ void MeasureDialog::connectInputs()
     }
     connect(ui->simulated_button, &QRadioButton::toggled, this, &MeasureDialog::showBench);
     connect(ui->device_input, &QComboBox::currentTextChanged, this, &MeasureDialog::showBench);
-    connect(ui->theory_box, &QCheckBox::toggled, this, &MeasureDialog::scheduleCheck);
     connect(ui->browse_button, &QPushButton::clicked, this, &MeasureDialog::browse);
+    connect(ui->subtract_button, &QPushButton::clicked, this, &MeasureDialog::browseSubtracted);
     connect(ui->copy_button, &QPushButton::clicked, this,
-            [this] { QApplication::clipboard()->setText(ui->command_text->text()); });
+            [this] { QApplication::clipboard()->setText(ui->command_text->toPlainText()); });
     connect(ui->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
@@ -73,6 +74,28 @@ void MeasureDialog::browse()
     }
 }
 
+void MeasureDialog::browseSubtracted()
+{
+    const QString name =
+        QFileDialog::getOpenFileName(this, QStringLiteral("Measured without the Device"),
+                                     QDir::currentPath(), QStringLiteral("Result (*.json)"));
+    if (!name.isEmpty()) {
+        ui->subtract_input->setText(name);
+    }
+}
+
+QMap<QString, QString> MeasureDialog::figuresOf(const QString& device) const
+{
+    QMap<QString, QString> figures;
+    const QStringList keys = keysOfDevice(device);
+    for (const QLineEdit* field : figureFields(*this)) {
+        if (keys.contains(keyOf(*field))) {
+            figures[keyOf(*field)] = field->text().trimmed();
+        }
+    }
+    return figures;
+}
+
 MeasureOrder MeasureDialog::order() const
 {
     MeasureOrder order;
@@ -80,19 +103,18 @@ MeasureOrder MeasureDialog::order() const
     order.notches = ui->notches_input->text().trimmed();
     order.isSimulated = ui->simulated_button->isChecked();
     order.device = ui->device_input->currentText();
-    for (const QLineEdit* field : figureFields(*this)) {
-        if (keysOfDevice(order.device).contains(keyOf(*field))) {
-            order.figures[keyOf(*field)] = field->text().trimmed();
-        }
-    }
+    order.figures = figuresOf(order.device);
     order.others = ui->others_input->text().trimmed();
     order.from = ui->from_input->text().trimmed();
     order.to = ui->to_input->text().trimmed();
     order.step = ui->step_input->text().trimmed();
+    order.notchRows = ui->notch_input->text().trimmed();
     order.averages = ui->average_input->text().trimmed();
+    order.settling = ui->settle_input->text().trimmed();
     order.limit = ui->limit_input->text().trimmed();
     order.thresholds = ui->threshold_input->text().split(' ', Qt::SkipEmptyParts);
-    order.hasTheory = ui->theory_box->isEnabled() && ui->theory_box->isChecked();
+    order.theory = ui->theory_input->currentText().trimmed();
+    order.subtract = ui->subtract_input->text().trimmed();
     return order;
 }
 
@@ -101,26 +123,47 @@ QStringList MeasureDialog::words() const
     return wordsOf(order());
 }
 
-// A linear device has no theory: it makes no distortion.
 void MeasureDialog::showBench()
 {
     const bool isSimulated = ui->simulated_button->isChecked();
-    const QString device = ui->device_input->currentText();
-    for (QLineEdit* field : figureFields(*this)) {
-        const bool isOwn = keysOfDevice(device).contains(keyOf(*field));
-        field->setVisible(isOwn);
-        ui->device_form->labelForField(field)->setVisible(isOwn);
+    const QStringList keys = keysOfDevice(ui->device_input->currentText());
+    for (QLabel* label : ui->device_box->findChildren<QLabel*>()) {
+        auto* field = qobject_cast<QLineEdit*>(label->buddy());
+        if (field != nullptr && field != ui->others_input) {
+            const bool isOwn = keys.contains(keyOf(*field));
+            field->setVisible(isOwn);
+            label->setVisible(isOwn);
+        }
     }
     ui->device_box->setEnabled(isSimulated);
-    ui->theory_box->setEnabled(device != deviceNames().constFirst());
+    ui->settle_input->setPlaceholderText(isSimulated ? "0" : "0.1");
+    listTheories();
     scheduleCheck();
+}
+
+// To choose from, with the numbers that are typed for the simulated devices. The first is linear
+// and has no theory: it makes no distortion.
+void MeasureDialog::listTheories()
+{
+    const QSignalBlocker quiet(ui->theory_input);
+    const bool isSimulated = ui->simulated_button->isChecked();
+    const QString same = QStringLiteral("same");
+    const QString former = ui->theory_input->currentText();
+    ui->theory_input->clear();
+    ui->theory_input->addItem(QString());
+    if (isSimulated) {
+        ui->theory_input->addItem(same);
+    }
+    for (const QString& device : deviceNames().mid(1)) {
+        ui->theory_input->addItem(deviceWord(device, figuresOf(device), {}));
+    }
+    ui->theory_input->setEditText(former == same && !isSimulated ? QString() : former);
 }
 
 // Until the check has come back nothing can be started.
 void MeasureDialog::scheduleCheck()
 {
-    ui->command_text->setText(commandLineOf(words()));
-    ui->command_text->setCursorPosition(0);
+    ui->command_text->setPlainText(commandLineOf(words()));
     ui->buttons->button(QDialogButtonBox::Ok)->setEnabled(false);
     ++checks;
     pause.start();
@@ -150,4 +193,15 @@ void MeasureDialog::showCheck(const OrderCheck& checked)
     ui->check_text->setText(!isGood                    ? checked.failure
                             : checked.notice.isEmpty() ? estimate
                                                        : estimate + '\n' + checked.notice);
+    makeRoom();
+}
+
+// Long notices take more lines than there were.
+void MeasureDialog::makeRoom()
+{
+    const int wanted = ui->check_text->heightForWidth(ui->check_text->width());
+    const int missing = wanted - ui->check_text->height();
+    if (missing > 0) {
+        resize(width(), height() + missing);
+    }
 }

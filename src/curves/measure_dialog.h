@@ -29,10 +29,14 @@ private:
     MeasureOrder order() const;
     void connectInputs();
     void browse();
+    void browseSubtracted();
+    QMap<QString, QString> figuresOf(const QString& device) const;
     void showBench();
+    void listTheories();
     void scheduleCheck();
     void check();
     void showCheck(const OrderCheck& checked);
+    void makeRoom();
 
     std::unique_ptr<Ui::MeasureDialog> ui;
     QTimer pause; // of typing, before a check

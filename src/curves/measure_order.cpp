@@ -11,20 +11,6 @@ void addUnlessEmpty(const char* option, const QString& value, QStringList& words
     }
 }
 
-QString deviceWord(const MeasureOrder& order)
-{
-    QStringList parts{order.device};
-    for (auto figure = order.figures.begin(); figure != order.figures.end(); ++figure) {
-        if (!figure.value().isEmpty()) {
-            parts << figure.key() + '=' + figure.value();
-        }
-    }
-    if (!order.others.isEmpty()) {
-        parts << order.others;
-    }
-    return parts.join(',');
-}
-
 QString quoted(const QString& word)
 {
     static const QRegularExpression plain(QStringLiteral("^[A-Za-z0-9_./:,=+-]+$"));
@@ -33,23 +19,38 @@ QString quoted(const QString& word)
 
 } // namespace
 
+QString deviceWord(const QString& device, const QMap<QString, QString>& figures,
+                   const QString& others)
+{
+    QStringList parts{device};
+    for (auto figure = figures.begin(); figure != figures.end(); ++figure) {
+        if (!figure.value().isEmpty()) {
+            parts << figure.key() + '=' + figure.value();
+        }
+    }
+    if (!others.isEmpty()) {
+        parts << others;
+    }
+    return parts.join(',');
+}
+
 QStringList wordsOf(const MeasureOrder& order)
 {
     QStringList words{"curve", order.config};
     addUnlessEmpty("--notches", order.notches, words);
     if (order.isSimulated) {
-        words << "--simulate" << deviceWord(order);
+        words << "--simulate" << deviceWord(order.device, order.figures, order.others);
     }
     words << "--levels" << QStringList{order.from, order.to, order.step}.join(':');
+    addUnlessEmpty("--notch", order.notchRows, words);
     addUnlessEmpty("--average", order.averages, words);
+    addUnlessEmpty("--settle", order.settling, words);
     addUnlessEmpty("--limit", order.limit, words);
     for (const QString& threshold : order.thresholds) {
         addUnlessEmpty("--threshold", threshold, words);
     }
-    if (order.isSimulated && order.hasTheory) {
-        words << "--theory"
-              << "same";
-    }
+    addUnlessEmpty("--theory", order.theory, words);
+    addUnlessEmpty("--subtract", order.subtract, words);
     return words;
 }
 

@@ -16,12 +16,19 @@ struct MeasureOrder
     QString others;                 // more of them, "KEY=VALUE,..."
     QString from;                   // levels, dBm
     QString to;
-    QString step; // dB
+    QString step;      // dB
+    QString notchRows; // "1,3"; empty for all
     QString averages;
+    QString settling; // s
     QString limit;
     QStringList thresholds;
-    bool hasTheory = false; // of the simulated device
+    QString theory;   // a device with its numbers, or "same"
+    QString subtract; // a file
 };
+
+// "DEVICE,KEY=VALUE,...", without figures that are empty.
+QString deviceWord(const QString& device, const QMap<QString, QString>& figures,
+                   const QString& others);
 
 // Behind "notchbench-cli".
 QStringList wordsOf(const MeasureOrder& order);

@@ -1,5 +1,6 @@
 #include "curves/notch_switches.h"
 
+#include "curves/plot_content.h"
 #include "curves/result_texts.h"
 
 #include <QListWidget>
@@ -45,7 +46,8 @@ QSet<int> allButNext(const QMap<int, QString>& notches, const QSet<int>& hidden)
     return wanted;
 }
 
-void listNotches(QListWidget& list, const QVector<ShownResult>& results, const QSet<int>& hidden)
+void listNotches(QListWidget& list, const QVector<ShownResult>& results, const QSet<int>& hidden,
+                 bool hasColours)
 {
     const QMap<int, QString> notches = notchesOf(results);
     while (list.count() > notches.size()) {
@@ -59,6 +61,8 @@ void listNotches(QListWidget& list, const QVector<ShownResult>& results, const Q
         QListWidgetItem* item = list.item(row++);
         item->setText(notch.value());
         item->setData(Qt::UserRole, notch.key());
+        item->setData(Qt::DecorationRole,
+                      hasColours ? QVariant(notchColour(notch.key())) : QVariant());
         item->setCheckState(hidden.contains(notch.key()) ? Qt::Unchecked : Qt::Checked);
     }
 }

@@ -15,6 +15,8 @@ QMap<int, QString> notchesOf(const QVector<ShownResult>& results);
 // All are hidden but one: the next after the only one that is shown, the first where several are.
 QSet<int> allButNext(const QMap<int, QString>& notches, const QSet<int>& hidden);
 
-// A row with a box for each, changed only where it has to.
-void listNotches(QListWidget& list, const QVector<ShownResult>& results, const QSet<int>& hidden);
+// A row with a box for each, and its colour in the chart where it has one of its own there. Rows
+// are changed only where they have to.
+void listNotches(QListWidget& list, const QVector<ShownResult>& results, const QSet<int>& hidden,
+                 bool hasColours);
 QSet<int> hiddenNotches(const QListWidget& list);

@@ -4,6 +4,7 @@
 #include "cli/arguments.h"
 #include "cli/curve_command.h"
 #include "cli/exit_status.h"
+#include "cli/new_result.h"
 #include "cli/setup_arguments.h"
 #include "curves/bench_holders.h"
 
@@ -83,6 +84,7 @@ void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& che
     requireNotchMode(setup);
     setup.signal.length = expectedLength(setup);
     const CampaignPlan plan = planOf(setup, request, wanted.levels, arguments);
+    requireSubtractable(request, newResult(setup), plan, arguments);
     check.readings = plan.readingCount();
     check.seconds = request.simulated ? simulatedSeconds(plan, setup.signal.length)
                                       : InstrumentBench(setup).expectedSeconds(plan);

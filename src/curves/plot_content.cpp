@@ -117,12 +117,6 @@ PlotSpan spanAround(const PlotContent& content)
     return {across.low, across.high, up.low, up.high};
 }
 
-int shownCount(const QVector<ShownResult>& results)
-{
-    return static_cast<int>(std::count_if(
-        results.begin(), results.end(), [](const ShownResult& result) { return result.isShown; }));
-}
-
 PlotLine patternOf(const ShownResult& result, const PlotChoice& choice)
 {
     PlotLine pattern;
@@ -156,7 +150,7 @@ void addNotches(const ShownResult& result, const PlotLine& pattern, const PlotCh
         line.notch = points.constFirst()->notch;
         line.detail = notchText(line.notch, points.constFirst()->center);
         line.isShown = pattern.isShown && !choice.hiddenNotches.contains(line.notch);
-        line.colour = colourByNotch ? ChartStyle::lineColour(line.notch - 1) : pattern.colour;
+        line.colour = colourByNotch ? notchColour(line.notch) : pattern.colour;
         addRuns(line, points, levelOf, lines);
     }
 }
@@ -201,6 +195,17 @@ bool PlotLine::looksLike(const PlotLine& other) const
            points == other.points;
 }
 
+bool coloursAreOfNotches(const QVector<ShownResult>& results)
+{
+    return std::count_if(results.begin(), results.end(),
+                         [](const ShownResult& result) { return result.isShown; }) < 2;
+}
+
+QColor notchColour(int notch)
+{
+    return ChartStyle::lineColour(notch - 1);
+}
+
 QColor resultColour(int place)
 {
     constexpr int change = 150; // percent
@@ -220,7 +225,7 @@ PlotContent contentOverLevel(const QVector<ShownResult>& results, const PlotChoi
     PlotContent content;
     content.xTitle = levelTitle(levelUnitsOf(results));
     content.yTitle = QStringLiteral("NPR / dB");
-    const bool isAlone = shownCount(results) < 2;
+    const bool isAlone = coloursAreOfNotches(results);
     for (int place = 0; place < results.size(); ++place) {
         const ShownResult& result = results.at(place);
         PlotLine pattern = patternOf(result, choice);

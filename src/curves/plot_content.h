@@ -61,5 +61,7 @@ PlotContent contentOverFrequency(const QVector<ShownResult>& results, const Plot
 
 bool showsAny(const PlotContent& content);
 
-// Of a result in a chart of several, by its place in the list.
-QColor resultColour(int place);
+// A result that is shown alone has a colour for each notch; of several, each has one.
+bool coloursAreOfNotches(const QVector<ShownResult>& results);
+QColor notchColour(int notch);
+QColor resultColour(int place); // in the list

@@ -47,6 +47,7 @@ private slots:
     void notchesAreSwitchedByTheirBoxes();
     void theAxesStayWhenANotchIsSwitched();
     void oneNotchAfterTheOtherIsShownAlone();
+    void aNotchOfAResultThatIsShownAloneHasItsColourInTheList();
     void resultsAreHiddenByTheirBoxesAndClosedByTheMenu();
     void theOtherTabShowsFrequencies();
     void thePictureIsKeptWhileThePointerMoves();
@@ -204,6 +205,22 @@ void TestCurvesWindow::oneNotchAfterTheOtherIsShownAlone()
         QCOMPARE(list->item(alone)->checkState(), Qt::Checked);
         QCOMPARE(list->item(1 - alone)->checkState(), Qt::Unchecked);
     }
+}
+
+void TestCurvesWindow::aNotchOfAResultThatIsShownAloneHasItsColourInTheList()
+{
+    openResult("a.json", roofs(3));
+    auto* list = operate->find<QListWidget>("notch_list");
+    const auto colour = [list] { return list->item(2)->data(Qt::DecorationRole).value<QColor>(); };
+    // The peak of notch 3, drawn strong; what is mixed with white keeps its hue.
+    const QColor peak = plot()->grab().toImage().pixelColor(pixelOf(-20.0, 52.9));
+    QVERIFY(peak.saturation() > 50 && std::abs(peak.hue() - colour().hue()) <= 3);
+    operate->trigger("action_over_frequency"); // there a colour is a level's
+    QVERIFY(!colour().isValid());
+    operate->trigger("action_over_level");
+    QVERIFY(colour().isValid());
+    openResult("b.json", roofs(3, -40, 0, 1, 5.0)); // and here a result's
+    QVERIFY(!colour().isValid());
 }
 
 void TestCurvesWindow::resultsAreHiddenByTheirBoxesAndClosedByTheMenu()

@@ -1,8 +1,10 @@
 // The dialog's words, and what the command line's own code says of them.
 #include "curves/bench_holders.h"
+#include "curves/made_up_result.h"
 #include "curves/measure_order.h"
 #include "curves/order_check.h"
 
+#include <QTemporaryDir>
 #include <QtTest>
 
 namespace {
@@ -35,6 +37,9 @@ private slots:
     void aGoodOrderIsCounted();
     void whatTheCommandRefusesIsRefusedInItsWords_data();
     void whatTheCommandRefusesIsRefusedInItsWords();
+    void onlyTheChosenNotchesAreCounted();
+    void theSameTheoryNeedsASimulatedDevice();
+    void aResultToSubtractMustHaveAllPoints();
     void aReadyOrderHasItsPlanAndTheory();
     void aConnectionOfAnotherProgramIsSeen();
 };
@@ -44,11 +49,15 @@ void TestMeasureOrder::allThatIsTypedBecomesWords()
     MeasureOrder order = amplifier();
     order.limit = "30";
     order.others = "noise-floor=-150";
-    order.hasTheory = true;
+    order.notchRows = "1,3";
+    order.settling = "0.5";
+    order.theory = "same";
+    order.subtract = "cable.json";
     QCOMPARE(commandLineOf(wordsOf(order)),
              QString("notchbench-cli curve default --notches 3,1e6,-100,0 --simulate "
                      "rapp,saturation=0,smoothness=2,noise-floor=-150 --levels -40:0:1 "
-                     "--average 4 --limit 30 --threshold 41 --threshold 50 --theory same"));
+                     "--notch 1,3 --average 4 --settle 0.5 --limit 30 --threshold 41 "
+                     "--threshold 50 --theory same --subtract cable.json"));
 }
 
 void TestMeasureOrder::emptyFieldsAreLeftOut()
@@ -66,9 +75,11 @@ void TestMeasureOrder::instrumentsNeedNoDevice()
 {
     MeasureOrder order = amplifier();
     order.isSimulated = false;
-    order.hasTheory = true;
+    order.theory = "adc,bits=12,full-scale=0";
     QVERIFY(!wordsOf(order).contains("--simulate"));
-    QVERIFY(!wordsOf(order).contains("--theory"));
+    const OrderCheck check = checkOrder(wordsOf(order));
+    QCOMPARE(check.failure, QString());
+    QVERIFY(check.seconds > 41 * 0.1); // the settling of instruments alone
 }
 
 void TestMeasureOrder::wordsThatAShellTakesApartAreQuoted()
@@ -115,6 +126,18 @@ void TestMeasureOrder::whatTheCommandRefusesIsRefusedInItsWords_data()
     QTest::newRow("no notch") << "notches"
                               << ""
                               << "has no notch";
+    QTest::newRow("rows") << "rows"
+                          << "1,4"
+                          << "--notch takes";
+    QTest::newRow("settling") << "settling"
+                              << "long"
+                              << "--settle takes";
+    QTest::newRow("theory") << "theory"
+                            << "linear"
+                            << "there is none of linear";
+    QTest::newRow("no result") << "subtract"
+                               << "/missing/cable.json"
+                               << "can't read result /missing/cable.json";
     QTest::newRow("narrow") << "notches"
                             << "1,1,-100,0"
                             << "too narrow";
@@ -126,18 +149,59 @@ void TestMeasureOrder::whatTheCommandRefusesIsRefusedInItsWords()
     QFETCH(QString, typed);
     QFETCH(QString, part);
     MeasureOrder order = amplifier();
-    QMap<QString, QString*> fields = {{"from", &order.from},     {"step", &order.step},
-                                      {"device", &order.device}, {"averages", &order.averages},
-                                      {"config", &order.config}, {"notches", &order.notches}};
+    QMap<QString, QString*> fields = {{"from", &order.from},      {"step", &order.step},
+                                      {"device", &order.device},  {"averages", &order.averages},
+                                      {"config", &order.config},  {"notches", &order.notches},
+                                      {"rows", &order.notchRows}, {"settling", &order.settling},
+                                      {"theory", &order.theory},  {"subtract", &order.subtract}};
     *fields.value(field) = typed;
     const QString failure = checkOrder(wordsOf(order)).failure;
     QVERIFY2(failure.contains(part), qPrintable(failure));
 }
 
+void TestMeasureOrder::onlyTheChosenNotchesAreCounted()
+{
+    MeasureOrder order = amplifier();
+    order.notchRows = "1,3";
+    QCOMPARE(checkOrder(wordsOf(order)).readings, 41 * 2 * 4);
+}
+
+void TestMeasureOrder::theSameTheoryNeedsASimulatedDevice()
+{
+    MeasureOrder order = amplifier();
+    order.theory = "same";
+    QCOMPARE(checkOrder(wordsOf(order)).failure, QString());
+    order.isSimulated = false;
+    QVERIFY(checkOrder(wordsOf(order)).failure.contains("--theory same"));
+}
+
+// Told while it is typed, and not after the signal was made.
+void TestMeasureOrder::aResultToSubtractMustHaveAllPoints()
+{
+    MeasureOrder order = amplifier();
+    NprResult bench = prepareOrder(wordsOf(order)).measuring.result;
+    for (const double level : {-40.0, -39.0}) {
+        for (const double center : {-25e6, 0.0, 25e6}) {
+            NprPoint point;
+            point.level = level;
+            point.center = center;
+            point.width = 1e6;
+            point.npr = 60.0;
+            bench.points << point;
+        }
+    }
+    const QTemporaryDir folder;
+    order.subtract = writeResult(folder.filePath("bench.json"), bench);
+    const QString failure = checkOrder(wordsOf(order)).failure;
+    QVERIFY2(failure.contains("it has no point at -38 dBm"), qPrintable(failure));
+    order.to = "-39";
+    QCOMPARE(checkOrder(wordsOf(order)).failure, QString());
+}
+
 void TestMeasureOrder::aReadyOrderHasItsPlanAndTheory()
 {
     MeasureOrder order = amplifier();
-    order.hasTheory = true;
+    order.theory = "same";
     order.to = "-38";
     const ReadyOrder ready = prepareOrder(wordsOf(order));
     QCOMPARE(ready.failure, QString());

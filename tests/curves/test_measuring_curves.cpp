@@ -1,9 +1,11 @@
 // Curves measured from the window: simulated in the process, and with instruments that are lost.
 #include "curves/curves_window_test.h"
 #include "curves/measure_dialog.h"
+#include "curves/measure_order.h"
 #include "kit/simulator_process.h"
 
 #include <QClipboard>
+#include <QPlainTextEdit>
 
 namespace {
 
@@ -29,6 +31,11 @@ QStringList withInstruments()
     return words;
 }
 
+QString commandIn(const MeasureDialog& dialog)
+{
+    return dialog.findChild<QPlainTextEdit*>("command_text")->toPlainText();
+}
+
 } // namespace
 
 class TestMeasuringCurves : public CurvesWindowTest
@@ -41,6 +48,9 @@ private slots:
 
     void theDialogChecksWhatIsTyped();
     void theDialogShowsTheDevicesOwnNumbers();
+    void allFieldsOfTheDialogAreInTheCommand();
+    void theoriesToChooseHaveTheTypedNumbers();
+    void aLongNoticeMakesTheDialogTaller();
     void anAcceptedDialogMeasures();
     void aMeasuredCurveIsNotSaved();
     void stopKeepsWhatWasMeasured();
@@ -66,11 +76,11 @@ void TestMeasuringCurves::theDialogChecksWhatIsTyped()
     QVERIFY(!measure->isEnabled()); // at once, before it is checked
     QTRY_VERIFY(hand.text("check_text").contains("--levels FROM"));
     QVERIFY(!measure->isEnabled());
-    QVERIFY(hand.text("command_text").contains("--levels -4x:0:1"));
+    QVERIFY(commandIn(dialog).contains("--levels -4x:0:1"));
     QTest::keyClick(from, Qt::Key_Backspace);
     QTRY_VERIFY(measure->isEnabled());
     hand.click("copy_button");
-    QCOMPARE(QApplication::clipboard()->text(), hand.text("command_text"));
+    QCOMPARE(QApplication::clipboard()->text(), commandIn(dialog));
 }
 
 void TestMeasuringCurves::theDialogShowsTheDevicesOwnNumbers()
@@ -82,10 +92,74 @@ void TestMeasuringCurves::theDialogShowsTheDevicesOwnNumbers()
     device->setCurrentText("adc");
     QVERIFY(hand.find<QWidget>("figure_bits")->isVisible());
     QVERIFY(!hand.find<QWidget>("figure_saturation")->isVisible());
-    QVERIFY(hand.text("command_text").contains("--simulate adc,bits=12,full-scale=0 "));
+    QVERIFY(commandIn(dialog).contains("--simulate adc,bits=12,full-scale=0 "));
     hand.click("instruments_button");
     QVERIFY(!hand.isEnabled("device_box"));
-    QVERIFY(!hand.text("command_text").contains("--simulate"));
+    QVERIFY(!commandIn(dialog).contains("--simulate"));
+}
+
+void TestMeasuringCurves::allFieldsOfTheDialogAreInTheCommand()
+{
+    MeasureDialog dialog(window.get());
+    dialog.show();
+    const WindowDriver hand(dialog);
+    const QVector<QPair<const char*, const char*>> typed = {{"others_input", "noise-floor=-150"},
+                                                            {"notch_input", "1,3"},
+                                                            {"average_input", "2"},
+                                                            {"settle_input", "0.25"},
+                                                            {"limit_input", "30"},
+                                                            {"threshold_input", "41 50"},
+                                                            {"subtract_input", "cable.json"},
+                                                            {"notches_input", "5,2e6,-90"}};
+    for (const auto& field : typed) {
+        auto* edit = hand.find<QLineEdit>(field.first);
+        edit->selectAll();
+        QTest::keyClicks(edit, field.second);
+    }
+    QTest::keyClicks(hand.find<QComboBox>("theory_input"), "saleh,saturation=1");
+    QCOMPARE(commandIn(dialog),
+             QString("notchbench-cli curve default --notches 5,2e6,-90 --simulate "
+                     "rapp,saturation=0,smoothness=2,noise-floor=-150 --levels -40:0:1 --notch 1,3 "
+                     "--average 2 --settle 0.25 --limit 30 --threshold 41 --threshold 50 --theory "
+                     "saleh,saturation=1 --subtract cable.json"));
+    QCOMPARE(commandLineOf(dialog.words()), commandIn(dialog));
+}
+
+void TestMeasuringCurves::theoriesToChooseHaveTheTypedNumbers()
+{
+    MeasureDialog dialog(window.get());
+    dialog.show();
+    const WindowDriver hand(dialog);
+    QCOMPARE(hand.rowTexts("theory_input").mid(0, 2), QStringList({"", "same"}));
+    hand.find<QComboBox>("device_input")->setCurrentText("adc");
+    auto* bits = hand.find<QLineEdit>("figure_bits");
+    bits->selectAll();
+    QTest::keyClicks(bits, "14");
+    hand.pick("theory_input", 1);
+    hand.click("instruments_button"); // they have no "same"
+    QCOMPARE(hand.text("theory_input"), QString());
+    const QStringList theories = hand.rowTexts("theory_input");
+    QVERIFY(theories.contains("adc,bits=14,full-scale=0"));
+    QVERIFY(theories.contains("cubic,intercept=20"));
+    QVERIFY(!theories.contains("same") && !theories.contains("linear"));
+    hand.pick("theory_input", theories.indexOf("cubic,intercept=20"));
+    QVERIFY(commandIn(dialog).endsWith(" --theory cubic,intercept=20"));
+}
+
+void TestMeasuringCurves::aLongNoticeMakesTheDialogTaller()
+{
+    MeasureDialog dialog(window.get());
+    dialog.show();
+    const WindowDriver hand(dialog);
+    auto* text = hand.find<QLabel>("check_text");
+    QTRY_VERIFY(!text->text().isEmpty());
+    const int before = dialog.height();
+    QVERIFY(text->height() >= text->heightForWidth(text->width()));
+    auto* subtract = hand.find<QLineEdit>("subtract_input");
+    QTest::keyClicks(subtract, "/missing" + QString(" a long name").repeated(30));
+    QTRY_VERIFY(text->text().contains("can't read result"));
+    QTRY_VERIFY(text->height() >= text->heightForWidth(text->width()));
+    QVERIFY(dialog.height() > before);
 }
 
 void TestMeasuringCurves::anAcceptedDialogMeasures()
