@@ -16,6 +16,9 @@
 #include <QIcon>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QScreen>
+
+#include <algorithm>
 
 namespace {
 
@@ -37,6 +40,8 @@ CurvesWindow::CurvesWindow(QWidget* parent)
     for (int column = 0; column < widths.size(); ++column) {
         ui->result_view->setColumnWidth(column, widths.at(column));
     }
+    ui->result_view->setIconSize({12, 12});
+    ui->notch_list->setIconSize({12, 12});
     ui->result_view->verticalHeader()->setDefaultSectionSize(22);
     ui->result_view->horizontalHeader()->setHighlightSections(false);
     ui->chart_tabs->setExpanding(false);
@@ -48,6 +53,14 @@ CurvesWindow::CurvesWindow(QWidget* parent)
     connectLists();
     showRunning();
     refresh();
+    fitScreen();
+}
+
+// A scaled desktop may have less room than the form asks for.
+void CurvesWindow::fitScreen()
+{
+    const QSize frame(16, 48); // about that of a window manager
+    resize(size().boundedTo(screen()->availableSize() - frame));
 }
 
 // The lists tell of their own end, when nothing is left here to show it.
@@ -90,6 +103,7 @@ void CurvesWindow::connectLists()
             &CurvesWindow::refresh);
     connect(&model, &QAbstractItemModel::dataChanged, this, &CurvesWindow::refresh);
     connect(&model, &QAbstractItemModel::rowsInserted, this, &CurvesWindow::refresh);
+    connect(&model, &QAbstractItemModel::rowsInserted, this, &CurvesWindow::widenColumns);
     connect(&model, &QAbstractItemModel::rowsRemoved, this, &CurvesWindow::refresh);
     connect(ui->chart_tabs, &QTabBar::currentChanged, this, [this] {
         ui->plot->showWhole();
@@ -102,6 +116,19 @@ void CurvesWindow::connectLists()
             refresh();
         }
     });
+}
+
+// Long names are told apart by more than their ends, but the peak is to be seen beside them.
+void CurvesWindow::widenColumns()
+{
+    const QMap<int, int> widestOf = {{ResultModel::Name, 200}, {ResultModel::Device, 125}};
+    for (const int column : widestOf.keys()) {
+        const QAbstractItemView& view = *ui->result_view; // a table keeps its own hint to itself
+        const int wanted = view.sizeHintForColumn(column);
+        const int present = ui->result_view->columnWidth(column);
+        const int fitting = std::min(wanted, widestOf[column]);
+        ui->result_view->setColumnWidth(column, std::max(present, fitting));
+    }
 }
 
 void CurvesWindow::tell(const QString& message)
@@ -123,23 +150,29 @@ void CurvesWindow::askForFiles()
                                        QStringLiteral("Results (*.json);;All Files (*)")));
 }
 
+// By one job, so that they come in their order.
 void CurvesWindow::open(const QStringList& paths)
 {
-    for (const QString& path : paths) {
-        inBackground(
-            this, [path] { return readResultFile(path); },
-            [this, path](const ReadResult& read) {
-                if (!read.failure.isEmpty()) {
-                    tell("Can't open " + path + ": " + read.failure + ".");
-                    return;
-                }
-                ShownResult shown;
-                shown.name = QFileInfo(path).completeBaseName();
-                shown.path = QFileInfo(path).absoluteFilePath();
-                shown.result = read.result;
-                choose(model.add(shown));
-            });
+    inBackground(
+        this, [paths] { return readResultFiles(paths); },
+        [this, paths](const QVector<ReadResult>& read) {
+            for (int k = 0; k < paths.size(); ++k) {
+                take(paths.at(k), read.value(k));
+            }
+        });
+}
+
+void CurvesWindow::take(const QString& path, const ReadResult& read)
+{
+    if (!read.failure.isEmpty()) {
+        tell("Can't open " + path + ": " + read.failure + ".");
+        return;
     }
+    ShownResult shown;
+    shown.name = QFileInfo(path).completeBaseName();
+    shown.path = QFileInfo(path).absoluteFilePath();
+    shown.result = read.result;
+    choose(model.add(shown));
 }
 
 void CurvesWindow::choose(int id)

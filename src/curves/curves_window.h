@@ -12,6 +12,7 @@
 
 class DraftFolder;
 class RunningCurve;
+struct ReadResult;
 
 namespace Ui {
 class CurvesWindow;
@@ -51,7 +52,10 @@ protected:
 private:
     void connectActions();
     void connectLists();
+    void fitScreen();
+    void widenColumns();
     void askForFiles();
+    void take(const QString& path, const ReadResult& read);
     void askForCurve();
     void askToSave();
     void noteSaved(ShownResult result, const QString& path);

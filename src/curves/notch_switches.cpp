@@ -2,6 +2,7 @@
 
 #include "curves/plot_content.h"
 #include "curves/result_texts.h"
+#include "curves/swatch.h"
 
 #include <QListWidget>
 
@@ -61,8 +62,7 @@ void listNotches(QListWidget& list, const QVector<ShownResult>& results, const Q
         QListWidgetItem* item = list.item(row++);
         item->setText(notch.value());
         item->setData(Qt::UserRole, notch.key());
-        item->setData(Qt::DecorationRole,
-                      hasColours ? QVariant(notchColour(notch.key())) : QVariant());
+        item->setIcon(hasColours ? swatch(notchColour(notch.key())) : QIcon());
         item->setCheckState(hidden.contains(notch.key()) ? Qt::Unchecked : Qt::Checked);
     }
 }

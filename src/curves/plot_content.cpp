@@ -164,6 +164,25 @@ void addTheory(const ShownResult& result, PlotLine pattern, const PlotChoice& ch
     addNotches(result, pattern, choice, false, lines);
 }
 
+QColor paler(const QColor& colour, double share)
+{
+    const auto mixed = [share](int part) { return part + qRound(share * (255 - part)); };
+    return {mixed(colour.red()), mixed(colour.green()), mixed(colour.blue())};
+}
+
+QVector<NprPoint> pointsOf(const NprResult& result, const QSet<int>& hiddenNotches)
+{
+    QVector<NprPoint> visible = result.points;
+    if (!hiddenNotches.isEmpty()) {
+        visible.erase(std::remove_if(visible.begin(), visible.end(),
+                                     [&](const NprPoint& point) {
+                                         return hiddenNotches.contains(point.notch);
+                                     }),
+                      visible.end());
+    }
+    return visible;
+}
+
 // From the first line's colour to the last one's.
 QColor shade(int place, int count)
 {
@@ -206,12 +225,17 @@ QColor notchColour(int notch)
     return ChartStyle::lineColour(notch - 1);
 }
 
+// Black has no darker colour.
 QColor resultColour(int place)
 {
-    constexpr int change = 150; // percent
     const QColor colour = ChartStyle::lineColour(place);
     const int round = place / paletteSize % 3;
-    return round == 0 ? colour : round == 1 ? colour.darker(change) : colour.lighter(change);
+    const bool isBlack = colour == QColor(Qt::black);
+    constexpr int darker = 160; // percent
+    return round == 0              ? colour
+           : round == 1 && isBlack ? paler(colour, 0.35)
+           : round == 1            ? colour.darker(darker)
+                                   : paler(colour, isBlack ? 0.6 : 0.4);
 }
 
 bool showsAny(const PlotContent& content)
@@ -249,7 +273,8 @@ PlotContent contentOverFrequency(const QVector<ShownResult>& results, const Plot
     for (const ShownResult& result : results) {
         PlotLine pattern = patternOf(result, choice);
         pattern.isShown = result.isShown && (choice.results.isEmpty() || pattern.isChosen);
-        const QMap<double, Points> groups = grouped(result.result.points, levelOf, megahertzOf);
+        const QVector<NprPoint> visible = pointsOf(result.result, choice.hiddenNotches);
+        const QMap<double, Points> groups = grouped(visible, levelOf, megahertzOf);
         for (const Points& points : groups) {
             pattern.colour = shade(pattern.notch, groups.size());
             pattern.detail =

@@ -55,8 +55,8 @@ struct PlotChoice
 // NPR over level, a line a notch of each result.
 PlotContent contentOverLevel(const QVector<ShownResult>& results, const PlotChoice& choice);
 
-// NPR over the notches' centres, a line a level: of the chosen results, or of all that are shown
-// where none is chosen.
+// NPR over the centres of the notches that aren't hidden, a line a level: of the chosen results, or
+// of all that are shown where none is chosen.
 PlotContent contentOverFrequency(const QVector<ShownResult>& results, const PlotChoice& choice);
 
 bool showsAny(const PlotContent& content);

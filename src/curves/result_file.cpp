@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 ReadResult readResultFile(const QString& path)
 {
     ReadResult read;
@@ -23,4 +25,11 @@ ReadResult readResultFile(const QString& path)
         read.failure = "it is no result of a measurement: " + error.text;
     }
     return read;
+}
+
+QVector<ReadResult> readResultFiles(const QStringList& paths)
+{
+    QVector<ReadResult> all;
+    std::transform(paths.begin(), paths.end(), std::back_inserter(all), readResultFile);
+    return all;
 }

@@ -10,3 +10,6 @@ struct ReadResult
 };
 
 ReadResult readResultFile(const QString& path);
+
+// As many as paths, in their order.
+QVector<ReadResult> readResultFiles(const QStringList& paths);

@@ -2,6 +2,7 @@
 
 #include "curves/plot_content.h"
 #include "curves/result_texts.h"
+#include "curves/swatch.h"
 
 #include "chart/chart_style.h"
 
@@ -55,8 +56,9 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
         return index.column() == Name ? QVariant(row.isShown ? Qt::Checked : Qt::Unchecked)
                                       : QVariant();
     case Qt::DecorationRole: // with several results each has a colour in the chart
-        return index.column() == Device && rows.size() > 1 ? QVariant(resultColour(index.row()))
-                                                           : QVariant();
+        return index.column() == Device && rows.size() > 1
+                   ? QVariant(swatch(resultColour(index.row())))
+                   : QVariant();
     case Qt::ForegroundRole:
         return index.column() == Verdict && text(row, Verdict) == "FAIL"
                    ? QVariant(ChartStyle::limitColour())

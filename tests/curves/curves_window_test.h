@@ -29,12 +29,12 @@ protected:
     }
 
     // Of the folder, whose file is written before.
-    QString file(const char* name, const NprResult& result) const
+    QString file(const QString& name, const NprResult& result) const
     {
-        return writeResult(folder.filePath(QLatin1String(name)), result);
+        return writeResult(folder.filePath(name), result);
     }
 
-    void openResult(const char* name, const NprResult& result)
+    void openResult(const QString& name, const NprResult& result)
     {
         const int before = window->results().rowCount();
         window->open({file(name, result)});

@@ -25,6 +25,12 @@ void dropOn(QWidget& widget, const QList<QUrl>& urls)
     QApplication::sendEvent(&widget, &drop);
 }
 
+// Of a row that isn't chosen; none without an icon.
+QColor colourOf(const QIcon& icon, QIcon::Mode mode = QIcon::Normal)
+{
+    return icon.isNull() ? QColor() : icon.pixmap(12, 12, mode).toImage().pixelColor(6, 6);
+}
+
 } // namespace
 
 class TestCurvesWindow : public CurvesWindowTest
@@ -36,6 +42,9 @@ private slots:
     void cleanup() { closeWindow(); }
 
     void anOpenedFileIsListedChosenAndDrawn();
+    void severalFilesComeInTheirOrder();
+    void aLongNameHasRoom();
+    void theColourOfAChosenResultIsThatOfItsLine();
     void theMenuOpensFiles();
     void aBrokenFileIsNamedAndTheOthersOpen();
     void droppedFilesOpen();
@@ -63,6 +72,43 @@ void TestCurvesWindow::anOpenedFileIsListedChosenAndDrawn()
     const QImage picture = plot()->grab().toImage();
     QVERIFY(picture.pixelColor(pixelOf(-20.5, 52.5)).lightness() < 250);
     QVERIFY(!operate->find<QWidget>("message_bar")->isVisible());
+}
+
+void TestCurvesWindow::severalFilesComeInTheirOrder()
+{
+    QStringList paths;
+    for (const char* name : {"5.json", "1.json", "4.json", "2.json", "3.json"}) {
+        paths << file(name, roofs(paths.isEmpty() ? 9 : 1));
+    }
+    window->open(paths);
+    QTRY_COMPARE(window->results().rowCount(), 5);
+    QString names;
+    for (const ShownResult& result : window->results().results()) {
+        names += result.name;
+    }
+    QCOMPARE(names, QString("51423"));
+}
+
+void TestCurvesWindow::aLongNameHasRoom()
+{
+    const auto* view = operate->find<QTableView>("result_view");
+    const int before = view->columnWidth(0);
+    openResult("amplifier 7 at 85 degrees.json", roofs(1));
+    const int after = view->columnWidth(0);
+    QVERIFY(after > before);
+    openResult(QString("name ").repeated(40) + ".json", roofs(1));
+    QVERIFY(view->columnWidth(0) > after);
+    QVERIFY(view->columnWidth(0) < 300); // the others are to be seen too
+}
+
+void TestCurvesWindow::theColourOfAChosenResultIsThatOfItsLine()
+{
+    openResult("a.json", roofs(1));
+    openResult("b.json", roofs(1, -40, 0, 1, 8.0));
+    const auto* model = operate->find<QTableView>("result_view")->model();
+    const auto icon = model->index(1, ResultModel::Device).data(Qt::DecorationRole).value<QIcon>();
+    QCOMPARE(colourOf(icon), resultColour(1));
+    QCOMPARE(colourOf(icon, QIcon::Selected), resultColour(1));
 }
 
 void TestCurvesWindow::theMenuOpensFiles()
@@ -211,7 +257,7 @@ void TestCurvesWindow::aNotchOfAResultThatIsShownAloneHasItsColourInTheList()
 {
     openResult("a.json", roofs(3));
     auto* list = operate->find<QListWidget>("notch_list");
-    const auto colour = [list] { return list->item(2)->data(Qt::DecorationRole).value<QColor>(); };
+    const auto colour = [list] { return colourOf(list->item(2)->icon()); };
     // The peak of notch 3, drawn strong; what is mixed with white keeps its hue.
     const QColor peak = plot()->grab().toImage().pixelColor(pixelOf(-20.0, 52.9));
     QVERIFY(peak.saturation() > 50 && std::abs(peak.hue() - colour().hue()) <= 3);

@@ -27,10 +27,12 @@ class TestPlotContent : public QObject
 private slots:
     void oneResultHasAColourANotch();
     void severalResultsHaveAColourEach();
+    void twentyResultsAreToldApartOnWhite();
     void hiddenNotchesAndResultsStayInTheListAndOutOfSight();
     void theSpanHoldsWhatIsShown();
     void aPointWithoutARatioPartsTheLine();
     void overFrequencyThereIsALineALevel();
+    void overFrequencyAHiddenNotchIsPassedOver();
     void thePointUnderThePointerTellsItself();
     void noLineIsNearAnEmptyPlace();
     void theArrowsGoAlongAndAcross();
@@ -55,6 +57,21 @@ void TestPlotContent::severalResultsHaveAColourEach()
     QVERIFY(content.lines.at(1).colour != content.lines.at(2).colour);
     QVERIFY(!content.lines.at(1).isChosen);
     QVERIFY(content.lines.at(2).isChosen);
+}
+
+void TestPlotContent::twentyResultsAreToldApartOnWhite()
+{
+    const auto distance = [](const QColor& a, const QColor& b) {
+        return std::abs(a.red() - b.red()) + std::abs(a.green() - b.green()) +
+               std::abs(a.blue() - b.blue());
+    };
+    for (int k = 0; k < 20; ++k) {
+        QVERIFY(distance(resultColour(k), Qt::white) > 100);
+        for (int other = 0; other < k; ++other) {
+            QVERIFY2(distance(resultColour(k), resultColour(other)) >= 40,
+                     qPrintable(QString("%1 and %2").arg(other).arg(k)));
+        }
+    }
 }
 
 void TestPlotContent::hiddenNotchesAndResultsStayInTheListAndOutOfSight()
@@ -98,6 +115,14 @@ void TestPlotContent::overFrequencyThereIsALineALevel()
     QCOMPARE(loudest.points.at(0).value, QPointF(-10.0, 51.0)); // MHz
     QCOMPARE(loudest.points.at(2).value, QPointF(10.0, 53.0));
     QVERIFY(loudest.detail.contains("20.00 dBm"));
+}
+
+void TestPlotContent::overFrequencyAHiddenNotchIsPassedOver()
+{
+    const PlotContent content = contentOverFrequency({shownAs(1, roofs(3))}, {{}, {2}});
+    QCOMPARE(content.lines.size(), 41);
+    QCOMPARE(content.lines.at(0).points.size(), 2);
+    QCOMPARE(content.lines.at(0).points.at(1).value, QPointF(10.0, 33.0)); // notch 3 at -40 dBm
 }
 
 void TestPlotContent::thePointUnderThePointerTellsItself()
