@@ -6,14 +6,15 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <tuple>
 
 namespace {
 
-int linesAround(double center, double bandwidth, double spacing, int signalLength)
+SomeLines::Range linesAround(double center, double bandwidth, double spacing, int signalLength)
 {
     const ChannelBand band{center - bandwidth / 2.0, center + bandwidth / 2.0};
-    return linesWithin(band, spacing, signalLength).count;
+    return linesWithin(band, spacing, signalLength);
 }
 
 // None where the reference channel has none, for then there is nothing to compare with.
@@ -21,9 +22,9 @@ int readableLines(const Notch& notch, double spacing, int signalLength)
 {
     const ReadingChannels channels = channelsOf(notch);
     const int inReference =
-        linesAround(channels.reference, channels.bandwidth, spacing, signalLength);
+        linesAround(channels.reference, channels.bandwidth, spacing, signalLength).count;
     return inReference > 0
-               ? linesAround(channels.notch(), channels.bandwidth, spacing, signalLength)
+               ? linesAround(channels.notch(), channels.bandwidth, spacing, signalLength).count
                : 0;
 }
 
@@ -45,6 +46,24 @@ QVector<NumberedNotch> numberedNotches(const MeasurementSetup& setup, int signal
                                   readableLines(row, spacing, signalLength)};
     }
     return numbered;
+}
+
+double referenceFilling(const NumberedNotch& notch, const SignalData& signal, double sampleRate)
+{
+    // The mean line of the signal, weighted by its power so that empty notches don't count.
+    double sum = 0.0;
+    double squares = 0.0;
+    for (const double magnitude : signal.magnitude) {
+        const double power = magnitude * magnitude;
+        sum += power;
+        squares += power * power;
+    }
+    const ReadingChannels channels = channelsOf(notch.notch);
+    const SomeLines::Range range = linesAround(channels.reference, channels.bandwidth,
+                                               sampleRate / signal.length, signal.length);
+    const double* const first = signal.magnitude.constData() + signal.length / 2 + range.first;
+    const double power = std::inner_product(first, first + range.count, first, 0.0);
+    return power * sum / (squares * notch.lines);
 }
 
 bool isSameNotch(double center, double width, double otherCenter, double otherWidth)

@@ -7,6 +7,7 @@
 #include <QVector>
 
 struct MeasurementSetup;
+struct SignalData;
 
 struct NumberedNotch
 {
@@ -20,6 +21,11 @@ struct NumberedNotch
 // All notches of the setup, whose signal has so many samples. None in carrier mode, where rows are
 // lone lines.
 QVector<NumberedNotch> numberedNotches(const MeasurementSetup& setup, int signalLength);
+
+// Density of the signal in the notch's reference channel over that of the whole signal: 1 for an
+// even one. Less where another notch or the end of the band lies in the channel; the ratio is too
+// low by as much then. For a notch that has lines.
+double referenceFilling(const NumberedNotch& notch, const SignalData& signal, double sampleRate);
 
 // Whether two notches are the same: centre and width agree to a millionth of the width, which is
 // more than a file keeps.

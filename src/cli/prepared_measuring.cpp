@@ -10,7 +10,19 @@
 #include "cli/setup_arguments.h"
 #include "cli/theory_argument.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace {
+
+// For a message: all where they are few.
+QString firstOf(const QStringList& words)
+{
+    constexpr int most = 5;
+    const QString some = words.mid(0, most).join(", ");
+    return words.size() > most ? QStringLiteral("%1 and %2 more").arg(some).arg(words.size() - most)
+                               : some;
+}
 
 // A bench and the level that its settings have.
 struct ChosenBench
@@ -33,6 +45,29 @@ ChosenBench chosenBench(const MeasurementSetup& setup, const MeasuringRequest& r
     return {std::make_shared<SimulatedBench>(setup.forOtherThread(), *request.simulated,
                                              request.simulatedText),
             presentLevel};
+}
+
+// A reading compares the notch with the channel beside it, whatever that holds.
+void warnOfReferences(const MeasurementSetup& setup, const CampaignPlan& plan, Console& console)
+{
+    constexpr double enough = 0.8; // one decibel
+    QStringList numbers;
+    double least = enough;
+    for (const NumberedNotch& notch : plan.notches) {
+        const double filling = referenceFilling(notch, setup.signal, setup.sampleRate);
+        if (filling < enough) {
+            numbers << QString::number(notch.number);
+            least = std::min(least, filling);
+        }
+    }
+    if (!numbers.isEmpty()) {
+        console.warn(
+            QStringLiteral("the reference channel of notch %1 lies partly in another notch or "
+                           "beyond the noise: NPR reads up to %2 dB too low there; make "
+                           "notches narrower or fewer")
+                .arg(firstOf(numbers))
+                .arg(-10.0 * std::log10(least), 0, 'f', 1));
+    }
 }
 
 ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& request,
@@ -82,6 +117,7 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     ready.plan = planOf(
         setup, ready.request,
         wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels, arguments);
+    warnOfReferences(setup, ready.plan, console);
     if (ready.request.without) {
         requireSubtractable(*ready.request.without, ready.result, ready.plan, arguments);
     }

@@ -19,6 +19,7 @@ private slots:
     void theMostReadingsCanBeCounted();
     void notchesAreNumberedByRisingCentre();
     void linesAreThoseOfTheChannelInTheNotch();
+    void aReferenceInAnotherNotchIsFilledThatMuchLess();
     void carriersAreNoNotches();
     void theSameNotchMayHaveLostDigitsInAFile();
 };
@@ -93,6 +94,28 @@ void TestPlan::linesAreThoseOfTheChannelInTheNotch()
     notch.width = 1e6;
     setup.notches->insert(0, notch);
     QCOMPARE(numberedNotches(setup, 1000).constFirst().lines, 7); // 47 to 53
+}
+
+// 100 MHz over 1024 points. The reference channel of a notch of 10 MHz at 20 MHz is 4.25 to 11.75
+// MHz; one of 6 MHz at 5 MHz reaches from 2 to 8 MHz and takes one half of it. Lines are 97.7 kHz
+// apart, 77 of them in the channel.
+void TestPlan::aReferenceInAnotherNotchIsFilledThatMuchLess()
+{
+    SignalData signal(1024);
+    signal.magnitude.fill(1.0, 1024);
+    Notch notch;
+    notch.center = 20e6;
+    notch.width = 10e6;
+    const NumberedNotch numbered{1, notch, 77};
+    QVERIFY(std::abs(referenceFilling(numbered, signal, 1e8) - 1.0) < 0.02);
+    for (int line = 512 + 21; line <= 512 + 81; ++line) {
+        signal.magnitude[line] = 1e-5;
+    }
+    QVERIFY(std::abs(referenceFilling(numbered, signal, 1e8) - 0.5) < 0.02);
+    for (double& magnitude : signal.magnitude) {
+        magnitude *= 7.0;
+    }
+    QVERIFY(std::abs(referenceFilling(numbered, signal, 1e8) - 0.5) < 0.02);
 }
 
 void TestPlan::carriersAreNoNotches()

@@ -81,6 +81,7 @@ private slots:
     void theSchemaRefusesWhatIsWrong();
     void aCurveHasItsPeakAndRanges();
     void notchesAreChosenByTheirNumber();
+    void aReferenceInAnotherNotchIsTold();
     void averagesTellTheirSeeds();
     void aSignalAloneHasNoPoints();
     void aMissedLimitIsStatusOne();
@@ -187,6 +188,21 @@ void TestCliMeasure::notchesAreChosenByTheirNumber()
     QCOMPARE(pointOf(result, 1)["notch"].toInt(), 3);
     QVERIFY(pointOf(result, 0)["center_hz"].toDouble() <
             pointOf(result, 1)["center_hz"].toDouble());
+}
+
+// Notches of 6 MHz, 10 MHz apart: the channel 7.2 MHz beside one, 4.5 MHz wide, reaches from 4.95
+// to 9.45 MHz and leaves 2.05 of 4.5 outside the next: 3.4 dB.
+void TestCliMeasure::aReferenceInAnotherNotchIsTold()
+{
+    const QStringList words{"measure",          "default",    "--set",
+                            "NPR/FFT Len=8192", "--simulate", "linear"};
+    const CliRun wide = cli->run(words + QStringList{"--notches", "9,6e6,-100,0"});
+    QCOMPARE(wide.status, 0);
+    QVERIFY2(
+        wide.err.contains("warning: the reference channel of notch 1, 2, 3, 4, 5 and 4 more") &&
+            wide.err.contains("up to 3.4 dB too low"),
+        qPrintable(wide.err));
+    QCOMPARE(cli->run(words + QStringList{"--notches", "9,1e6,-100,0"}).err, QString());
 }
 
 void TestCliMeasure::averagesTellTheirSeeds()
