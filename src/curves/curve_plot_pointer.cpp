@@ -160,7 +160,7 @@ void CurvePlot::keyPressEvent(QKeyEvent* event)
 void CurvePlot::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    touch();
+    touchGround();
 }
 
 void CurvePlot::paintEvent(QPaintEvent* /*event*/)

@@ -104,6 +104,7 @@ void CurvesWindow::connectLists()
     connect(&model, &QAbstractItemModel::dataChanged, this, &CurvesWindow::refresh);
     connect(&model, &QAbstractItemModel::rowsInserted, this, &CurvesWindow::refresh);
     connect(&model, &QAbstractItemModel::rowsInserted, this, &CurvesWindow::widenColumns);
+    connect(&model, &QAbstractItemModel::dataChanged, this, &CurvesWindow::widenColumns);
     connect(&model, &QAbstractItemModel::rowsRemoved, this, &CurvesWindow::refresh);
     connect(ui->chart_tabs, &QTabBar::currentChanged, this, [this] {
         ui->plot->showWhole();

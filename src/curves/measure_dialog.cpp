@@ -33,7 +33,7 @@ MeasureDialog::MeasureDialog(QWidget* parent)
     setStyleSheet(houseStyleSheet());
     ui->theory_input->lineEdit()->setPlaceholderText(QStringLiteral("none"));
     ui->device_input->addItems(deviceNames());
-    ui->device_input->setCurrentText(QStringLiteral("rapp"));
+    ui->device_input->setCurrentText(QStringLiteral("adc")); // its curve has a peak and a range
     ui->buttons->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Measure"));
     for (QAbstractButton* button : ui->buttons->buttons()) {
         button->setIcon(QIcon()); // those of the desktop don't belong to the house's look

@@ -59,6 +59,7 @@ private slots:
     void aNotchOfAResultThatIsShownAloneHasItsColourInTheList();
     void resultsAreHiddenByTheirBoxesAndClosedByTheMenu();
     void theOtherTabShowsFrequencies();
+    void thePictureFillsTheWindowThatGrows();
     void thePictureIsKeptWhileThePointerMoves();
 };
 
@@ -290,6 +291,23 @@ void TestCurvesWindow::theOtherTabShowsFrequencies()
     QCOMPARE(plot()->frame().span.xHigh, 10.0);
     operate->trigger("action_over_level");
     QCOMPARE(plot()->frame().span.xLow, -40.0);
+}
+
+void TestCurvesWindow::thePictureFillsTheWindowThatGrows()
+{
+    openResult("a.json", roofs(1));
+    plot()->grab();
+    const double before = plot()->frame().area.bottom();
+    window->resize(window->size() + QSize(0, 100));
+    QTRY_COMPARE(plot()->frame().area.bottom(), before + 100.0);
+    const QImage picture = plot()->grab().toImage();
+    const QRectF area = plot()->frame().area;
+    const QPoint axis(qRound(area.center().x()) + 3, qRound(area.bottom()));
+    int darkest = 255;
+    for (int y = -2; y <= 2; ++y) {
+        darkest = std::min(darkest, picture.pixelColor(axis + QPoint(0, y)).lightness());
+    }
+    QVERIFY(darkest < 160); // the smooth line of the axis; those of the grid are lighter
 }
 
 void TestCurvesWindow::thePictureIsKeptWhileThePointerMoves()

@@ -89,6 +89,10 @@ void TestMeasuringCurves::theDialogShowsTheDevicesOwnNumbers()
     dialog.show();
     const WindowDriver hand(dialog);
     auto* device = hand.find<QComboBox>("device_input");
+    QVERIFY(!hand.find<QWidget>("figure_bits")->isHidden());
+    device->setCurrentText("rapp");
+    QVERIFY(!hand.find<QWidget>("figure_bits")->isVisible());
+    QVERIFY(hand.find<QWidget>("figure_smoothness")->isVisible());
     device->setCurrentText("adc");
     QVERIFY(hand.find<QWidget>("figure_bits")->isVisible());
     QVERIFY(!hand.find<QWidget>("figure_saturation")->isVisible());
@@ -119,7 +123,7 @@ void TestMeasuringCurves::allFieldsOfTheDialogAreInTheCommand()
     QTest::keyClicks(hand.find<QComboBox>("theory_input"), "saleh,saturation=1");
     QCOMPARE(commandIn(dialog),
              QString("notchbench-cli curve default --notches 5,2e6,-90 --simulate "
-                     "rapp,saturation=0,smoothness=2,noise-floor=-150 --levels -40:0:1 --notch 1,3 "
+                     "adc,bits=12,full-scale=0,noise-floor=-150 --levels -40:0:1 --notch 1,3 "
                      "--average 2 --settle 0.25 --limit 30 --threshold 41 --threshold 50 --theory "
                      "saleh,saturation=1 --subtract cable.json"));
     QCOMPARE(commandLineOf(dialog.words()), commandIn(dialog));
