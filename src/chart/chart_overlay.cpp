@@ -19,9 +19,9 @@ constexpr double lineHeight = 1.5; // of the legend, in heights of letters
 // One entry of the legend.
 struct Entry
 {
-    QString text;
-    QPen pen;
-    int mark; // index of the line; -1 for none
+    QString text = {};
+    QPen pen = {};
+    int mark = -1; // index of the line; -1 for none
 };
 
 bool hasSigma(const NprChartData& data)
@@ -36,12 +36,18 @@ bool hasSigma(const NprChartData& data)
     return false;
 }
 
-QVector<Entry> legendEntries(const NprChartData& data)
+QVector<Entry> lineEntries(const NprChartData& data)
 {
     QVector<Entry> entries;
     for (int i = 0; i < data.lines.size(); ++i) {
         entries.append({legendText(data.lines.at(i), data.levelUnit), ChartStyle::linePen(i), i});
     }
+    return entries;
+}
+
+QVector<Entry> otherEntries(const NprChartData& data)
+{
+    QVector<Entry> entries;
     QStringList named;
     for (const ChartTheory& theory : data.theories) {
         if (!named.contains(theory.name)) {
@@ -54,6 +60,38 @@ QVector<Entry> legendEntries(const NprChartData& data)
         entries.append({bandText(), ChartStyle::bandSample(height), -1});
     }
     return entries;
+}
+
+double entryWidth(const QVector<Entry>& entries, int text)
+{
+    const QFontMetricsF metrics(ChartStyle::font(text));
+    double widest = 0.0;
+    for (const Entry& entry : entries) {
+        widest = std::max(widest, metrics.horizontalAdvance(entry.text));
+    }
+    return widest + 4.6 * text;
+}
+
+int columnsOf(const QVector<Entry>& entries, double width, int text)
+{
+    const int fitting = static_cast<int>(width / entryWidth(entries, text));
+    return std::clamp(fitting, 1, std::max(1, entries.size()));
+}
+
+// Lines that would take the room of the plot are counted.
+QVector<Entry> legendEntries(const NprChartData& data, double width, int text)
+{
+    constexpr int mostRows = 12;
+    QVector<Entry> lines = lineEntries(data);
+    const QVector<Entry> others = otherEntries(data);
+    const int room = mostRows * columnsOf(lines + others, width, text) - others.size();
+    if (lines.size() > room) {
+        const int named = std::max(1, room - 1);
+        const QString rest = moreText(lines.size() - named);
+        lines.resize(named);
+        lines.append({rest, Qt::NoPen, -1});
+    }
+    return lines + others;
 }
 
 class Painter
@@ -238,25 +276,9 @@ void Painter::addEntry(const Entry& entry, const QPointF& left)
             ChartStyle::textColour(), false);
 }
 
-double entryWidth(const QVector<Entry>& entries, int text)
-{
-    const QFontMetricsF metrics(ChartStyle::font(text));
-    double widest = 0.0;
-    for (const Entry& entry : entries) {
-        widest = std::max(widest, metrics.horizontalAdvance(entry.text));
-    }
-    return widest + 4.6 * text;
-}
-
-int columnsOf(const QVector<Entry>& entries, double width, int text)
-{
-    const int fitting = static_cast<int>(width / entryWidth(entries, text));
-    return std::clamp(fitting, 1, std::max(1, entries.size()));
-}
-
 void Painter::addLegend()
 {
-    const QVector<Entry> entries = legendEntries(data);
+    const QVector<Entry> entries = legendEntries(data, place.legend.width(), place.text);
     const double width = entryWidth(entries, place.text);
     const int columns = columnsOf(entries, place.legend.width(), place.text);
     const double left = place.legend.center().x() - columns * width / 2.0;
@@ -285,7 +307,7 @@ void fillOverlay(QGraphicsItemGroup& group, const NprChartData& data, const Over
 
 double legendHeight(const NprChartData& data, double width, int text)
 {
-    const QVector<Entry> entries = legendEntries(data);
+    const QVector<Entry> entries = legendEntries(data, width, text);
     const int columns = columnsOf(entries, width, text);
     const int rows = (entries.size() + columns - 1) / columns;
     return rows * lineHeight * text;

@@ -95,3 +95,8 @@ QString bandText()
 {
     return QStringLiteral("scatter to be expected, %1 one sigma").arg(QChar(0x00B1));
 }
+
+QString moreText(int lines)
+{
+    return QStringLiteral("and %1 more").arg(lines);
+}

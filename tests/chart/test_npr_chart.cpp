@@ -118,6 +118,7 @@ private slots:
     void theoryIsDashed();
     void thePeakIsRinged();
     void theLegendIsNotCut();
+    void manyLinesLeaveThePlotItsRoom();
     void aChangeOfSizeMovesTheMarks();
     void newDataTakeThePlaceOfTheOld();
     void nothingMeasuredIsAnEmptyPicture();
@@ -228,6 +229,23 @@ void TestNprChart::theLegendIsNotCut()
     QRect below = image.rect();
     below.setTop(chart.at(0, 20).y() + 60);
     QVERIFY(hasColour(image, below, ChartStyle::lineColour(5)));
+}
+
+void TestNprChart::manyLinesLeaveThePlotItsRoom()
+{
+    NprChartData data = tent();
+    for (int i = 2; i <= 60; ++i) {
+        data.lines.append(data.lines.constFirst());
+        data.lines.last().name = QString("notch %1").arg(i);
+    }
+    const ShownChart chart(data);
+    QVERIFY(chart.at(0, 20).y() - chart.at(0, 60).y() > 250);
+    const QString file = folder->filePath("many.svg");
+    QVERIFY(saveChart(data, file));
+    const QStringList texts = textsOfSvg(file).split('\n').filter("notch ");
+    QVERIFY(texts.size() > 10);
+    QVERIFY(texts.size() <= 40);
+    QVERIFY(textsOfSvg(file).contains(QString("\nand %1 more\n").arg(60 - texts.size())));
 }
 
 void TestNprChart::aChangeOfSizeMovesTheMarks()
