@@ -209,21 +209,24 @@ void Painter::addRange(int line, int row, const ChartRange& range)
     }
 }
 
-// The label goes below the bars, where the curves, which lie above, leave room.
+// The label goes below the bars, where the curves, which lie above, leave room. Bars that would
+// leave the plot are left out.
 void Painter::addThreshold(double threshold)
 {
+    const double y = place.positionOf({0.0, threshold}).y();
+    const double room = place.plot.bottom() - y - 1.6 * place.text; // above the label
+    const int mostRows = static_cast<int>(room / barDistance());
     int row = 0;
     QLineF widest;
     for (int i = 0; i < data.lines.size(); ++i) {
         for (const ChartRange& range : data.lines.at(i).ranges) {
-            if (range.threshold == threshold && (range.from || range.to)) {
+            if (range.threshold == threshold && (range.from || range.to) && row < mostRows) {
                 addRange(i, row++, range);
                 widest = extent(range).length() > widest.length() ? extent(range) : widest;
             }
         }
     }
     const QString text = thresholdText(threshold, data.lines, data.levelUnit);
-    const double y = place.positionOf({0.0, threshold}).y();
     const QPointF below(widest.center().x() - widthOf(text) / 2.0,
                         y + barDistance() * row + 0.4 * place.text);
     const QPointF above(place.plot.left() + 0.5 * place.text, y - 1.35 * place.text);

@@ -114,6 +114,7 @@ private slots:
     void levelsRiseToTheRightAndRatiosUpwards();
     void curveBandLimitAndThresholdStandAtTheirValues();
     void theRangeIsMarkedFromEndToEnd();
+    void marksOfRangesStayWithinThePlot();
     void aMissingRatioInterruptsTheLine();
     void theoryIsDashed();
     void thePeakIsRinged();
@@ -165,6 +166,27 @@ void TestNprChart::theRangeIsMarkedFromEndToEnd()
     QVERIFY(hasColourNear(image, chart.at(9.5, 40) + below, line));
     QVERIFY(!hasColourNear(image, chart.at(14, 40) + below, line));
     QVERIFY(!hasColourNear(image, chart.at(-14, 40) + below, line));
+}
+
+// The threshold is the lowest ratio, so that its line is the axis. Below that, between two numbers,
+// nothing stands.
+void TestNprChart::marksOfRangesStayWithinThePlot()
+{
+    NprChartData data = tent();
+    data.limit.reset();
+    data.thresholds = {20.0};
+    ChartLine& line = data.lines.first();
+    for (ChartPoint& point : line.points) {
+        point.sigma.reset();
+    }
+    line.ranges = {{20.0, -10.0, 10.0}};
+    const ChartLine another = line;
+    data.lines.insert(1, 11, another);
+    const QPoint axis = ShownChart(data).at(2, 20);
+    const QImage image = chartImage(data);
+    for (int i = 0; i < 4; ++i) {
+        QVERIFY(!hasColour(image, {axis.x(), axis.y() + 4, 40, 30}, ChartStyle::lineColour(i)));
+    }
 }
 
 void TestNprChart::aMissingRatioInterruptsTheLine()
