@@ -1,6 +1,7 @@
 #include "chart/chart_texts.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -28,6 +29,47 @@ QString rangeText(const ChartRange& range, const QString& unit)
         return "from " + number(*range.from, 2) + ' ' + unit + " on";
     }
     return range.to ? "up to " + number(*range.to, 2) + ' ' + unit : "not crossed";
+}
+
+QVector<ChartRange> rangesOver(double threshold, const QVector<ChartLine>& lines)
+{
+    QVector<ChartRange> ranges;
+    for (const ChartLine& line : lines) {
+        std::copy_if(line.ranges.begin(), line.ranges.end(), std::back_inserter(ranges),
+                     [=](const ChartRange& range) { return range.threshold == threshold; });
+    }
+    return ranges;
+}
+
+// Of several lines: their widths, or the ends that there are.
+QString rangesText(const QVector<ChartRange>& ranges, const QString& unit)
+{
+    QVector<double> widths;
+    QVector<double> begins;
+    QVector<double> ends;
+    for (const ChartRange& range : ranges) {
+        if (range.from && range.to) {
+            widths << *range.to - *range.from;
+        } else if (range.from) {
+            begins << *range.from;
+        } else if (range.to) {
+            ends << *range.to;
+        }
+    }
+    QStringList parts;
+    if (!widths.isEmpty()) {
+        parts << upTo(widths) + " dB";
+    }
+    if (!begins.isEmpty()) {
+        parts << "from " + upTo(begins) + ' ' + unit + " on";
+    }
+    if (!ends.isEmpty()) {
+        parts << "ending at " + upTo(ends) + ' ' + unit;
+    }
+    if (parts.isEmpty() || widths.size() + begins.size() + ends.size() < ranges.size()) {
+        parts << "not crossed";
+    }
+    return parts.join(", or ");
 }
 
 } // namespace
@@ -64,26 +106,10 @@ QString legendText(const ChartLine& line, const QString& unit)
 
 QString thresholdText(double threshold, const QVector<ChartLine>& lines, const QString& unit)
 {
-    QVector<ChartRange> ranges;
-    QVector<double> widths;
-    for (const ChartLine& line : lines) {
-        for (const ChartRange& range : line.ranges) {
-            if (range.threshold == threshold) {
-                ranges.append(range);
-            }
-            if (range.threshold == threshold && range.from && range.to) {
-                widths.append(*range.to - *range.from);
-            }
-        }
-    }
+    const QVector<ChartRange> ranges = rangesOver(threshold, lines);
     const QString above = "above " + number(threshold, 1).remove(".0") + " dB: ";
-    if (ranges.size() == 1) {
-        return above + rangeText(ranges.constFirst(), unit);
-    }
-    if (widths.isEmpty()) {
-        return above + "not crossed";
-    }
-    return above + upTo(widths) + " dB" + (widths.size() < ranges.size() ? ", or not crossed" : "");
+    return above +
+           (ranges.size() == 1 ? rangeText(ranges.constFirst(), unit) : rangesText(ranges, unit));
 }
 
 QString limitText(double limit)

@@ -92,7 +92,17 @@ void TestChartTexts::severalLinesTellTheSpanOfTheirRanges()
     const ChartLine open = lineWith({{41.0, -32.0, {}}});
     QCOMPARE(thresholdText(41.0, {wide, narrow}, "dBm"), QString("above 41 dB: 24.50 to 26.00 dB"));
     QCOMPARE(thresholdText(41.0, {wide, narrow, open}, "dBm"),
+             printed("above 41 dB: 24.50 to 26.00 dB, or from -32.00 dBm on"));
+    const ChartLine below = lineWith({{41.0, {}, {}}});
+    QCOMPARE(thresholdText(41.0, {wide, narrow, below}, "dBm"),
              QString("above 41 dB: 24.50 to 26.00 dB, or not crossed"));
+    QCOMPARE(thresholdText(41.0, {below, below}, "dBm"), QString("above 41 dB: not crossed"));
+    const ChartLine early = lineWith({{41.0, {}, -9.5}});
+    const ChartLine late = lineWith({{41.0, {}, -8.25}});
+    QCOMPARE(thresholdText(41.0, {late, early}, "dBm"),
+             printed("above 41 dB: ending at -9.50 to -8.25 dBm"));
+    QCOMPARE(thresholdText(41.0, {late, below}, "dBFS"),
+             printed("above 41 dB: ending at -8.25 dBFS, or not crossed"));
     QCOMPARE(thresholdText(41.0, {wide, wide}, "dBm"), QString("above 41 dB: 26.00 dB"));
 }
 
