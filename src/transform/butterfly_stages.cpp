@@ -4,6 +4,8 @@
 // - A pass runs several stages at once on blocks of n points, seen as a matrix of 2^s rows: a
 //   tile of some columns holds all that its butterflies need. Blocks of a pass become smaller
 //   from pass to pass, and one that fits the cache goes through its passes before the next.
+// - A block that stays in the cache whole is its own tile where its parts lie apart: nothing is
+//   copied.
 // - Each pair of rows needs its own stretch of the recurrence. Where it begins is found once a
 //   pass. Passes on small blocks keep the twiddles, fewer than the block has points, for all
 //   blocks; on large blocks the stretches go on from tile to tile.
@@ -22,8 +24,9 @@ namespace {
 
 using Element = ComplexBuffer::Element;
 
-constexpr quint64 lastBlock = 32;    // points of the blocks that are left to the last stages
-constexpr quint64 keptBlock = 16384; // points of the largest block whose twiddles are kept
+constexpr quint64 lastBlock = 32;      // points of the blocks that are left to the last stages
+constexpr quint64 keptBlock = 16384;   // points of the largest block whose twiddles are kept
+constexpr quint64 inPlaceBlock = 4096; // points of the largest block that is its own tile
 constexpr quint64 maxFusedStages = 5;
 constexpr quint64 tileColumns = 32;
 constexpr quint64 tileSize = (quint64{1} << maxFusedStages) * tileColumns;
@@ -59,10 +62,12 @@ quint64 log2Of(quint64 powerOfTwo)
 class ButterflyStages::Pass
 {
 public:
-    Pass(quint64 blockSize, quint64 stages, const Element* rotations, quint64 partCount)
+    Pass(quint64 blockSize, quint64 stages, const Element* rotations, quint64 partCount,
+         bool isApart)
         : n(blockSize),
-          shape{quint64{1} << stages, tileColumns},
           columns(n >> stages),
+          isInPlace(isApart && n <= inPlaceBlock),
+          shape{quint64{1} << stages, isInPlace ? columns : tileColumns},
           stretches(findStretches(rotations, stages, columns, partCount))
     {
         if (n <= keptBlock) {
@@ -75,6 +80,10 @@ public:
 
     void runBlock(Samples block, bool conjugated, Workspace& work) const
     {
+        if (isInPlace) {
+            runWhole({block.re, block.im}, conjugated);
+            return;
+        }
         for (quint64 part = 0; part < parts(); ++part) {
             runPart(block, part, conjugated, work);
         }
@@ -103,31 +112,43 @@ public:
     }
 
 private:
+    void runWhole(Split block, bool conjugated) const
+    {
+        if (conjugated) {
+            conjugate(block, shape);
+        }
+        runTileStages(block, shape, kept(0));
+    }
+
     void keepTwiddles()
     {
-        const quint64 perTile = (shape.rows - 1) * tileColumns;
-        keptRe.resize(columns / tileColumns * perTile);
+        const quint64 perTile = (shape.rows - 1) * shape.columns;
+        keptRe.resize(columns / shape.columns * perTile);
         keptIm.resize(keptRe.size());
         std::vector<Stretch> places = stretches.front();
         for (quint64 at = 0; at < keptRe.size(); at += perTile) {
-            fillTwiddles(places, {keptRe.data() + at, keptIm.data() + at}, tileColumns);
+            fillTwiddles(places, {keptRe.data() + at, keptIm.data() + at}, shape.columns);
         }
+    }
+
+    Split kept(quint64 at) const
+    {
+        return {const_cast<double*>(keptRe.data()) + at, const_cast<double*>(keptIm.data()) + at};
     }
 
     Split twiddles(quint64 column, std::vector<Stretch>& places, Workspace& work) const
     {
         if (!keptRe.empty()) {
-            const quint64 at = column * (shape.rows - 1);
-            return {const_cast<double*>(keptRe.data()) + at,
-                    const_cast<double*>(keptIm.data()) + at};
+            return kept(column * (shape.rows - 1));
         }
         fillTwiddles(places, work.twiddles(), tileColumns);
         return work.twiddles();
     }
 
     quint64 n;
-    TileShape shape;
     quint64 columns;
+    bool isInPlace;
+    TileShape shape;
     std::vector<std::vector<Stretch>> stretches;
     std::vector<double> keptRe;
     std::vector<double> keptIm;
@@ -135,7 +156,8 @@ private:
 
 // As few passes as the tiles allow, of about as many stages each. The first is cut into parts
 // for the threads, where there are several.
-ButterflyStages::ButterflyStages(quint64 itsCount, const Element* rotations, int itsThreads)
+ButterflyStages::ButterflyStages(quint64 itsCount, const Element* rotations, int itsThreads,
+                                 Parts parts)
     : count(itsCount), threads(itsThreads)
 {
     quint64 n = count;
@@ -146,7 +168,8 @@ ButterflyStages::ButterflyStages(quint64 itsCount, const Element* rotations, int
         const quint64 stages = (left + rounds - 1) / rounds;
         const bool shared = threads > 1 && n == count && n > keptBlock;
         passes.emplace_back(n, stages, rotations,
-                            shared ? std::min<quint64>(16, (n >> stages) / tileColumns) : 1);
+                            shared ? std::min<quint64>(16, (n >> stages) / tileColumns) : 1,
+                            parts == Parts::Apart);
         rotations += stages;
         n >>= stages;
     }

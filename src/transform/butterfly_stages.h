@@ -10,8 +10,10 @@
 class ButterflyStages
 {
 public:
-    // The rotations are those of stageRotations; threads are those that a run may use.
-    ButterflyStages(quint64 itsCount, const ComplexBuffer::Element* rotations, int itsThreads);
+    // The rotations are those of stageRotations; threads are those that a run may use. All samples
+    // of its runs lie as told.
+    ButterflyStages(quint64 itsCount, const ComplexBuffer::Element* rotations, int itsThreads,
+                    Parts parts);
     ~ButterflyStages();
 
     // With conjugated the values that are read are taken with the sign of their imaginary parts

@@ -92,6 +92,20 @@ private:
 
     void load(quint64 middle, Tile& tile) const
     {
+        if (x.stride == 1) {
+            const Samples first = row(0, middle);
+            const quint64 distance = quint64{1} << (middleBits + sideBits);
+            transposeInto(tile.re.data(), first.re, distance, reversed.data(), side);
+            transposeInto(tile.im.data(), first.im, distance, reversed.data(), side);
+        } else {
+            loadPairs(middle, tile);
+        }
+        runTileStages(tile.split(), square, twiddles);
+        finish(tile.split(), side * side, how);
+    }
+
+    void loadPairs(quint64 middle, Tile& tile) const
+    {
         for (quint64 r = 0; r < side; ++r) {
             const Samples from = row(r, middle);
             double* re = tile.re.data() + reversed[r];
@@ -101,8 +115,6 @@ private:
                 im[column * side] = from.im[column * from.stride];
             }
         }
-        runTileStages(tile.split(), square, twiddles);
-        finish(tile.split(), side * side, how);
     }
 
     void store(Tile& tile, quint64 middle) const

@@ -25,16 +25,16 @@ bool LongTransform::suits(quint64 count)
     return count >= shortest && (count & (count - 1)) == 0;
 }
 
-LongTransform::LongTransform(quint64 itsCount, int itsThreads)
-    : LongTransform(itsCount, threadsFor(itsCount, itsThreads), stageRotations(itsCount))
+LongTransform::LongTransform(quint64 itsCount, int itsThreads, Parts parts)
+    : LongTransform(itsCount, threadsFor(itsCount, itsThreads), parts, stageRotations(itsCount))
 {
 }
 
-LongTransform::LongTransform(quint64 itsCount, int itsThreads,
+LongTransform::LongTransform(quint64 itsCount, int itsThreads, Parts parts,
                              const std::vector<ComplexBuffer::Element>& rotations)
     : count(itsCount),
       threads(itsThreads),
-      butterflies(count, rotations.data(), threads),
+      butterflies(count, rotations.data(), threads, parts),
       last(count, rotations.data() + rotations.size() - 5)
 {
 }

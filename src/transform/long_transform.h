@@ -14,13 +14,13 @@ public:
     static bool suits(quint64 count);
 
     // Of a count that suits; a run uses several threads where that is worth it.
-    LongTransform(quint64 itsCount, int itsThreads);
+    LongTransform(quint64 itsCount, int itsThreads, Parts parts);
 
-    // With inverse, what inverseTransform tells of.
+    // Samples lie as told before. With inverse, what inverseTransform tells of.
     void run(Samples x, bool inverse) const;
 
 private:
-    LongTransform(quint64 itsCount, int itsThreads,
+    LongTransform(quint64 itsCount, int itsThreads, Parts parts,
                   const std::vector<ComplexBuffer::Element>& rotations);
 
     const quint64 count;

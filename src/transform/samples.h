@@ -12,6 +12,8 @@ struct Split
     Split at(quint64 offset) const { return {re + offset, im + offset}; }
 };
 
+enum class Parts { InPairs, Apart };
+
 struct Samples
 {
     double* re;

@@ -122,7 +122,50 @@ void copyRows(const double* from, quint64 fromDistance, TileShape shape, double*
     }
 }
 
+using FourDoubles = double __attribute__((vector_size(4 * sizeof(double))));
+
+// Four values of four rows, by two rounds of exchanges, to four columns.
+void transposeFour(const double* const rows[4], double* to, quint64 side)
+{
+    FourDoubles a;
+    FourDoubles b;
+    FourDoubles c;
+    FourDoubles d;
+    __builtin_memcpy(&a, rows[0], sizeof(a));
+    __builtin_memcpy(&b, rows[1], sizeof(b));
+    __builtin_memcpy(&c, rows[2], sizeof(c));
+    __builtin_memcpy(&d, rows[3], sizeof(d));
+    const FourDoubles evenOfAB = __builtin_shufflevector(a, b, 0, 4, 2, 6);
+    const FourDoubles oddOfAB = __builtin_shufflevector(a, b, 1, 5, 3, 7);
+    const FourDoubles evenOfCD = __builtin_shufflevector(c, d, 0, 4, 2, 6);
+    const FourDoubles oddOfCD = __builtin_shufflevector(c, d, 1, 5, 3, 7);
+    a = __builtin_shufflevector(evenOfAB, evenOfCD, 0, 1, 4, 5);
+    b = __builtin_shufflevector(oddOfAB, oddOfCD, 0, 1, 4, 5);
+    c = __builtin_shufflevector(evenOfAB, evenOfCD, 2, 3, 6, 7);
+    d = __builtin_shufflevector(oddOfAB, oddOfCD, 2, 3, 6, 7);
+    __builtin_memcpy(to, &a, sizeof(a));
+    __builtin_memcpy(to + side, &b, sizeof(b));
+    __builtin_memcpy(to + 2 * side, &c, sizeof(c));
+    __builtin_memcpy(to + 3 * side, &d, sizeof(d));
+}
+
 } // namespace
+
+VECTOR_CLONES
+void transposeInto(double* tile, const double* from, quint64 rowDistance, const quint64* order,
+                   quint64 side)
+{
+    constexpr quint64 atOnce = 4;
+    for (quint64 row = 0; row < side; row += atOnce) {
+        for (quint64 column = 0; column < side; column += atOnce) {
+            const double* const rows[atOnce] = {from + order[row] * rowDistance + column,
+                                                from + order[row + 1] * rowDistance + column,
+                                                from + order[row + 2] * rowDistance + column,
+                                                from + order[row + 3] * rowDistance + column};
+            transposeFour(rows, tile + column * side + row, side);
+        }
+    }
+}
 
 void loadTile(Samples from, quint64 rowDistance, TileShape shape, Split tile)
 {

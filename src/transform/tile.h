@@ -16,6 +16,11 @@ struct TileShape
 void loadTile(Samples from, quint64 rowDistance, TileShape shape, Split tile);
 void storeTile(Split tile, TileShape shape, Samples to, quint64 rowDistance);
 
+// Fills a square of side, a multiple of 4, with the columns of some rows as its rows: value (c, r)
+// of it is the value c of the run that begins at order[r] * rowDistance.
+void transposeInto(double* tile, const double* from, quint64 rowDistance, const quint64* order,
+                   quint64 side);
+
 // Asks for the memory of a tile that is wanted soon. Rows lie far apart, so that the processor
 // doesn't foresee them by itself.
 void prefetchTile(Samples from, quint64 rowDistance, TileShape shape);

@@ -70,7 +70,7 @@ void fft(ComplexBuffer& buffer, int threads)
 {
     const quint64 count = buffer.size();
     if (LongTransform::suits(count)) {
-        LongTransform(count, threads).run(Samples::pairs(buffer.data()), false);
+        LongTransform(count, threads, Parts::InPairs).run(Samples::pairs(buffer.data()), false);
     } else if (count > 0) {
         transformPlainly(buffer);
     }
@@ -78,8 +78,9 @@ void fft(ComplexBuffer& buffer, int threads)
 
 PreparedTransform::PreparedTransform(quint64 itsCount, int threads)
     : count(itsCount),
-      longOne(LongTransform::suits(count) ? std::make_unique<LongTransform>(count, threads)
-                                          : nullptr)
+      longOne(LongTransform::suits(count)
+                  ? std::make_unique<LongTransform>(count, threads, Parts::Apart)
+                  : nullptr)
 {
 }
 
@@ -114,7 +115,7 @@ void inverseTransform(QVector<double>& re, QVector<double>& im, quint32 n)
     double* real = re.data();
     double* imag = im.data();
     if (LongTransform::suits(n)) {
-        LongTransform(n, usefulThreads()).run(Samples::arrays(real, imag), true);
+        LongTransform(n, usefulThreads(), Parts::Apart).run(Samples::arrays(real, imag), true);
         return;
     }
     ComplexBuffer buffer(n);
