@@ -10,7 +10,7 @@
 namespace {
 
 constexpr qint64 stretchSamples = 1 << 17; // worth a piece of work
-constexpr qint64 blockSamples = 1 << 16;   // read at once
+constexpr qint64 blockSamples = 1 << 15;   // read at once
 constexpr qint64 sumsBudget = 1 << 26;     // bytes that the stretches of a round may take
 
 bool isLong(qint64 length)
@@ -52,12 +52,25 @@ private:
             return {parts, parts + imaginary};
         }
 
-        std::vector<char> raw;
+        // Of so many samples. Segments overlap, so that what lies behind them is read with them.
+        const char* raw(const SampleReader& reader, qint64 first, qint64 count)
+        {
+            if (first < readFirst || first + count > readFirst + readCount) {
+                const qint64 left = reader.recording().samples - first;
+                readFirst = first;
+                readCount = std::max(count, std::min(blockSamples, left));
+                reader.read(readFirst, readCount, bytes);
+            }
+            return bytes.data() + (first - readFirst) * reader.recording().type->bytes;
+        }
 
     private:
         static constexpr qint64 apart = 32;
         const quint64 imaginary;
         ComplexBuffer values;
+        std::vector<char> bytes;
+        qint64 readFirst = 0;
+        qint64 readCount = 0;
     };
 
     qint64 stretchesPerRound() const;
@@ -87,8 +100,8 @@ void Pass::load(qint64 first, qint64 count, Scratch& scratch) const
 {
     for (qint64 done = 0; done < count; done += blockSamples) {
         const qint64 now = std::min(blockSamples, count - done);
-        reader.read(first + done, now, scratch.raw);
-        type.toParts(scratch.raw.data(), now, scratch.segment().at(static_cast<quint64>(done)));
+        type.toParts(scratch.raw(reader, first + done, now), now,
+                     scratch.segment().at(static_cast<quint64>(done)));
     }
 }
 
