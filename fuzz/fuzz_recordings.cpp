@@ -1,5 +1,5 @@
-// Recordings: the first byte chooses the form of the file, the rest is the file. What a reader
-// takes is analyzed too.
+// Recordings: the first byte chooses the form of the file and whether the signal is longer than
+// most inputs, the rest is the file. What a reader takes is analyzed too.
 #include "fuzz/input_file.h"
 #include "recording/notch_analysis.h"
 #include "recording/recording_file.h"
@@ -23,11 +23,24 @@ void write(const QString& path, const QByteArray& bytes)
     }
 }
 
-void analyze(const Recording& recording)
+// A chirp, which is unlike itself at every other place.
+SignalPeriod chirp(int length)
+{
+    SignalPeriod period;
+    for (int k = 0; k < length; ++k) {
+        const double radians = M_PI * k * k / length;
+        period.i << std::cos(radians);
+        period.q << std::sin(radians);
+    }
+    return period;
+}
+
+void analyze(const Recording& recording, int length)
 {
     RecordingRequest request;
     request.signal.sampleRate = 1000.0;
-    request.signal.length = 256;
+    request.signal.length = length;
+    request.played = chirp(length);
     request.signal.band = {-400.0, 400.0};
     request.signal.gaps = {FrequencyBand{-100.0, 50.0}};
     request.sampleRate = 1000.0;
@@ -47,6 +60,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const QTemporaryDir folder;
+    constexpr int shortPeriod = 256;
+    constexpr int longPeriod = 2048;
+    const int period = data[0] / nameCount % 2 == 0 ? shortPeriod : longPeriod;
     const QByteArray bytes = bytesOf(data + 1, size - 1);
     const QString path = folder.filePath(names[data[0] % nameCount]);
     write(folder.filePath("a.q.wav"), bytes);
@@ -57,7 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (recording.samples <= 0 || recording.type == nullptr) {
             std::abort();
         }
-        analyze(recording);
+        analyze(recording, period);
     } catch (const RecordingError& error) {
         if (error.text.isEmpty() || error.text.contains('\n')) {
             std::abort();
