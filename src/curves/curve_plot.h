@@ -32,6 +32,7 @@ public:
     void setContent(const PlotContent& content);
     // What is said where there is no line to see.
     void setHint(const QString& text);
+    const QString& hintText() const { return hint; }
 
     void zoom(double factor); // around the cursor or the middle; below 1 enlarges
     void showWhole();

@@ -26,6 +26,30 @@ const char emptyHint[] =
     "No result yet.\n\nMeasure a curve (Ctrl+M): a simulated device needs no instrument.\nOr open "
     "results (Ctrl+O, or drop their files here).";
 const char hiddenHint[] = "Nothing is shown: check a result and a notch on the left.";
+const char noReadingHint[] = "Waiting for the first reading.";
+const char noRatioHint[] =
+    "No reading has an NPR.\n\nDoes the generator play the signal, at the carrier and the levels "
+    "that were measured?";
+
+// Where there is no line to see.
+QString hintOf(const QVector<ShownResult>& results, const PlotChoice& choice)
+{
+    const auto isWaiting = [](const ShownResult& result) {
+        return result.isShown && result.result.points.isEmpty() &&
+               result.state == ShownResult::State::Running;
+    };
+    const auto hasPoint = [&choice](const ShownResult& result) {
+        const QVector<NprPoint>& points = result.result.points;
+        return result.isShown &&
+               std::any_of(points.begin(), points.end(), [&choice](const NprPoint& point) {
+                   return !choice.hiddenNotches.contains(point.notch);
+               });
+    };
+    return results.isEmpty()                                        ? emptyHint
+           : std::any_of(results.begin(), results.end(), isWaiting) ? noReadingHint
+           : std::any_of(results.begin(), results.end(), hasPoint)  ? noRatioHint
+                                                                    : hiddenHint;
+}
 
 } // namespace
 
@@ -201,9 +225,7 @@ void CurvesWindow::refresh()
     const PlotContent content = isOverLevel ? contentOverLevel(model.results(), choice)
                                             : contentOverFrequency(model.results(), choice);
     ui->plot->setContent(content);
-    ui->plot->setHint(model.results().isEmpty() ? QString(emptyHint)
-                      : !showsAny(content)      ? QString(hiddenHint)
-                                                : QString());
+    ui->plot->setHint(showsAny(content) ? QString() : hintOf(model.results(), choice));
 }
 
 void CurvesWindow::refreshNotches(bool hasColours)

@@ -10,6 +10,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 
@@ -76,6 +77,21 @@ qint32 expectedLength(const MeasurementSetup& setup)
                                                         : longEnough;
 }
 
+// Instruments refuse what a carrier of 0 Hz, that of the program's defaults, asks of them.
+QString carrierNotice(const MeasurementSetup& setup, const CampaignPlan& plan)
+{
+    const double carrier = setup.effectiveFrequency();
+    const bool isAbove =
+        std::all_of(plan.notches.begin(), plan.notches.end(), [carrier](const NumberedNotch& one) {
+            return carrier + one.notch.center > one.notch.width;
+        });
+    return isAbove ? QString()
+                   : QStringLiteral("The carrier of the configuration is at %1 MHz, too low for "
+                                    "its notches: choose a configuration with the carrier that "
+                                    "the generator plays.")
+                         .arg(carrier / 1e6);
+}
+
 void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& check)
 {
     const Measuring wanted = curveOf(arguments);
@@ -91,6 +107,7 @@ void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& che
     QStringList notices = console.lines();
     if (!request.simulated) {
         notices << holdersNotice(setup);
+        notices << carrierNotice(setup, plan);
         notices << QStringLiteral("The generator has to play the signal already.");
     }
     notices.removeAll(QString());

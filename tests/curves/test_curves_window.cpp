@@ -59,6 +59,7 @@ private slots:
     void aNotchOfAResultThatIsShownAloneHasItsColourInTheList();
     void resultsAreHiddenByTheirBoxesAndClosedByTheMenu();
     void theOtherTabShowsFrequencies();
+    void anEmptyChartTellsWhatIsMissing();
     void thePictureFillsTheWindowThatGrows();
     void thePictureIsKeptWhileThePointerMoves();
 };
@@ -291,6 +292,25 @@ void TestCurvesWindow::theOtherTabShowsFrequencies()
     QCOMPARE(plot()->frame().span.xHigh, 10.0);
     operate->trigger("action_over_level");
     QCOMPARE(plot()->frame().span.xLow, -40.0);
+}
+
+void TestCurvesWindow::anEmptyChartTellsWhatIsMissing()
+{
+    QVERIFY(plot()->hintText().contains("Measure a curve"));
+    NprResult silent = roofs(2);
+    for (NprPoint& point : silent.points) {
+        point.npr.reset();
+    }
+    openResult("silent.json", silent);
+    QVERIFY(plot()->hintText().contains("Does the generator play the signal"));
+    openResult("a.json", roofs(1));
+    QCOMPARE(plot()->hintText(), QString());
+    operate->trigger("action_next_notch");
+    operate->trigger("action_next_notch"); // 2, of which "a" has none
+    QVERIFY(plot()->hintText().contains("Does the generator"));
+    auto* list = operate->find<QListWidget>("notch_list");
+    list->item(1)->setCheckState(Qt::Unchecked);
+    QVERIFY(plot()->hintText().contains("check a result and a notch"));
 }
 
 void TestCurvesWindow::thePictureFillsTheWindowThatGrows()

@@ -80,6 +80,7 @@ void TestMeasureOrder::instrumentsNeedNoDevice()
     const OrderCheck check = checkOrder(wordsOf(order));
     QCOMPARE(check.failure, QString());
     QVERIFY(check.seconds > 41 * 0.1); // the settling of instruments alone
+    QVERIFY(check.notice.contains("carrier of the configuration is at 0 MHz"));
 }
 
 void TestMeasureOrder::wordsThatAShellTakesApartAreQuoted()
