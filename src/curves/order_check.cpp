@@ -158,9 +158,13 @@ ReadyOrder prepareOrder(const QStringList& words)
 QString durationText(double seconds)
 {
     const auto whole = static_cast<qint64>(std::ceil(seconds));
-    return whole < 60 ? QStringLiteral("about %1 s").arg(whole)
-                      : QStringLiteral("about %1:%2:%3 h")
-                            .arg(whole / 3600)
-                            .arg(whole / 60 % 60, 2, 10, QLatin1Char('0'))
-                            .arg(whole % 60, 2, 10, QLatin1Char('0'));
+    const auto parted = [](qint64 all, const char* unit) {
+        return QStringLiteral("about %1:%2 %3")
+            .arg(all / 60)
+            .arg(all % 60, 2, 10, QLatin1Char('0'))
+            .arg(QLatin1String(unit));
+    };
+    return whole < 60     ? QStringLiteral("about %1 s").arg(whole)
+           : whole < 3600 ? parted(whole, "min")
+                          : parted((whole + 30) / 60, "h"); // in minutes
 }

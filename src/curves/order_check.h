@@ -28,5 +28,5 @@ struct ReadyOrder
 // Makes the signal.
 ReadyOrder prepareOrder(const QStringList& words);
 
-// "about 20 s", "about 1:10:00 h"
+// "about 20 s", "about 1:10 min", "about 2:05 h"
 QString durationText(double seconds);

@@ -40,6 +40,7 @@ private slots:
     void onlyTheChosenNotchesAreCounted();
     void theSameTheoryNeedsASimulatedDevice();
     void aResultToSubtractMustHaveAllPoints();
+    void aTimeIsToldInItsOwnUnit();
     void aReadyOrderHasItsPlanAndTheory();
     void aConnectionOfAnotherProgramIsSeen();
 };
@@ -197,6 +198,16 @@ void TestMeasureOrder::aResultToSubtractMustHaveAllPoints()
     QVERIFY2(failure.contains("it has no point at -38 dBm"), qPrintable(failure));
     order.to = "-39";
     QCOMPARE(checkOrder(wordsOf(order)).failure, QString());
+}
+
+void TestMeasureOrder::aTimeIsToldInItsOwnUnit()
+{
+    QCOMPARE(durationText(19.2), QString("about 20 s"));
+    QCOMPARE(durationText(69.0), QString("about 1:09 min"));
+    QCOMPARE(durationText(3599.0), QString("about 59:59 min"));
+    QCOMPARE(durationText(3600.0), QString("about 1:00 h"));
+    QCOMPARE(durationText(2.0 * 3600.0 + 5.6 * 60.0), QString("about 2:06 h"));
+    QCOMPARE(durationText(2.0 * 3600.0 - 10.0), QString("about 2:00 h"));
 }
 
 void TestMeasureOrder::aReadyOrderHasItsPlanAndTheory()

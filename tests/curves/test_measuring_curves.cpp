@@ -69,14 +69,14 @@ void TestMeasuringCurves::theDialogChecksWhatIsTyped()
     const WindowDriver hand(dialog);
     auto* measure = hand.find<QDialogButtonBox>("buttons")->button(QDialogButtonBox::Ok);
     QTRY_VERIFY(measure->isEnabled());
-    QVERIFY(hand.text("check_text").startsWith("123 readings, about "));
+    QVERIFY(hand.text("check_text").startsWith("63 readings, about "));
     auto* from = hand.find<QLineEdit>("from_input");
     from->selectAll();
     QTest::keyClicks(from, "-4x");
     QVERIFY(!measure->isEnabled()); // at once, before it is checked
     QTRY_VERIFY(hand.text("check_text").contains("--levels FROM"));
     QVERIFY(!measure->isEnabled());
-    QVERIFY(commandIn(dialog).contains("--levels -4x:0:1"));
+    QVERIFY(commandIn(dialog).contains("--levels -4x:0:2"));
     QTest::keyClick(from, Qt::Key_Backspace);
     QTRY_VERIFY(measure->isEnabled());
     hand.click("copy_button");
@@ -123,7 +123,7 @@ void TestMeasuringCurves::allFieldsOfTheDialogAreInTheCommand()
     QTest::keyClicks(hand.find<QComboBox>("theory_input"), "saleh,saturation=1");
     QCOMPARE(commandIn(dialog),
              QString("notchbench-cli curve default --notches 5,2e6,-90 --simulate "
-                     "adc,bits=12,full-scale=0,noise-floor=-150 --levels -40:0:1 --notch 1,3 "
+                     "adc,bits=12,full-scale=0,noise-floor=-150 --levels -40:0:2 --notch 1,3 "
                      "--average 2 --settle 0.25 --limit 30 --threshold 41 --threshold 50 --theory "
                      "saleh,saturation=1 --subtract cable.json"));
     QCOMPARE(commandLineOf(dialog.words()), commandIn(dialog));
