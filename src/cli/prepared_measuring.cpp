@@ -70,6 +70,21 @@ void warnOfReferences(const MeasurementSetup& setup, const CampaignPlan& plan, C
     }
 }
 
+// What no analyzer can be tuned to: the carrier of the defaults is at 0 Hz.
+void warnOfFrequencies(const MeasurementSetup& setup, const CampaignPlan& plan, Console& console)
+{
+    const NumberedNotch& lowest = plan.notches.constFirst();
+    const double frequency = setup.analyzer.frequency + lowest.notch.center;
+    if (frequency < 0.0) {
+        console.warn(
+            QStringLiteral("notch %1 lies at %2 Hz, for \"Analyzer/Frequency\" is %3 Hz; set "
+                           "the carrier's frequency, for the generator too")
+                .arg(lowest.number)
+                .arg(frequency, 0, 'g', 9)
+                .arg(setup.analyzer.frequency, 0, 'g', 9));
+    }
+}
+
 ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& request,
                         const CampaignPlan& plan, const Arguments& arguments,
                         const Measuring& wanted)
@@ -118,6 +133,9 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
         setup, ready.request,
         wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels, arguments);
     warnOfReferences(setup, ready.plan, console);
+    if (!ready.request.simulated) {
+        warnOfFrequencies(setup, ready.plan, console);
+    }
     if (ready.request.without) {
         requireSubtractable(*ready.request.without, ready.result, ready.plan, arguments);
     }

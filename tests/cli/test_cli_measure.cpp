@@ -101,6 +101,7 @@ private slots:
     void anInterruptionKeepsWhatWasMeasured_data();
     void anInterruptionKeepsWhatWasMeasured();
     void instrumentsAreMeasuredWith();
+    void aNotchBelowZeroHertzIsTold();
     void aLostInstrumentIsStatusFour();
     void withoutInstrumentsItIsStatusFour();
 
@@ -474,6 +475,19 @@ void TestCliMeasure::instrumentsAreMeasuredWith()
     QCOMPARE(result["bench"].toObject()["generator"].toString(), QString("a generator"));
     QVERIFY(std::abs(pointOf(result, 0)["npr_db"].toDouble() - 10.0 * std::log10(99.0)) < 1e-9);
     QCOMPARE(pointOf(result, 0)["level_dbm"].toDouble(), -20.0);
+}
+
+// Three notches in 80 MHz lie 20 MHz apart; lines are 12.2 kHz apart.
+void TestCliMeasure::aNotchBelowZeroHertzIsTold()
+{
+    const MeasuredDevices devices("-40.0,-20.0,-20.0\n");
+    const QStringList at{"--set", "Analyzer/Frequency=1e7"};
+    const CliRun low = cli->run(measuring(instruments + at));
+    QCOMPARE(low.status, 0);
+    QVERIFY2(low.err.contains("warning: notch 1 lies at -99"), qPrintable(low.err));
+    const QStringList above{"--set", "Analyzer/Frequency=1e9"};
+    QVERIFY(!cli->run(measuring(instruments + above)).err.contains("warning"));
+    QVERIFY(!cli->run(measuring(rapp)).err.contains("warning"));
 }
 
 void TestCliMeasure::aLostInstrumentIsStatusFour()
