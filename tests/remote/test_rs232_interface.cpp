@@ -202,13 +202,13 @@ void TestRs232Interface::aChatteringDeviceIsCutOff()
     QVERIFY2(answer.size() >= 2 && answer.size() < 15, qPrintable(answer));
 }
 
-// The rest comes well within the silence that would end an answer.
+// The rest comes within the silence that would end a shorter one.
 void TestRs232Interface::anAnswerIsCutAtAMebibyte()
 {
     Line line;
     RS232Interface transport(line.name(), usual);
     transport.open();
-    line.answerOnce({{0, QByteArray(1024 * 1024, 'x')}, {700, "rest"}});
+    line.answerOnce({{0, QByteArray(1024 * 1024, 'x')}, {900, "rest"}});
     const QString answer = transport.querySCPI("*IDN?");
     QCOMPARE(answer.size(), 1024 * 1024);
 }
