@@ -221,12 +221,14 @@ void requireTheorysRate(const Task& task, const Recording& recording, double sam
     constexpr double nearly = 1e-3;
     const double itsRate = task.wanted.signal.sampleRate;
     const bool isConverter = task.request.theory && task.request.theory->device.name == "adc";
-    if (isConverter &&
-        !(recording.type->isComplex && std::abs(sampleRate - itsRate) <= nearly * itsRate)) {
+    const bool isItsRate = std::abs(sampleRate - itsRate) <= nearly * itsRate;
+    if (isConverter && !(recording.type->isComplex && isItsRate)) {
+        const QString what = recording.type->isComplex ? QStringLiteral("has %1 Hz").arg(sampleRate)
+                                                       : QStringLiteral("holds real samples");
         failUsage(QStringLiteral("--theory adc is that of two converters, one a component, at "
-                                 "CONFIG's sample rate of %1 Hz; %2 is another recording")
+                                 "CONFIG's sample rate of %1 Hz; %2 %3")
                       .arg(itsRate)
-                      .arg(recording.name));
+                      .arg(recording.name, what));
     }
 }
 

@@ -60,6 +60,7 @@ private slots:
     void aConverterDrawsItsCurveOverItsOwnLevel();
     void levelsThatAreGivenAreTheAxis();
     void theoryStandsBesideAConvertersReadings();
+    void resultsInDbfsAreDrawnWithAConvertersTheory();
     void theoryOfAConverterIsThatOfCONFIGsRate();
     void aChosenNotchIsReadAlone();
     void whatFillsTheNotchesWithoutTheDeviceIsSubtracted();
@@ -221,12 +222,30 @@ void TestCliAnalyze::theoryStandsBesideAConvertersReadings()
     QCOMPARE(overDrive.out.count(" 35.00 ") + overDrive.out.count(" 35.01 "), 3);
 }
 
+// 0 dBFS is full scale; what drove another device isn't known.
+void TestCliAnalyze::resultsInDbfsAreDrawnWithAConvertersTheory()
+{
+    const QString file = quantised("drawn.ci8", 8.0);
+    QCOMPARE(analyze({file, "--rate", "1e8", "--json", "drawn.json"}).status, 0);
+    const QStringList plot{"plot", "drawn.json", "--plot", "drawn.svg", "--theory"};
+    const CliRun converter = cli.run(plot + QStringList{"adc,bits=8"});
+    QVERIFY2(converter.status == 0, qPrintable(converter.err));
+    QVERIFY(bytesOf(cli.path("drawn.svg")).contains("theory adc,bits=8"));
+    const CliRun amplifier = cli.run(plot + QStringList{"rapp,saturation=0"});
+    QCOMPARE(amplifier.status, 2);
+    QVERIFY2(amplifier.err.contains("needs levels in dBm"), qPrintable(amplifier.err));
+}
+
 void TestCliAnalyze::theoryOfAConverterIsThatOfCONFIGsRate()
 {
-    const CliRun run =
-        analyze({quantised("faster.ci8", 8.0), "--rate", "1.1e8", "--theory", "adc,bits=8"});
-    QCOMPARE(run.status, 2);
-    QVERIFY2(run.err.contains("faster.ci8 is another recording"), qPrintable(run.err));
+    const QString file = quantised("faster.ci8", 8.0);
+    const QStringList theory{"--theory", "adc,bits=8", "--rate"};
+    const CliRun faster = analyze(QStringList(file) + theory + QStringList("1.1e8"));
+    QCOMPARE(faster.status, 2);
+    QVERIFY2(faster.err.contains("faster.ci8 has 1.1e+08 Hz"), qPrintable(faster.err));
+    const CliRun real = analyze(QStringList(file) + theory + QStringList{"1e8", "--type", "ri16"});
+    QCOMPARE(real.status, 2);
+    QVERIFY2(real.err.contains("faster.ci8 holds real samples"), qPrintable(real.err));
 }
 
 void TestCliAnalyze::aChosenNotchIsReadAlone()
