@@ -117,7 +117,7 @@ void TestChain::veryLongSignalsAreInterpolatedLess()
 
 void TestChain::aLoneCarrierPassesEveryDevice()
 {
-    for (const QString& name : {"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
+    for (const QString& name : QStringList{"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
         Chain chain = chainWith(qPrintable(name));
         chain.device.bits = 24;
         const ChainOutput output = outputOf(chain, {{1.0}, {0.0}, 1.0}, -60.0);
