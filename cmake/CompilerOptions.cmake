@@ -7,7 +7,6 @@ set(CMAKE_CXX_STANDARD 17)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-set(CMAKE_AUTOMOC ON)
 # Without the times of the pictures' files, which differ from one checkout to the next.
 set(CMAKE_AUTORCC_OPTIONS --format-version 1)
 
@@ -26,12 +25,15 @@ target_compile_options(notchbench_options INTERFACE
 target_compile_definitions(notchbench_options INTERFACE
     QT_DEPRECATED_WARNINGS QT_NO_CAST_TO_ASCII)
 
-# notchbench_library(<folder> FILES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
+# notchbench_library(<folder> [MOC] FILES ... [DEPENDS ...] [PRIVATE_DEPENDS ...])
 # makes the static library of one folder of src/. Headers are included by their
-# path below src/, as in "setup/signal_data.h".
+# path below src/, as in "setup/signal_data.h". MOC says that there is a Q_OBJECT
+# among them: the search costs every build time, so only such folders have it.
+# Without it the linker misses a vtable.
 function(notchbench_library name)
-    cmake_parse_arguments(ARG "" "" "FILES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
+    cmake_parse_arguments(ARG "MOC" "" "FILES;DEPENDS;PRIVATE_DEPENDS" ${ARGN})
     add_library(notchbench_${name} STATIC ${ARG_FILES})
+    set_target_properties(notchbench_${name} PROPERTIES AUTOMOC ${ARG_MOC})
     target_include_directories(notchbench_${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
     target_link_libraries(notchbench_${name}
         PUBLIC ${ARG_DEPENDS}
@@ -41,7 +43,6 @@ endfunction()
 # Before the libraries of Qt, whose functions it catches.
 if(NOTCHBENCH_SANITIZER MATCHES "thread")
     add_library(notchbench_thread_edges SHARED cmake/thread_sanitizer_edges.cpp)
-    set_target_properties(notchbench_thread_edges PROPERTIES AUTOMOC OFF)
     target_link_libraries(notchbench_thread_edges PRIVATE Qt5::Core ${CMAKE_DL_LIBS})
     target_link_libraries(notchbench_options INTERFACE
         -Wl,--no-as-needed notchbench_thread_edges -Wl,--as-needed)

@@ -1,3 +1,5 @@
+include(${CMAKE_CURRENT_LIST_DIR}/TestProgram.cmake)
+
 # Whole call stacks are needed to tell a leak of Qt's plugins, which are listed, from one
 # of ours.
 if(NOTCHBENCH_SANITIZER MATCHES "address")
@@ -13,9 +15,10 @@ endif()
 # notchbench_test_entry(<entry> <name> [FUNCTIONS ...] [EXCEPT ...] [SERIAL] ...)
 # makes one CTest entry of a test program: with the named test functions, with all but the named
 # ones, or with all. Every entry has a home of its own, so that none reads or writes the settings of
-# the person who runs it or of another. The other options are those of notchbench_test.
+# the person who runs it or of another. Slow entries start first, the longest before all others, so
+# that none of them is left alone at the end. The other options are those of notchbench_test.
 function(notchbench_test_entry entry name)
-    cmake_parse_arguments(ARG "WINDOW;SERIAL" "TIMEOUT;LIBRARY_PATH"
+    cmake_parse_arguments(ARG "WINDOW;SERIAL;LONG" "TIMEOUT;LIBRARY_PATH"
         "FUNCTIONS;EXCEPT;LABELS;LOCKS" ${ARGN})
     if(ARG_EXCEPT)
         list(JOIN ARG_EXCEPT "|" except)
@@ -23,7 +26,7 @@ function(notchbench_test_entry entry name)
             "exec \"$0\" $(\"$0\" -functions | tr -d '()' | grep -vxE '${except}')"
             $<TARGET_FILE:${name}>)
     else()
-        add_test(NAME ${entry} COMMAND ${name} ${ARG_FUNCTIONS})
+        add_test(NAME ${entry} COMMAND $<TARGET_FILE:${name}> ${ARG_FUNCTIONS})
     endif()
 
     set(home ${CMAKE_BINARY_DIR}/test-homes/${entry})
@@ -43,37 +46,51 @@ function(notchbench_test_entry entry name)
     if(NOTCHBENCH_SANITIZER) # several times slower
         math(EXPR ARG_TIMEOUT "4 * ${ARG_TIMEOUT}")
     endif()
+    set(cost 0)
+    if(ARG_LONG)
+        set(cost 100)
+    elseif("slow" IN_LIST ARG_LABELS)
+        set(cost 10)
+    endif()
     set_tests_properties(${entry} PROPERTIES
         ENVIRONMENT "${environment};${NOTCHBENCH_SANITIZER_ENVIRONMENT}"
+        COST ${cost}
         TIMEOUT ${ARG_TIMEOUT}
         LABELS "${ARG_LABELS}"
         RUN_SERIAL ${ARG_SERIAL}
         RESOURCE_LOCK "${ARG_LOCKS}")
 endfunction()
 
-# notchbench_test(<name> FILES ... LINKS ... [TIMED ...] [SLOW ...] [WINDOW] [LABELS ...]
-#                [LOCKS ...] [TIMEOUT s] [LIBRARY_PATH folder])
+# notchbench_test(<name> FILES ... LINKS ... [TIMED ...] [SLOW ...] [WINDOW] [LONG]
+#                [LABELS ...] [LOCKS ...] [TIMEOUT s] [LIBRARY_PATH folder])
 # makes one Qt Test program and its CTest entries. WINDOW marks a test that drives widgets; it runs
-# on the offscreen platform.
+# on the offscreen platform. LOCKS names the fixed ports that a test takes; tests that name
+# the same one take turns.
 #
 # TIMED names the test functions that hold the program to a promise about time, which a busy
 # machine may break: they are the entry <name>_time, labelled "time", and run alone. SLOW names
 # those that take seconds: the entry <name>_slow, labelled "slow". <name> has the others. A program
-# that is slow as a whole has the label "slow" itself.
+# that is slow as a whole has the label "slow" itself, and is LONG if it takes half a minute.
 function(notchbench_test name)
-    cmake_parse_arguments(ARG "WINDOW" "TIMEOUT;LIBRARY_PATH"
+    cmake_parse_arguments(ARG "WINDOW;LONG" "TIMEOUT;LIBRARY_PATH"
         "FILES;LINKS;TIMED;SLOW;LABELS;LOCKS" ${ARGN})
-    add_executable(${name} ${ARG_FILES})
-    target_link_libraries(${name} PRIVATE notchbench_options ${ARG_LINKS} Qt5::Test)
-    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+    notchbench_test_program(${name} FILES ${ARG_FILES} LINKS ${ARG_LINKS})
+    foreach(file ${ARG_FILES})
+        if(file MATCHES "\\.cpp$")
+            notchbench_moc(${name} ${file})
+        endif()
+    endforeach()
+    target_include_directories(${name} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${name}.moc.d)
     target_compile_definitions(${name} PRIVATE
         NOTCHBENCH_TEST_DATA="${PROJECT_SOURCE_DIR}/tests/data"
         NOTCHBENCH_SOURCE_DIR="${PROJECT_SOURCE_DIR}")
 
     set(common LOCKS ${ARG_LOCKS} TIMEOUT ${ARG_TIMEOUT} LIBRARY_PATH ${ARG_LIBRARY_PATH})
-    if(ARG_WINDOW)
-        list(APPEND common WINDOW)
-    endif()
+    foreach(option WINDOW LONG)
+        if(ARG_${option})
+            list(APPEND common ${option})
+        endif()
+    endforeach()
     notchbench_test_entry(${name} ${name} ${common}
         EXCEPT ${ARG_TIMED} ${ARG_SLOW} LABELS ${ARG_LABELS})
     if(ARG_TIMED)

@@ -1,0 +1,1 @@
+// Nothing: a target of CMake that precompiles headers needs one source file.
