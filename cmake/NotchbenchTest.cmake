@@ -1,3 +1,4 @@
+include(${CMAKE_CURRENT_LIST_DIR}/OwnNetwork.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/TestProgram.cmake)
 
 # Whole call stacks are needed to tell a leak of Qt's plugins, which are listed, from one
@@ -20,13 +21,19 @@ endif()
 function(notchbench_test_entry entry name)
     cmake_parse_arguments(ARG "WINDOW;SERIAL;LONG" "TIMEOUT;LIBRARY_PATH"
         "FUNCTIONS;EXCEPT;LABELS;LOCKS" ${ARGN})
+    set(network "")
+    if(ARG_LOCKS AND NOTCHBENCH_OWN_NETWORK)
+        set(network ${NOTCHBENCH_OWN_NETWORK})
+        set(ARG_LOCKS "")
+        add_dependencies(${name} own_network)
+    endif()
     if(ARG_EXCEPT)
         list(JOIN ARG_EXCEPT "|" except)
-        add_test(NAME ${entry} COMMAND sh -c
+        add_test(NAME ${entry} COMMAND ${network} sh -c
             "exec \"$0\" $(\"$0\" -functions | tr -d '()' | grep -vxE '${except}')"
             $<TARGET_FILE:${name}>)
     else()
-        add_test(NAME ${entry} COMMAND $<TARGET_FILE:${name}> ${ARG_FUNCTIONS})
+        add_test(NAME ${entry} COMMAND ${network} $<TARGET_FILE:${name}> ${ARG_FUNCTIONS})
     endif()
 
     set(home ${CMAKE_BINARY_DIR}/test-homes/${entry})
@@ -64,8 +71,8 @@ endfunction()
 # notchbench_test(<name> FILES ... LINKS ... [TIMED ...] [SLOW ...] [WINDOW] [LONG]
 #                [LABELS ...] [LOCKS ...] [TIMEOUT s] [LIBRARY_PATH folder])
 # makes one Qt Test program and its CTest entries. WINDOW marks a test that drives widgets; it runs
-# on the offscreen platform. LOCKS names the fixed ports that a test takes; tests that name
-# the same one take turns.
+# on the offscreen platform. LOCKS names the fixed ports that a test takes: it has a network of its
+# own, or takes turns with the others that name one of them.
 #
 # TIMED names the test functions that hold the program to a promise about time, which a busy
 # machine may break: they are the entry <name>_time, labelled "time", and run alone. SLOW names
