@@ -2,6 +2,7 @@
 #pragma once
 
 #include "base/worker_threads.h"
+#include "kit/event_wait.h"
 
 #include <QCoreApplication>
 #include <QtTest>
@@ -17,7 +18,7 @@ inline void waitForBackgroundJobs()
 inline bool backgroundJobsEnd(int limitMs)
 {
     const bool ended =
-        QTest::qWaitFor([] { return WorkerThreads::ofProcess().busyCount() == 0; }, limitMs);
+        eventsBring([] { return WorkerThreads::ofProcess().busyCount() == 0; }, limitMs);
     QCoreApplication::processEvents();
     return ended;
 }

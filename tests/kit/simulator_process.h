@@ -1,6 +1,8 @@
 // The simulated bench as a process of its own: the program notchbench-simulator.
 #pragma once
 
+#include "kit/event_wait.h"
+
 #include <QElapsedTimer>
 #include <QProcess>
 #include <QtTest>
@@ -16,7 +18,7 @@ public:
             QStringLiteral(NOTCHBENCH_SIMULATOR),
             QStringList{"--fast", "--verbose", "--signal-port", QString::number(signalPort)} +
                 options);
-        ready = QTest::qWaitFor(
+        ready = eventsBring(
             [this] {
                 out += process.readAllStandardOutput();
                 return out.contains("listening on");
@@ -37,7 +39,7 @@ public:
     // Waits until a line with this text has come since the last call.
     bool logs(const QByteArray& text, int limitMs = 20000)
     {
-        const bool found = QTest::qWaitFor(
+        const bool found = eventsBring(
             [&] {
                 const QByteArray news = process.readAllStandardError();
                 log += news;

@@ -1,6 +1,8 @@
 // A client of the status protocol for tests that share the event loop with the server.
 #pragma once
 
+#include "kit/event_wait.h"
+
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -23,8 +25,7 @@ public:
     // Exactly count bytes, or what came within the time.
     QByteArray take(int count, int milliseconds = 10000)
     {
-        (void)QTest::qWaitFor([this, count] { return socket.bytesAvailable() >= count; },
-                              milliseconds);
+        (void)eventsBring([this, count] { return socket.bytesAvailable() >= count; }, milliseconds);
         return socket.read(count);
     }
 
