@@ -2,17 +2,15 @@
 #include "measurement/npr_measurement_thread.h"
 
 #include "kit/background_jobs.h"
+#include "kit/thread_state.h"
 #include "measurement/usual_device.h"
 #include "remote/ko_remote_exception.h"
 
-#include <QFile>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include <atomic>
-#include <sys/syscall.h>
 #include <thread>
-#include <unistd.h>
 
 namespace {
 
@@ -40,22 +38,6 @@ private:
     QMutex mutex;
     QStringList messages;
 };
-
-long ownThreadId()
-{
-    return syscall(SYS_gettid);
-}
-
-// As the system tells it: 'S' for one that sleeps; '?' where it doesn't.
-char stateOfThread(long id)
-{
-    QFile file(QStringLiteral("/proc/self/task/%1/stat").arg(id));
-    if (!file.open(QIODevice::ReadOnly)) {
-        return '?';
-    }
-    const QByteArray text = file.readAll();
-    return text.at(text.lastIndexOf(')') + 2);
-}
 
 } // namespace
 

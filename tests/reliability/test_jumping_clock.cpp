@@ -3,11 +3,12 @@
 #include "campaign/campaign.h"
 #include "kit/main_window_test.h"
 #include "kit/sweep_test.h"
+#include "kit/thread_state.h"
 
 #include <atomic>
-#include <chrono>
 #include <ctime>
 #include <dlfcn.h>
+#include <future>
 #include <pthread.h>
 #include <thread>
 
@@ -111,14 +112,16 @@ void TestJumpingClock::settleTimeEnds()
 {
     QElapsedTimer timer;
     timer.start();
-    std::thread jump([] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(200));
-        moveTimeOfDay()(-hour);
+    std::atomic<long> settling{0};
+    const std::future<void> end = std::async(std::launch::async, [&settling] {
+        settling = ownThreadId();
+        Interruption().waitFor(1.0);
     });
-    const Interruption interruption;
-    interruption.waitFor(1.0);
+    QTRY_VERIFY(settling != 0);
+    QTRY_COMPARE(stateOfThread(settling), 'S');
+    moveTimeOfDay()(-hour);
+    end.wait();
     const qint64 waited = timer.elapsed();
-    jump.join();
     QVERIFY2(waited >= 1000, QByteArray::number(waited).constData());
     QVERIFY2(waited < 30000, QByteArray::number(waited).constData());
 }
