@@ -220,11 +220,6 @@ bool coloursAreOfNotches(const QVector<ShownResult>& results)
                          [](const ShownResult& result) { return result.isShown; }) < 2;
 }
 
-QColor notchColour(int notch)
-{
-    return ChartStyle::lineColour(notch - 1);
-}
-
 // Black has no darker colour.
 QColor resultColour(int place)
 {
@@ -242,6 +237,11 @@ bool showsAny(const PlotContent& content)
 {
     return std::any_of(content.lines.begin(), content.lines.end(),
                        [](const PlotLine& line) { return line.isShown; });
+}
+
+QColor notchColour(int notch)
+{
+    return resultColour(notch - 1);
 }
 
 PlotContent contentOverLevel(const QVector<ShownResult>& results, const PlotChoice& choice)
