@@ -2,6 +2,7 @@
 // of the house (accent-coloured labels, buttons, table headers) can be read in every window.
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/contrast.h"
+#include "kit/dark_desktop.h"
 #include "kit/main_window_test.h"
 #include "look/house_look.h"
 #include "support/dialogs/about_window.h"
@@ -23,32 +24,6 @@ namespace {
 
 constexpr double readable = 4.5;
 const QColor accent(0, 142, 214);
-
-QPalette darkPalette()
-{
-    QPalette palette(Qt::white, QColor(49, 54, 59), QColor(90, 95, 100), QColor(20, 22, 24),
-                     QColor(40, 44, 48), QColor(239, 240, 241), Qt::white, QColor(35, 38, 41),
-                     QColor(42, 46, 50));
-    palette.setColor(QPalette::AlternateBase, QColor(49, 54, 59));
-    palette.setColor(QPalette::Link, QColor(29, 153, 243));
-    palette.setColor(QPalette::ToolTipBase, QColor(49, 54, 59));
-    palette.setColor(QPalette::ToolTipText, QColor(239, 240, 241));
-    palette.setColor(QPalette::PlaceholderText, QColor(140, 145, 150));
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(110, 113, 117));
-    palette.setColor(QPalette::Disabled, QPalette::Text, QColor(110, 113, 117));
-    return palette;
-}
-
-// As a platform does it: one palette for all, and some kinds of widgets have their own.
-void darkenTheDesktop()
-{
-    QApplication::setPalette(darkPalette());
-    for (const char* kind :
-         {"QMenu", "QMenuBar", "QCheckBox", "QRadioButton", "QMessageBox", "QMessageBoxLabel",
-          "QLabel", "QTabBar", "QAbstractItemView", "QHeaderView", "QComboBox", "QTipLabel"}) {
-        QApplication::setPalette(darkPalette(), kind);
-    }
-}
 
 bool isAccentByTheScheme(const QLabel& label)
 {
