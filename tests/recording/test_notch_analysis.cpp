@@ -22,10 +22,10 @@ MadeSignal evenSignal()
     return {length, rate, -400, 400, {{-200, -137}, {137, 200}}, 0.0};
 }
 
-// Of many lines, so that a period is long.
+// With a long period, and a band that leaves the sums short.
 MadeSignal longSignal()
 {
-    return {16384, rate, -6500, 6500, {{-4000, -3401}, {2000, 2599}}, 0.0};
+    return {16384, rate, -2000, 2000, {{-1500, -1201}, {700, 999}}, 0.0};
 }
 
 RecordingRequest requestFor(const MadeSignal& signal)
@@ -219,7 +219,7 @@ void TestNotchAnalysis::shortRecordingsTellTheClockByTheSignal()
     }
 }
 
-// The lines of the one period that there is would leak into the notches at 50 dB.
+// The lines of the one period that there is would leak into the notches at 60 dB.
 void TestNotchAnalysis::onePeriodOfAnotherClockIsNotReadByItsLines()
 {
     const MadeSignal signal = longSignal();
