@@ -1,5 +1,6 @@
 #include "cli/theory_argument.h"
 
+#include "base/stop_signals.h"
 #include "cli/device_argument.h"
 #include "cli/exit_status.h"
 
@@ -43,6 +44,9 @@ QVector<NprPoint> theoryPoints(const Theory& theory, const QVector<double>& leve
 {
     QVector<NprPoint> points;
     for (const double level : levels) {
+        if (StopSignals::received() != 0) { // many levels take minutes
+            throw Failure{statusOfSignal(StopSignals::received()), "interrupted"};
+        }
         const QVector<std::optional<double>> ratios = theory.at(level);
         for (int k = 0; k < ratios.size(); ++k) {
             NprPoint point;

@@ -100,6 +100,7 @@ private slots:
     void aPictureNeedsNoDisplay();
     void anInterruptionKeepsWhatWasMeasured_data();
     void anInterruptionKeepsWhatWasMeasured();
+    void theoryOfManyLevelsCanBeInterrupted();
     void instrumentsAreMeasuredWith();
     void aNotchBelowZeroHertzIsTold();
     void aLostInstrumentIsStatusFour();
@@ -460,6 +461,21 @@ void TestCliMeasure::anInterruptionKeepsWhatWasMeasured()
     // CONFIG's -20 dBm is above the highest level.
     QVERIFY(devices.generator.takeReceivedUpTo("POW -30.000000\n*IDN?\n&GTL\n")
                 .endsWith("POW -30.000000\n*IDN?\n&GTL\n"));
+}
+
+// It would take minutes, and begins when the warning has been told.
+void TestCliMeasure::theoryOfManyLevelsCanBeInterrupted()
+{
+    const QStringList levels{"--levels", "-50:49:0.01", "--theory", "same"};
+    cli->process.start(NOTCHBENCH_CLI,
+                       curve(rapp + levels + QStringList{"--set", "NPR/Phase Mode=2"}));
+    QByteArray err;
+    QTRY_VERIFY_WITH_TIMEOUT((err += cli->process.readAllStandardError()).contains("noise-like"),
+                             20000);
+    ::kill(static_cast<pid_t>(cli->process.processId()), SIGINT);
+    QVERIFY(cli->process.waitForFinished(20000));
+    QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(cli->process.exitCode(), 130);
 }
 
 void TestCliMeasure::instrumentsAreMeasuredWith()
