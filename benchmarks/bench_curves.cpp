@@ -9,6 +9,7 @@
 #include "curves/curve_plot.h"
 #include "curves/made_up_result.h"
 #include "look/house_look.h"
+#include "run_benchmarks.h"
 
 #include <benchmark/benchmark.h>
 
@@ -140,10 +141,5 @@ int main(int argc, char* argv[])
     if (application.arguments().value(1) == QLatin1String("paintOnce")) {
         return paintOnce();
     }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runBenchmarks(argc, argv);
 }

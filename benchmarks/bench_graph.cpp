@@ -4,6 +4,7 @@
 // "Auto-Calculate" makes them, and out of order, where the outline doubles back.
 #include "app/main_window.h"
 #include "graph/graph_widget.h"
+#include "run_benchmarks.h"
 #include "setup/measurement_setup.h"
 
 #include <benchmark/benchmark.h>
@@ -121,10 +122,5 @@ int main(int argc, char* argv[])
     qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runBenchmarks(argc, argv);
 }

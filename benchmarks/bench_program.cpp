@@ -6,6 +6,7 @@
 #include "app/main_window.h"
 #include "first_paint.h"
 #include "kit/window_driver.h"
+#include "run_benchmarks.h"
 #include "setup/measurement_setup.h"
 #include "status/status_replies.h"
 #include "turns.h"
@@ -263,6 +264,5 @@ int main(int argc, char* argv[])
     if (scenario == QLatin1String("calculateTwice")) {
         return calculateTwice();
     }
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
+    return runBenchmarks(argc, argv);
 }

@@ -2,6 +2,7 @@
 // through the dialog. The counter "against_ideal" of a sweep is its time by seeds x one seed /
 // cores, with at most the three cores that a sweep uses; it is to stay below 1.15 on a machine that
 // is idle.
+#include "run_benchmarks.h"
 #include "setup/measurement_setup.h"
 #include "signal/calculation.h"
 #include "signal/dialogs/crest_factor_dialog.h"
@@ -93,10 +94,5 @@ int main(int argc, char* argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return runBenchmarks(argc, argv);
 }
