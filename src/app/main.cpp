@@ -1,5 +1,5 @@
 #include "app/main_window.h"
-#include "base/large_pages.h"
+#include "base/freed_memory.h"
 #include "look/house_look.h"
 #include "look/steady_application.h"
 

@@ -1,5 +1,5 @@
 // The bench without a window, see --help.
-#include "base/large_pages.h"
+#include "base/freed_memory.h"
 #include "base/standard_streams.h"
 #include "base/stop_signals.h"
 #include "chart/chart_file.h"

@@ -1,4 +1,4 @@
-#include "base/large_pages.h"
+#include "base/freed_memory.h"
 #include "base/stop_signals.h"
 #include "curves/curves_window.h"
 #include "look/house_look.h"

@@ -2,7 +2,7 @@
 // and judges how it ends. Arguments: the scenario, and "memory" where threads are to be refused for
 // want of memory and not by a limit on their number. The line "closing" says that only the end is
 // still to come. Status 77: the limit binds nothing here.
-#include "base/large_pages.h"
+#include "base/freed_memory.h"
 #include "look/steady_application.h"
 #include "reliability/limited_bench.h"
 

@@ -5,7 +5,7 @@
 //
 // With a seed as a third argument the window is closed at a random moment of that time, whatever
 // goes on; then a sanitizer judges.
-#include "base/large_pages.h"
+#include "base/freed_memory.h"
 #include "kit/instrumented.h"
 #include "reliability/soak_operator.h"
 
