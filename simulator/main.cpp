@@ -1,4 +1,5 @@
 // The bench of simulated instruments, see --help.
+#include "base/standard_streams.h"
 #include "base/stop_signals.h"
 #include "simulator/simulator.h"
 
@@ -45,6 +46,7 @@ int run(const SimulatorOptions& options)
 
 int main(int argc, char* argv[])
 {
+    holdClosedStandardStreams();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationName("notchbench-simulator");
     QCoreApplication::setApplicationVersion(NOTCHBENCH_VERSION);

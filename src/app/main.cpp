@@ -7,6 +7,7 @@
 
 #ifdef Q_OS_UNIX
 #include "base/dropping_output.h"
+#include "base/standard_streams.h"
 #endif
 
 namespace {
@@ -26,6 +27,9 @@ void outliveFailedWrites()
 
 int main(int argc, char* argv[])
 {
+#ifdef Q_OS_UNIX
+    holdClosedStandardStreams();
+#endif
     returnFreedMemory();
     outliveFailedWrites();
     prepareHouseLook();

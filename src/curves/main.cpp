@@ -1,4 +1,5 @@
 #include "base/freed_memory.h"
+#include "base/standard_streams.h"
 #include "base/stop_signals.h"
 #include "curves/curves_window.h"
 #include "look/house_look.h"
@@ -10,6 +11,7 @@
 
 int main(int argc, char* argv[])
 {
+    holdClosedStandardStreams();
     returnFreedMemory();
 #ifdef SIGXFSZ
     // A limit on the size of files is a failed write and not the end of the program.
