@@ -23,6 +23,7 @@ private:
     void measureContinuously();
     void awaitPassInProgress();
     QString spokenSince(int conversation) const;
+    bool turnsSinceThePass(const QString& pattern) const;
 
     static constexpr int sweepMs = 400;
     int soFar = 0; // conversations that had ended when the pass in progress began
@@ -50,6 +51,14 @@ QString TestConversationsTakeTurns::spokenSince(int conversation) const
     return spokenWith(*analyzer).section(QStringLiteral(", "), conversation);
 }
 
+// Whether the conversations since the pass in progress begin like this. "..." stands for further
+// passes: one may have come to its end before a busy machine let the test ask.
+bool TestConversationsTakeTurns::turnsSinceThePass(const QString& pattern) const
+{
+    const QString further = QString(pattern).replace("...", "(pass, )*");
+    return QRegularExpression('^' + further).match(spokenSince(soFar)).hasMatch();
+}
+
 void TestConversationsTakeTurns::aPickInContComesAfterThePassInProgress()
 {
     measureContinuously();
@@ -57,23 +66,22 @@ void TestConversationsTakeTurns::aPickInContComesAfterThePassInProgress()
     for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Up, Qt::Key_Down}) {
         awaitPassInProgress();
         QTest::keyClick(operate->find<QSpinBox>("measure_notch"), key);
-        QTRY_VERIFY(spokenSince(soFar).startsWith("pass, tune"));
-        QTRY_VERIFY(spokenSince(soFar).startsWith("pass, tune, pass"));
+        QTRY_VERIFY(turnsSinceThePass("pass, ...tune, pass"));
     }
     QVERIFY2(!spokenWith(*analyzer).contains("torn"), qPrintable(spokenWith(*analyzer)));
     QCOMPARE(boxes.texts, QStringList());
     QCOMPARE(operate->text("measure_mode"), QString("Cont"));
 }
 
-// The next pass asks as soon as the former has ended, so it is behind the first of two picks and
-// before the second.
+// The next pass asks when the former has ended: as a rule it is behind the first of two picks and
+// before the second, on a busy machine behind both.
 void TestConversationsTakeTurns::picksInContFollowEachOther()
 {
     measureContinuously();
     awaitPassInProgress();
     pickNextNotch();
     pickNextNotch();
-    QTRY_VERIFY(spokenSince(soFar).startsWith("pass, tune, pass, tune, pass"));
+    QTRY_VERIFY(turnsSinceThePass("pass, ...tune, ...tune, pass"));
     QVERIFY2(!spokenWith(*analyzer).contains("torn"), qPrintable(spokenWith(*analyzer)));
 }
 
@@ -82,13 +90,13 @@ void TestConversationsTakeTurns::theDialogsJobsInContComeAfterThePassInProgress(
     measureContinuously();
     awaitPassInProgress();
     click("a_set");
-    QTRY_VERIFY(spokenSince(soFar).startsWith("pass, set, pass"));
+    QTRY_VERIFY(turnsSinceThePass("pass, ...set, pass"));
     awaitPassInProgress();
     click("a_reset");
     click("a_set");
     click("a_init");
     click("a_set");
-    QTRY_VERIFY(spokenSince(soFar).startsWith("pass, reset, set, init, set, pass"));
+    QTRY_VERIFY(turnsSinceThePass("pass, ...reset, ...set, ...init, ...set, pass"));
     QTRY_COMPARE(messageOf("a_message"), QString("AN,1"));
     QVERIFY2(!spokenWith(*analyzer).contains("torn"), qPrintable(spokenWith(*analyzer)));
     QTRY_COMPARE(operate->text("npr_upper"), QString("3.00"));
@@ -107,11 +115,9 @@ void TestConversationsTakeTurns::aPresetFromBeforeContGetsItsTurns()
     generator->release();
     QTRY_COMPARE(countWith(*analyzer, "channel power"), 1);
     // Its two steps with the analyzer wait for one pass each, or for none where they come between.
-    const QString since = spokenSince(soFar);
-    const QRegularExpression turns("^pass, (pass, )?set, (pass, ){0,2}channel power");
-    QVERIFY2(turns.match(since).hasMatch(), qPrintable(since));
+    QVERIFY2(turnsSinceThePass("pass, ...set, ...channel power"), qPrintable(spokenSince(soFar)));
     QTRY_COMPARE(spokenWith(*generator), QString("init, set"));
-    QTRY_VERIFY(spokenWith(*analyzer).endsWith("channel power, pass"));
+    QTRY_VERIFY(spokenWith(*analyzer).contains("channel power, pass"));
 }
 
 void TestConversationsTakeTurns::choosingSingleWaitsForThePassAndNotForAnInit()
@@ -123,15 +129,15 @@ void TestConversationsTakeTurns::choosingSingleWaitsForThePassAndNotForAnInit()
     click("a_init");
     QTRY_COMPARE(analyzer->count("*IDN?"), asked + 1);
     operate->pick("measure_mode", 1);
-    QCOMPARE(spokenSince(soFar), QString("pass")); // the init still waits for its answer
+    QVERIFY(turnsSinceThePass("...pass$")); // the init still waits for its answer
     QVERIFY(operate->isEnabled("measure_button"));
     analyzer->release();
     QVERIFY(backgroundJobsEnd(10000));
     operate->click("measure_button");
-    QTRY_VERIFY(spokenSince(soFar).startsWith("pass, init, pass"));
+    QTRY_VERIFY(turnsSinceThePass("pass, ...init, pass"));
     QVERIFY(backgroundJobsEnd(10000));
     // The pass that had asked before the pause measures nothing when its turn has come.
-    QTRY_COMPARE(spokenSince(soFar), QString("pass, init, pass"));
+    QTRY_VERIFY(turnsSinceThePass("pass, ...init, pass$"));
 }
 
 void TestConversationsTakeTurns::fivePresetsAreWholeAndEnd()
