@@ -94,9 +94,3 @@ DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output,
 {
     return distortionEnergy(input, output, correlatedGain(input, output), stretchLength);
 }
-
-double readingSigma(int lines, double concentration)
-{
-    const double relative = std::sqrt(1.0 / lines + concentration);
-    return 10.0 / std::log(10.0) * relative;
-}

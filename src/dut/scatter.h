@@ -1,5 +1,5 @@
-// How far a reading of the noise power ratio scatters over stimuli that differ in their seed only.
-// Any thread.
+// What makes a reading of the noise power ratio scatter over stimuli that differ in their seed
+// only: how few moments the distortion comes from. Any thread.
 #pragma once
 
 #include "dut/envelope.h"
@@ -30,7 +30,3 @@ DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output,
 
 // The same with the correlated gain.
 DistortionEnergy distortionEnergy(const Envelope& input, const Envelope& output, int stretchLength);
-
-// Standard deviation in dB of a reading whose notch channel holds this many lines. Exact for small
-// values: where few peaks decide (a concentration of a tenth and more) it is a floor.
-double readingSigma(int lines, double concentration);

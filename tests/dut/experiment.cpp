@@ -3,7 +3,9 @@
 #include "dut/scatter.h"
 #include "transform/transform.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <numeric>
 #include <random>
 
@@ -20,6 +22,14 @@ const std::array<double, 65536>& cosines()
         return values;
     }();
     return table;
+}
+
+// Standard deviation in dB of a reading whose notch channel holds this many lines. Exact for small
+// values: where few peaks decide (a concentration of a tenth and more) it is a floor.
+double readingSigma(int lines, double concentration)
+{
+    const double relative = std::sqrt(1.0 / lines + concentration);
+    return 10.0 / std::log(10.0) * relative;
 }
 
 // Sums over all stimuli so far, from which the reading and its sigma follow.

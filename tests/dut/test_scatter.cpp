@@ -21,7 +21,6 @@ private slots:
     void distortionInOneStretchIsWhollyConcentrated();
     void evenDistortionIsSharedByAllStretches();
     void energiesOfStimuliAddUp();
-    void aReadingScattersByLinesAndConcentration();
 };
 
 void TestScatter::aGainIsNoDistortion()
@@ -59,13 +58,6 @@ void TestScatter::energiesOfStimuliAddUp()
     DistortionEnergy total{3.0, 9.0};
     total += {1.0, 1.0};
     QCOMPARE(total.concentration(), 10.0 / 16.0);
-}
-
-// 4.3429 sqrt(1/K + V).
-void TestScatter::aReadingScattersByLinesAndConcentration()
-{
-    QVERIFY(std::abs(readingSigma(786, 0.0) - 0.15491) < 1e-4);
-    QVERIFY(std::abs(readingSigma(100, 0.03) - 0.86859) < 1e-4);
 }
 
 QTEST_APPLESS_MAIN(TestScatter)
