@@ -44,7 +44,7 @@ public:
     // inputLimit().
     bool isOverloaded() const { return computedFor.limit < noLimit && isOutputOn(); }
 
-    // How often the long computation has run.
+    // How often the long computation has run; tests see by it that it doesn't run for nothing.
     int computations() const { return computationCount; }
 
 private:

@@ -54,13 +54,6 @@ bool takeAddress(QString& to, const QString& text)
     return !QHostAddress(text).isNull();
 }
 
-bool takeType(const InstrumentType*& to, const std::vector<InstrumentType>& types,
-              const QString& name)
-{
-    to = name.isEmpty() ? nullptr : findType(types, name);
-    return to != nullptr;
-}
-
 bool takeRipple(Options& options, const QString& text)
 {
     const std::optional<Ripple> ripple = rippleOf(text, ',');
@@ -111,24 +104,6 @@ const TextOption instrumentOptions[] = {
          o.wiring.hasMicrowave = true;
          return takeAddress(o.microwaveAddress, text);
      }},
-    {"generator-type", "TYPE",
-     "Signal generator that knows the words of one model alone and has its ranges: RIGL, LYR, "
-     "ALTAIR, DENB, ORI, PHD(A), PHD(B), CYG, KAU(A) or KAU(B) (default: the words of all).",
-     [](Options& o, const QString& text) {
-         return takeType(o.models.generator, generatorTypes(), text);
-     }},
-    {"analyzer-type", "TYPE",
-     "Analyzer with the name, ranges and options of a model: ARA, HYA, ANTA, MUS, DOR, CRU, IND, "
-     "GRU or NOR (default: the widest ranges).",
-     [](Options& o, const QString& text) {
-         return takeType(o.models.analyzer, analyzerTypes(), text);
-     }},
-    {"microwave-type", "TYPE",
-     "Microwave generator that knows the words of one model alone and has its ranges: TAU or ZUB "
-     "(default: the words of both).",
-     [](Options& o, const QString& text) {
-         return takeType(o.models.microwave, microwaveTypes(), text);
-     }},
     {"opt", "TEXT",
      "Answer to \"*OPT?\" (default: the model's; without a model B15,B17,B23,B24: attenuator and "
      "IF input).",
@@ -136,6 +111,29 @@ const TextOption instrumentOptions[] = {
          o.models.options = text.toLatin1();
          return true;
      }},
+};
+
+// An instrument's model, one of those that its types list.
+struct TypeOption
+{
+    const char* name;
+    const char* description; // %1 stands for the models
+    const std::vector<InstrumentType>& (*types)();
+    const InstrumentType* BenchModels::*model;
+};
+
+const TypeOption typeOptions[] = {
+    {"generator-type",
+     "Signal generator that knows the words of one model alone and has its ranges: %1 (default: "
+     "the words of all).",
+     generatorTypes, &BenchModels::generator},
+    {"analyzer-type",
+     "Analyzer with the name, ranges and options of a model: %1 (default: the widest ranges).",
+     analyzerTypes, &BenchModels::analyzer},
+    {"microwave-type",
+     "Microwave generator that knows the words of one model alone and has its ranges: %1 (default: "
+     "the words of both).",
+     microwaveTypes, &BenchModels::microwave},
 };
 
 struct Switch
@@ -187,6 +185,20 @@ void readText(const QCommandLineParser& parser, const TextOption& row, Options& 
     }
 }
 
+void readType(const QCommandLineParser& parser, const TypeOption& row, BenchModels& models)
+{
+    const QString name = QLatin1String(row.name);
+    if (!parser.isSet(name)) {
+        return;
+    }
+    const QString type = parser.value(name);
+    const InstrumentType* const found = type.isEmpty() ? nullptr : findType(row.types(), type);
+    if (found == nullptr) {
+        failAt(parser, row.name);
+    }
+    models.*row.model = found;
+}
+
 // Throws a message that names the first option whose value is no good.
 Options readChecked(const QCommandLineParser& parser)
 {
@@ -203,6 +215,9 @@ Options readChecked(const QCommandLineParser& parser)
     }
     for (const TextOption& row : instrumentOptions) {
         readText(parser, row, options);
+    }
+    for (const TypeOption& row : typeOptions) {
+        readType(parser, row, options.models);
     }
     for (const Switch& row : switches) {
         if (parser.isSet(QLatin1String(row.name))) {
@@ -240,6 +255,14 @@ template <typename Row> QCommandLineOption valueOption(const Row& row, const cha
     return {QLatin1String(row.name), QLatin1String(row.description), QLatin1String(valueName)};
 }
 
+QCommandLineOption typeOption(const TypeOption& row)
+{
+    QStringList names = typeNames(row.types());
+    const QString last = names.takeLast();
+    return {QLatin1String(row.name),
+            QString(QLatin1String(row.description)).arg(names.join(", ") + " or " + last), "TYPE"};
+}
+
 } // namespace
 
 void addSimulatorOptions(QCommandLineParser& parser)
@@ -261,6 +284,9 @@ void addSimulatorOptions(QCommandLineParser& parser)
     }
     for (const TextOption& row : instrumentOptions) {
         parser.addOption(valueOption(row, row.valueName));
+    }
+    for (const TypeOption& row : typeOptions) {
+        parser.addOption(typeOption(row));
     }
     for (const Switch& row : switches) {
         parser.addOption({QLatin1String(row.name), QLatin1String(row.description)});

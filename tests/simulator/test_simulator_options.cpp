@@ -168,11 +168,11 @@ void TestSimulatorOptions::theHelpNamesEveryModelInWholeSentences()
     QCommandLineParser parser;
     addSimulatorOptions(parser);
     const QString help = parser.helpText().simplified();
-    for (const auto* types : {&generatorTypes(), &microwaveTypes(), &analyzerTypes()}) {
-        QStringList names = typeNames(*types);
-        const QString last = names.takeLast();
-        QVERIFY2(help.contains(names.join(", ") + " or " + last), qPrintable(last));
-    }
+    QVERIFY(help.contains("has its ranges: RIGL, LYR, ALTAIR, DENB, ORI, PHD(A), PHD(B), CYG, "
+                          "KAU(A) or KAU(B) (default: the words of all)."));
+    QVERIFY(help.contains("options of a model: ARA, HYA, ANTA, MUS, DOR, CRU, IND, GRU or NOR "
+                          "(default: the widest ranges)."));
+    QVERIFY(help.contains("has its ranges: TAU or ZUB (default: the words of both)."));
     // An option, perhaps the name of its value, and the sentence's first letter.
     const QRegularExpression start("(?<!,) (?=(?:-[hv], )?--[a-z-]+ (?:<[A-Z,]+> )?[A-Z])");
     const QStringList options = help.split(start).mid(1);
