@@ -1,5 +1,7 @@
 #include "simulator/bench.h"
 
+#include "transform/decibels.h"
+
 #include <algorithm>
 #include <cmath>
 #include <utility>
@@ -9,8 +11,7 @@ namespace {
 double dbm(double milliwatt)
 {
     // A comparison that not-a-number fails too.
-    return milliwatt > milliwatts(emptyChannelPower) ? 10.0 * std::log10(milliwatt)
-                                                     : emptyChannelPower;
+    return milliwatt > milliwatts(emptyChannelPower) ? decibels(milliwatt) : emptyChannelPower;
 }
 
 // The lone carrier that a generator puts out without modulation.

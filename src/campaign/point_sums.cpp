@@ -1,5 +1,7 @@
 #include "campaign/point_sums.h"
 
+#include "transform/decibels.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -7,12 +9,6 @@ namespace {
 
 // Fewer tell too little of how they scatter.
 constexpr int fewestForScatter = 4;
-
-double decibels(double ratio)
-{
-    return 10.0 * std::log10(ratio);
-}
-
 } // namespace
 
 void PointSums::add(const BenchReading& reading, bool isNewStimulus)

@@ -2,6 +2,7 @@
 
 #include "campaign/point_sums.h"
 #include "setup/measurement_setup.h"
+#include "transform/decibels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -10,11 +11,6 @@ namespace {
 
 // A recording that reaches its ends more often is told to be clipped.
 constexpr double mostClipped = 1e-4;
-
-double decibels(double ratio)
-{
-    return 10.0 * std::log10(ratio);
-}
 
 std::optional<double> decibelsOf(std::optional<double> ratio)
 {

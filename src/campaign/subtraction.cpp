@@ -1,6 +1,7 @@
 #include "campaign/subtraction.h"
 
 #include "campaign/notch_rows.h"
+#include "transform/decibels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -44,7 +45,7 @@ void subtract(const NprPoint& bench, NprPoint& point)
     if (!(left > 0.0)) {
         return;
     }
-    point.npr = -10.0 * std::log10(left);
+    point.npr = -decibels(left);
     if (point.sigma && bench.sigma) {
         // Both scatter; what is left of them is smaller than either.
         point.sigma = std::hypot(all * *point.sigma, ofBench * *bench.sigma) / left;

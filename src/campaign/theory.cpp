@@ -3,6 +3,7 @@
 #include "campaign/theory_orders.h"
 #include "measurement/channels.h"
 #include "setup/signal_data.h"
+#include "transform/decibels.h"
 #include "transform/transform.h"
 
 #include <algorithm>
@@ -223,7 +224,7 @@ QVector<std::optional<double>> Theory::at(double level) const
     QVector<std::optional<double>> ratios;
     for (int k = 0; k < inBands.size(); k += 2) {
         const double signal = inBands[k] - inBands[k + 1];
-        ratios << (signal > 0.0 ? std::make_optional(10.0 * std::log10(signal / inBands[k + 1]))
+        ratios << (signal > 0.0 ? std::make_optional(decibels(signal / inBands[k + 1]))
                                 : std::nullopt);
     }
     return ratios;

@@ -30,7 +30,7 @@ QString whyThereIsNone(const MeasurementSetup& setup)
         .arg(int(setup.customSource));
 }
 
-QString decibels(double value)
+QString twoDecimals(double value)
 {
     return QString::number(value, 'f', 2);
 }
@@ -68,10 +68,10 @@ void printSignal(const MeasurementSetup& setup, const StimulusStatistics& statis
     table.addRow({setup.notchOrCarrier == NotchOrCarrier::Carrier ? "carriers" : "notches",
                   QString::number(setup.notches->items.size())});
     table.addRow({"crest factor", QString::number(setup.crestFactor, 'g', 6), "dB"});
-    table.addRow({"peak between samples", decibels(statistics.peak), "dB"});
+    table.addRow({"peak between samples", twoDecimals(statistics.peak), "dB"});
     for (std::size_t i = 0; i < ccdfShares.size(); ++i) {
         table.addRow({QString::number(100.0 * ccdfShares[i]) + " % of the time above",
-                      decibels(statistics.ccdf[i]), "dB over the mean"});
+                      twoDecimals(statistics.ccdf[i]), "dB over the mean"});
     }
     table.addRow({"noise-like", statistics.isNoiseLike ? "yes" : "no"},
                  statistics.isNoiseLike ? Colour::Good : Colour::Bad);

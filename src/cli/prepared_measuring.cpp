@@ -9,9 +9,9 @@
 #include "cli/new_result.h"
 #include "cli/setup_arguments.h"
 #include "cli/theory_argument.h"
+#include "transform/decibels.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
@@ -66,7 +66,7 @@ void warnOfReferences(const MeasurementSetup& setup, const CampaignPlan& plan, C
                            "beyond the noise: NPR reads up to %2 dB too low there; make "
                            "notches narrower or fewer")
                 .arg(firstOf(numbers))
-                .arg(-10.0 * std::log10(least), 0, 'f', 1));
+                .arg(-decibels(least), 0, 'f', 1));
     }
 }
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-QString decibels(double value)
+QString decibelText(double value)
 {
     return QString::number(value, 'f', 2) + " dB";
 }
@@ -57,8 +57,8 @@ ExitStatus run(const Session& session)
     }
     writeResult(resultOfSignal(setup, statistics), arguments, session.console);
     if (!result.isReached) {
-        session.console.warn("the target of " + decibels(target) + " can't be reached; " + file +
-                             " has " + decibels(result.peak) + " between the samples");
+        session.console.warn("the target of " + decibelText(target) + " can't be reached; " + file +
+                             " has " + decibelText(result.peak) + " between the samples");
         return ExitStatus::LimitMissed;
     }
     return ExitStatus::Done;

@@ -5,6 +5,7 @@
 #include "recording/periodograms.h"
 #include "recording/segment_length.h"
 #include "recording/whole_periods.h"
+#include "transform/decibels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -260,9 +261,9 @@ void Analysis::takeLevels(const LevelSums& levels)
     }
 }
 
-double decibels(const NotchReading& reading)
+double heightOverNotch(const NotchReading& reading)
 {
-    return 10.0 * std::log10(reading.beside / reading.within);
+    return decibels(reading.beside / reading.within);
 }
 
 // By notches whose mirror images are no notches; where there are none, by the signal's samples.
@@ -274,7 +275,7 @@ void Analysis::decideInversion(const BothReadings& both)
         const NotchReading& upright = both.upright.at(gap);
         const NotchReading& inverted = both.inverted.at(gap);
         if (tellsInversion(signal, gap) && upright.isRecorded && inverted.isRecorded) {
-            const double one = decibels(inverted) - decibels(upright);
+            const double one = heightOverNotch(inverted) - heightOverNotch(upright);
             difference = std::abs(one) > std::abs(difference) ? one : difference;
         }
     }

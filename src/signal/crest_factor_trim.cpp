@@ -3,6 +3,7 @@
 #include "base/parallel.h"
 #include "setup/signal_data.h"
 #include "signal/between_samples.h"
+#include "transform/decibels.h"
 #include "transform/transform.h"
 
 #include <algorithm>
@@ -129,7 +130,7 @@ TrimResult trimCrestFactor(SignalData& signal, double target, const TrimProgress
     SignalData trimmed = signal;
     for (int round = 0; round <= mostRounds && since <= patience; ++round) {
         const QVector<double> phase = trimmed.phase;
-        const double peak = 10.0 * std::log10(cutPeaks(trimmed, level) / mean);
+        const double peak = decibels(cutPeaks(trimmed, level) / mean);
         if (round == 0 || peak < best.peak) {
             best = {peak, round, peak <= target};
             signal.phase = phase;

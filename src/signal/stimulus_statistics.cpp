@@ -2,6 +2,7 @@
 
 #include "setup/signal_data.h"
 #include "signal/between_samples.h"
+#include "transform/decibels.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,11 +14,6 @@ namespace {
 constexpr double perNeper = 4.342944819032518; // 10 lg e: dB of a power
 
 using Powers = std::vector<float>; // 24 bits are 1e-6 dB
-
-double inDecibels(double ratio)
-{
-    return 10.0 * std::log10(ratio);
-}
 
 void appendPowers(const SignalData& signal, Powers& powers)
 {
@@ -76,7 +72,7 @@ double effectiveLines(const SignalData& signal)
 // their count above it is binomial.
 double noiseLevel(double share)
 {
-    return inDecibels(-std::log(share));
+    return decibels(-std::log(share));
 }
 
 double scatterOfNoiseLevel(double share, double n)
@@ -89,7 +85,7 @@ bool hasLevelsOfNoise(Powers& powers, double mean, double lines)
     constexpr double systematic = 0.8;   // dB, see the header
     constexpr double fewestAbove = 10.0; // independent samples
     for (const double share : {0.5, 0.3, 0.1, 0.01, 0.001}) {
-        const double level = inDecibels(levelExceeded(powers, share) / mean);
+        const double level = decibels(levelExceeded(powers, share) / mean);
         const double tolerance = systematic + 4.0 * scatterOfNoiseLevel(share, lines);
         const bool isAsked = lines * share >= fewestAbove;
         if (isAsked && !(std::abs(level - noiseLevel(share)) <= tolerance)) {
@@ -103,8 +99,8 @@ bool hasLevelsOfNoise(Powers& powers, double mean, double lines)
 bool hasPeaksOfNoise(double peak, double lines)
 {
     constexpr double usefulPeak = 7.9; // dB; a trim to 8 dB ends just below
-    const double low = inDecibels(std::log(lines) - 2.0);
-    const double high = inDecibels(std::log(lines) + 12.0);
+    const double low = decibels(std::log(lines) - 2.0);
+    const double high = decibels(std::log(lines) + 12.0);
     return peak >= std::min(usefulPeak, low) && peak <= high;
 }
 
@@ -117,9 +113,9 @@ StimulusStatistics statisticsOf(const SignalData& signal)
     statistics.crestFactor = signal.crestFactor();
     Powers powers = powersBetweenSamples(signal);
     const double mean = meanOf(powers);
-    statistics.peak = inDecibels(double(*std::max_element(powers.begin(), powers.end())) / mean);
+    statistics.peak = decibels(double(*std::max_element(powers.begin(), powers.end())) / mean);
     for (std::size_t i = 0; i < ccdfShares.size(); ++i) {
-        statistics.ccdf[i] = inDecibels(levelExceeded(powers, ccdfShares[i]) / mean);
+        statistics.ccdf[i] = decibels(levelExceeded(powers, ccdfShares[i]) / mean);
     }
     statistics.lines = effectiveLines(signal);
     statistics.isNoiseLike = statistics.lines >= fewestLines &&

@@ -127,7 +127,7 @@ void measureAll(Rows& rows, int mostSeeds)
     });
 }
 
-QString decibels(double value)
+QString twoDecimals(double value)
 {
     return QString::number(value, 'f', 2);
 }
@@ -139,9 +139,9 @@ QString lineOf(const Row& row)
                                  .arg(row.stimulus.beta)
                                  .arg(100.0 * row.stimulus.notchShare);
     return QStringLiteral("| %1 | %2 | %3 | %4 | %5%6 | %7 | %8 |\n")
-        .arg(row.device, stimulus, decibels(row.measured.reading), decibels(row.theory),
-             row.difference() < 0.0 ? "" : "+", decibels(row.difference()),
-             decibels(row.measured.sigma), QString::number(row.measured.seeds));
+        .arg(row.device, stimulus, twoDecimals(row.measured.reading), twoDecimals(row.theory),
+             row.difference() < 0.0 ? "" : "+", twoDecimals(row.difference()),
+             twoDecimals(row.measured.sigma), QString::number(row.measured.seeds));
 }
 
 QString tableOf(const Rows& rows)
