@@ -34,7 +34,7 @@ LinePictures::Key LinePictures::keyOf(const PlotLine& line)
 void LinePictures::paint(QImage& picture, const QVector<PlotLine>& lines, const PlotFrame& newFrame,
                          double newDensity)
 {
-    prepare(newFrame, newDensity);
+    prepare(picture.rect(), newFrame, newDensity);
     dropAllBut(lines);
     for (const bool isChosen : {false, true}) {
         for (const PlotLine& line : lines) {
@@ -45,16 +45,20 @@ void LinePictures::paint(QImage& picture, const QVector<PlotLine>& lines, const 
     }
 }
 
-void LinePictures::prepare(const PlotFrame& newFrame, double newDensity)
+// Axes may ask for more room than a small window has.
+void LinePictures::prepare(const QRect& room, const PlotFrame& newFrame, double newDensity)
 {
-    if (newFrame.area == frame.area && newFrame.span == frame.span && newDensity == density) {
+    const QRect newPart = newFrame.area.toAlignedRect() & room;
+    if (newFrame.area == frame.area && newFrame.span == frame.span && newDensity == density &&
+        newPart == part) {
         return;
     }
+    part = newPart;
     frame = newFrame;
     density = newDensity;
     kept.clear();
     keptTotal = 0;
-    sheet = QImage(frame.area.toAlignedRect().size(), QImage::Format_ARGB32_Premultiplied);
+    sheet = QImage(part.size(), QImage::Format_ARGB32_Premultiplied);
     sheet.fill(Qt::transparent);
 }
 
@@ -81,13 +85,16 @@ void LinePictures::draw(QImage& picture, const PlotLine& line) const
 {
     QPainter painter(&picture);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setClipRect(frame.area.toAlignedRect());
+    painter.setClipRect(part);
     drawLine(painter, line, frame, density);
 }
 
 QVector<LinePictures::Pixel> LinePictures::pixelsOf(const PlotLine& line)
 {
-    const QPoint corner = frame.area.toAlignedRect().topLeft();
+    if (part.isEmpty()) {
+        return {};
+    }
+    const QPoint corner = part.topLeft();
     QPainter painter(&sheet);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.translate(-corner);
@@ -95,10 +102,10 @@ QVector<LinePictures::Pixel> LinePictures::pixelsOf(const PlotLine& line)
     painter.end();
     QVector<Pixel> pixels;
     for (const QRect& strip : stripsOf(line, frame, density)) {
-        const QRect part = strip.translated(-corner);
-        for (int y = part.top(); y <= part.bottom(); ++y) {
+        const QRect onSheet = (strip & part).translated(-corner);
+        for (int y = onSheet.top(); y <= onSheet.bottom(); ++y) {
             QRgb* const row = rowOf(sheet, y);
-            for (int x = part.left(); x <= part.right(); ++x) {
+            for (int x = onSheet.left(); x <= onSheet.right(); ++x) {
                 if (const QRgb colour = std::exchange(row[x], 0U)) {
                     pixels << Pixel{x + corner.x(), y + corner.y(), colour};
                 }

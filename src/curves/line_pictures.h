@@ -38,7 +38,7 @@ private:
     };
 
     static Key keyOf(const PlotLine& line);
-    void prepare(const PlotFrame& newFrame, double newDensity);
+    void prepare(const QRect& room, const PlotFrame& newFrame, double newDensity);
     void dropAllBut(const QVector<PlotLine>& lines);
     void paintOne(QImage& picture, const PlotLine& line);
     void draw(QImage& picture, const PlotLine& line) const;
@@ -48,5 +48,6 @@ private:
     qint64 keptTotal = 0;
     PlotFrame frame;
     double density = 1.0;
-    QImage sheet; // as large as the axes' rectangle; transparent between two lines
+    QRect part;   // of the picture: the axes' rectangle, as far as it lies on the picture
+    QImage sheet; // as large as that; transparent between two lines
 };

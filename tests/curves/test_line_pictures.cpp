@@ -56,9 +56,9 @@ QImage emptyPicture()
 
 // Each line on a transparent sheet over the axes' rectangle, one sheet upon the other, chosen ones
 // last.
-QImage drawn(const QVector<PlotLine>& lines, double density = 1.0)
+QImage drawn(const QVector<PlotLine>& lines, double density = 1.0, const PlotFrame& on = frame)
 {
-    const QRect area = frame.area.toAlignedRect();
+    const QRect area = on.area.toAlignedRect();
     QImage picture = emptyPicture();
     for (const bool isChosen : {false, true}) {
         for (const PlotLine& line : lines) {
@@ -68,7 +68,7 @@ QImage drawn(const QVector<PlotLine>& lines, double density = 1.0)
                 QPainter painter(&sheet);
                 painter.setRenderHint(QPainter::Antialiasing);
                 painter.translate(-area.topLeft());
-                drawLine(painter, line, frame, density);
+                drawLine(painter, line, on, density);
                 painter.end();
                 QPainter(&picture).drawImage(area.topLeft(), sheet);
             }
@@ -115,6 +115,8 @@ private slots:
     void aLineThatIsNoMoreIsForgotten();
     void aLineOfOnePointIsSeen();
     void linesForWhichThereIsNoRoomAreDrawn();
+    void axesThatAreLargerThanThePictureAreCutOff();
+    void axesBesideThePictureAndNoneAtAllPaintNothing();
 };
 
 void TestLinePictures::theyShowWhatDrawingShows_data()
@@ -190,6 +192,33 @@ void TestLinePictures::linesForWhichThereIsNoRoomAreDrawn()
     QVERIFY(pictures.keptPixels() < 8'100'000);
     const QPoint at = frame.positionOf({-20.0, 55.0}).toPoint();
     QCOMPARE(picture.pixelColor(at), QColor(Qt::black));
+}
+
+void TestLinePictures::axesThatAreLargerThanThePictureAreCutOff()
+{
+    PlotFrame large = frame;
+    large.area = {-20.0, 120.0, 700.0, 500.0};
+    QVector<PlotLine> lines = manyLines();
+    lines.removeLast(); // its dashes begin where the sheet does
+    LinePictures pictures;
+    QImage picture = emptyPicture();
+    pictures.paint(picture, lines, large, 1.0);
+    QVERIFY(picture != emptyPicture());
+    // Lines that leave the sheet elsewhere round their slopes elsewhere.
+    QVERIFY(largestDifference(picture, drawn(lines, 1.0, large)) <= 2 * rounding);
+}
+
+void TestLinePictures::axesBesideThePictureAndNoneAtAllPaintNothing()
+{
+    LinePictures pictures;
+    for (const QRectF& area : {QRectF(500.0, 300.0, 200.0, 100.0), QRectF(30.0, 20.0, 0.0, 0.0),
+                               QRectF(30.0, 20.0, -10.0, -10.0)}) {
+        PlotFrame beside = frame;
+        beside.area = area;
+        QImage picture = emptyPicture();
+        pictures.paint(picture, manyLines(), beside, 1.0);
+        QCOMPARE(picture, emptyPicture());
+    }
 }
 
 QTEST_MAIN(TestLinePictures)
