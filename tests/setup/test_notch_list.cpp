@@ -44,6 +44,7 @@ private slots:
     void clearKeepsTheModel();
     void nothingIsRebuiltWhereNoCellWouldChange();
     void typedTextGivesWayEachTime();
+    void textTypedBackLeavesTheCellsAsTheyAre();
     void copiesDetachTheirRowsAndShareTheModel();
 };
 
@@ -159,6 +160,19 @@ void TestNotchList::typedTextGivesWayEachTime()
         list.model()->item(1, 0)->setText("0.000000");
         QVERIFY(!list.fillTable(0.0));
     }
+}
+
+// A cell that was touched may have its editor open.
+void TestNotchList::textTypedBackLeavesTheCellsAsTheyAre()
+{
+    NotchList list;
+    list.insert(1, notchAt(0));
+    QVERIFY(list.fillTable(0.0));
+    QStandardItem* item = list.model()->item(0, 0);
+    item->setText("0.5");
+    item->setText("0.000000");
+    QVERIFY(!list.fillTable(0.0));
+    QCOMPARE(list.model()->item(0, 0), item);
 }
 
 void TestNotchList::copiesDetachTheirRowsAndShareTheModel()
