@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <memory>
 #include <sys/ioctl.h>
 
 namespace {
@@ -41,6 +42,25 @@ const char setUp[] = "OUTP ON;FREQ 1e9;POW -10;FREQ:CENT 1e9;:POW:ACH:BWID 10;BW
                      ":POW:ACH:SPAC 16;MODE ABS;:CALC:MARK:FUNC:POW:SEL ACP";
 constexpr int lineCount = 64;
 
+// A simulator that plays the program's signal, and a client of its analyzer.
+struct BenchOfAProgram
+{
+    FakeProgram program;
+    std::unique_ptr<Simulator> simulator;
+    ScpiClient analyzer;
+
+    bool isReady()
+    {
+        if (!program.listen()) {
+            return false;
+        }
+        simulator = std::make_unique<Simulator>(quietOptions(program.port()));
+        const auto isKnown = [this] { return program.requests.contains("GetServerID"); };
+        return start(*simulator) && analyzer.connectTo(simulator->port()) &&
+               QTest::qWaitFor(isKnown);
+    }
+};
+
 } // namespace
 
 class TestSimulator : public QObject
@@ -71,83 +91,60 @@ private slots:
 
 void TestSimulator::aSweepSeesASignalThatWasJustCalculated()
 {
-    FakeProgram program;
-    QVERIFY(program.listen());
-    Simulator simulator(quietOptions(program.port()));
-    QVERIFY(start(simulator));
-    ScpiClient analyzer;
-    QVERIFY(analyzer.connectTo(simulator.port()));
-    QTRY_VERIFY(program.requests.contains("GetServerID"));
+    BenchOfAProgram bench;
+    QVERIFY(bench.isReady());
     for (const int line : {16, -16, 16}) {
-        program.calculateTone(lineCount, line);
-        analyzer.send(QByteArray(setUp) + "\nINIT:CONT OFF\nINIT;*WAI\n*CLS;:" + measurement +
-                      "\n");
-        QCOMPARE(analyzer.answer(), QByteArray(line < 0 ? "-200.000000,-10.000000,-200.000000"
-                                                        : "-200.000000,-200.000000,-10.000000"));
+        bench.program.calculateTone(lineCount, line);
+        bench.analyzer.send(QByteArray(setUp) + "\nINIT:CONT OFF\nINIT;*WAI\n*CLS;:" + measurement +
+                            "\n");
+        QCOMPARE(bench.analyzer.answer(),
+                 QByteArray(line < 0 ? "-200.000000,-10.000000,-200.000000"
+                                     : "-200.000000,-200.000000,-10.000000"));
     }
 }
 
 void TestSimulator::whatFollowsASweepWaitsForIt()
 {
-    FakeProgram program;
-    QVERIFY(program.listen());
-    Simulator simulator(quietOptions(program.port()));
-    QVERIFY(start(simulator));
-    ScpiClient analyzer;
-    QVERIFY(analyzer.connectTo(simulator.port()));
-    QTRY_VERIFY(program.requests.contains("GetServerID"));
-    program.calculateTone(lineCount, 16);
-    analyzer.send(QByteArray(setUp) + ";*OPC?;:INIT;*WAI;*OPC?;:" + measurement + "\n*OPT?\n");
-    QCOMPARE(analyzer.answer(), QByteArray("1;1;-200.000000,-200.000000,-10.000000"));
-    QCOMPARE(analyzer.answer(), QByteArray("B15,B17,B23,B24"));
+    BenchOfAProgram bench;
+    QVERIFY(bench.isReady());
+    bench.program.calculateTone(lineCount, 16);
+    bench.analyzer.send(QByteArray(setUp) + ";*OPC?;:INIT;*WAI;*OPC?;:" + measurement +
+                        "\n*OPT?\n");
+    QCOMPARE(bench.analyzer.answer(), QByteArray("1;1;-200.000000,-200.000000,-10.000000"));
+    QCOMPARE(bench.analyzer.answer(), QByteArray("B15,B17,B23,B24"));
 }
 
 void TestSimulator::otherConnectionsGoOnDuringASweep()
 {
-    FakeProgram program;
-    QVERIFY(program.listen());
-    Simulator simulator(quietOptions(program.port()));
-    QVERIFY(start(simulator));
-    ScpiClient analyzer;
+    BenchOfAProgram bench;
+    QVERIFY(bench.isReady());
+    bench.program.silent = true;
     ScpiClient generator;
-    QVERIFY(analyzer.connectTo(simulator.port()));
-    QVERIFY(generator.connectTo(simulator.port()));
-    QTRY_VERIFY(program.requests.contains("GetServerID"));
-    program.silent = true;
-    analyzer.send("INIT;*WAI;*OPC?\n");
-    QTRY_VERIFY(program.requests.contains("GetNewState"));
+    QVERIFY(generator.connectTo(bench.simulator->port()));
+    bench.analyzer.send("INIT;*WAI;*OPC?\n");
+    QTRY_VERIFY(bench.program.requests.contains("GetNewState"));
     QCOMPARE(generator.ask("*OPC?"), QByteArray("1"));
-    QCOMPARE(analyzer.socket.bytesAvailable(), qint64(0));
+    QCOMPARE(bench.analyzer.socket.bytesAvailable(), qint64(0));
 }
 
 void TestSimulator::aSweepEndsWithoutTheProgramsAnswer()
 {
-    FakeProgram program;
-    QVERIFY(program.listen());
-    Simulator simulator(quietOptions(program.port()));
-    QVERIFY(start(simulator));
-    ScpiClient analyzer;
-    QVERIFY(analyzer.connectTo(simulator.port()));
-    QTRY_VERIFY(program.requests.contains("GetServerID"));
-    program.silent = true;
-    QCOMPARE(analyzer.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
+    BenchOfAProgram bench;
+    QVERIFY(bench.isReady());
+    bench.program.silent = true;
+    QCOMPARE(bench.analyzer.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
 }
 
 void TestSimulator::aSweepEndsWhenTheProgramGoesAway()
 {
-    FakeProgram program;
-    QVERIFY(program.listen());
-    Simulator simulator(quietOptions(program.port()));
-    QVERIFY(start(simulator));
-    ScpiClient analyzer;
-    QVERIFY(analyzer.connectTo(simulator.port()));
-    QTRY_VERIFY(program.requests.contains("GetServerID"));
-    program.silent = true;
-    analyzer.send("INIT;*WAI;*OPC?\n");
-    QTRY_VERIFY(program.requests.contains("GetNewState"));
-    program.stop();
-    QCOMPARE(analyzer.answer(), QByteArray("1"));
-    QCOMPARE(analyzer.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
+    BenchOfAProgram bench;
+    QVERIFY(bench.isReady());
+    bench.program.silent = true;
+    bench.analyzer.send("INIT;*WAI;*OPC?\n");
+    QTRY_VERIFY(bench.program.requests.contains("GetNewState"));
+    bench.program.stop();
+    QCOMPARE(bench.analyzer.answer(), QByteArray("1"));
+    QCOMPARE(bench.analyzer.ask("INIT;*WAI;*OPC?"), QByteArray("1"));
 }
 
 void TestSimulator::newSignalsArePlayedByThemselves()

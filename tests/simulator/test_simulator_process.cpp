@@ -1,7 +1,8 @@
 // The built program: what it prints, how it ends.
+#include "scpi_client.h"
+
 #include <QProcess>
 #include <QTcpServer>
-#include <QTcpSocket>
 #include <QtTest>
 
 #include <csignal>
@@ -63,11 +64,9 @@ void TestSimulatorProcess::aSignalEndsTheProgramCleanly()
     Process process;
     const int port = process.startListening();
     QVERIFY(port > 0);
-    QTcpSocket client;
-    client.connectToHost("127.0.0.1", quint16(port));
-    QVERIFY(client.waitForConnected(10000));
-    client.write("*OPC?\n");
-    QVERIFY(client.waitForReadyRead(10000));
+    ScpiClient client;
+    QVERIFY(client.connectTo(quint16(port)));
+    QCOMPARE(client.ask("*OPC?"), QByteArray("1"));
     QCOMPARE(kill(pid_t(process.processId()), number), 0);
     QVERIFY(process.waitForFinished(10000));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
@@ -165,13 +164,12 @@ void TestSimulatorProcess::verboseLogsEveryCommand()
     Process process;
     const int port = process.startListening({"--verbose"});
     QVERIFY(port > 0);
-    QTcpSocket client;
-    client.connectToHost("127.0.0.1", quint16(port));
-    QVERIFY(client.waitForConnected(10000));
-    client.write("FREQ 5\n*OPC?\n");
+    ScpiClient client;
+    QVERIFY(client.connectTo(quint16(port)));
+    client.send("FREQ 5\n*OPC?\n");
     QByteArray log;
     QTRY_COMPARE((log += process.readAllStandardError()).count('\n'), 3);
-    const QByteArray name = "127.0.0.1:" + QByteArray::number(client.localPort());
+    const QByteArray name = "127.0.0.1:" + QByteArray::number(client.socket.localPort());
     QCOMPARE(log, name + " << FREQ 5\n" + name + " << *OPC?\n" + name + " >> 1\n");
     process.terminate();
     QVERIFY(process.waitForFinished(10000));
@@ -182,11 +180,9 @@ void TestSimulatorProcess::withoutVerboseOnlyRefusalsAreTold()
     Process process;
     const int port = process.startListening();
     QVERIFY(port > 0);
-    QTcpSocket client;
-    client.connectToHost("127.0.0.1", quint16(port));
-    QVERIFY(client.waitForConnected(10000));
-    client.write("FREQ 5\nFOO\nFREQ:CENT -1\n*CLS;*OPC?\n");
-    QVERIFY(client.waitForReadyRead(10000));
+    ScpiClient client;
+    QVERIFY(client.connectTo(quint16(port)));
+    QCOMPARE(client.ask("FREQ 5\nFOO\nFREQ:CENT -1\n*CLS;*OPC?"), QByteArray("1"));
     process.terminate();
     QVERIFY(process.waitForFinished(10000));
     QCOMPARE(process.readAllStandardError(),
