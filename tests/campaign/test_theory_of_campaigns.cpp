@@ -5,6 +5,7 @@
 #include "campaign/simulated_bench.h"
 #include "campaign/theory.h"
 #include "campaign/theory_orders.h"
+#include "dut/experiment.h"
 #include "dut/theory.h"
 #include "setup/notch_editing.h"
 
@@ -28,15 +29,6 @@ MeasurementSetup setupWith(double width, double bandwidthRatio = 1.0, quint32 no
     return setup;
 }
 
-Chain chainOf(const char* name)
-{
-    Chain chain;
-    chain.device.name = QLatin1String(name);
-    chain.device.saturationPower = 0.0;
-    chain.device.thirdOrderIntercept = 0.0;
-    return chain;
-}
-
 QVector<NumberedNotch> notchesOf(const MeasurementSetup& setup)
 {
     return numberedNotches(setup, setup.signal.length);
@@ -48,8 +40,6 @@ double theoryOfFirst(const MeasurementSetup& setup, const Chain& chain, double l
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(Chain)
 
 class TestTheoryOfCampaigns : public QObject
 {

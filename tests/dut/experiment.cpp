@@ -72,6 +72,15 @@ void measureOnce(const Chain& chain, double level, const Stimulus& stimulus, uns
 
 } // namespace
 
+Chain chainOf(const char* device)
+{
+    Chain chain;
+    chain.device.name = QLatin1String(device);
+    chain.device.saturationPower = 0.0;
+    chain.device.thirdOrderIntercept = 0.0;
+    return chain;
+}
+
 LinePowers Stimulus::lines() const
 {
     LinePowers powers(count, 0.0);

@@ -43,15 +43,6 @@ const Stimulus stimuli[] = {{1.0, 0.01, 131072, false},
                             {0.5, 0.10, 131072, false},
                             {0.5, 0.01, 131072, true}};
 
-Chain chainOf(const char* name)
-{
-    Chain chain;
-    chain.device.name = QLatin1String(name);
-    chain.device.saturationPower = 0.0;
-    chain.device.thirdOrderIntercept = 0.0;
-    return chain;
-}
-
 void addMemoryless(Rows& rows, const QString& device, const Chain& chain, double backOff,
                    const Gain& gain)
 {

@@ -5,15 +5,6 @@
 
 namespace {
 
-Chain chainWith(const char* device)
-{
-    Chain chain;
-    chain.device.name = QLatin1String(device);
-    chain.device.saturationPower = 0.0;
-    chain.device.thirdOrderIntercept = 0.0;
-    return chain;
-}
-
 Stimulus stimulus(double beta, double notchShare, bool atEdge)
 {
     return {beta, notchShare, 32768, atEdge};
@@ -21,14 +12,14 @@ Stimulus stimulus(double beta, double notchShare, bool atEdge)
 
 Chain rapp(double smoothness)
 {
-    Chain chain = chainWith("rapp");
+    Chain chain = chainOf("rapp");
     chain.device.smoothness = smoothness;
     return chain;
 }
 
 Chain converter(int bits, double loading)
 {
-    Chain chain = chainWith("adc");
+    Chain chain = chainOf("adc");
     chain.device.bits = bits;
     chain.device.loadingFactor = loading;
     return chain;
@@ -64,12 +55,12 @@ void TestDevicesFollowTheory::memorylessDevices_data()
     };
     add("Rapp 1, 0 dB", rapp(1), 0, rappGain(0, 1), stimulus(0.8, 0.1, false));
     add("Rapp 2, 6 dB", rapp(2), 6, rappGain(6, 2), stimulus(1.0, 0.1, true));
-    add("soft limiter, 2 dB", chainWith("soft"), 2, softLimiterGain(2), stimulus(0.5, 0.1, false));
-    add("soft limiter, 4 dB", chainWith("soft"), 4, softLimiterGain(4), stimulus(1.0, 0.1, false));
-    add("Saleh, 3 dB", chainWith("saleh"), 3, salehGain(3), stimulus(0.8, 0.1, true));
-    add("Saleh, 10 dB", chainWith("saleh"), 10, salehGain(10), stimulus(1.0, 0.1, false));
-    add("cubic, 10 dB", chainWith("cubic"), 10, cubicGain(10), stimulus(1.0, 0.1, true));
-    add("cubic, 20 dB", chainWith("cubic"), 20, cubicGain(20), stimulus(0.8, 0.05, false));
+    add("soft limiter, 2 dB", chainOf("soft"), 2, softLimiterGain(2), stimulus(0.5, 0.1, false));
+    add("soft limiter, 4 dB", chainOf("soft"), 4, softLimiterGain(4), stimulus(1.0, 0.1, false));
+    add("Saleh, 3 dB", chainOf("saleh"), 3, salehGain(3), stimulus(0.8, 0.1, true));
+    add("Saleh, 10 dB", chainOf("saleh"), 10, salehGain(10), stimulus(1.0, 0.1, false));
+    add("cubic, 10 dB", chainOf("cubic"), 10, cubicGain(10), stimulus(1.0, 0.1, true));
+    add("cubic, 20 dB", chainOf("cubic"), 20, cubicGain(20), stimulus(0.8, 0.05, false));
 }
 
 void TestDevicesFollowTheory::memorylessDevices()
@@ -122,7 +113,7 @@ void TestDevicesFollowTheory::aSingleReadingScattersAsItSays()
     double sigma = 0.0;
     constexpr int readings = 40;
     for (int k = 0; k < readings; ++k) {
-        const Averaged single = measureSeed(chainWith("soft"), -5.0, played, unsigned(k + 1));
+        const Averaged single = measureSeed(chainOf("soft"), -5.0, played, unsigned(k + 1));
         sum += single.reading;
         squares += single.reading * single.reading;
         sigma += single.sigma / readings;
@@ -138,7 +129,7 @@ void TestDevicesFollowTheory::aSingleReadingScattersAsItSays()
 void TestDevicesFollowTheory::noiseAndDistortionHaveTheirBestLevel()
 {
     const Stimulus played = stimulus(0.8, 0.1, false);
-    Chain chain = chainWith("cubic");
+    Chain chain = chainOf("cubic");
     chain.device.thirdOrderIntercept = 20.0;
     chain.deviceNoise = -40.0 - 10.0 * std::log10(0.8 * played.count);
     const double best = (-40.0 + 2.0 * 20.0 - 4.771) / 3.0;
