@@ -17,6 +17,19 @@ std::unique_ptr<KORemoteInterface> socketToInstrument()
     return std::make_unique<SocketInterface>("127.0.0.1");
 }
 
+// What arrives at an instrument of the model that has options.
+QByteArray sentWithOptions(const QByteArray& options,
+                           const std::function<void(GeneratorCommands&)>& call)
+{
+    ScriptedInstrument instrument;
+    instrument.answer("*OPT?", options);
+    GeneratorCommands commands(socketToInstrument(), 11);
+    commands.openInterface();
+    call(commands);
+    commands.send("end");
+    return instrument.takeReceivedUpTo("end\n");
+}
+
 } // namespace
 
 class TestCommands : public QObject
@@ -142,13 +155,8 @@ void TestCommands::ifInputNeedsItsOption()
 {
     QFETCH(QByteArray, options);
     QFETCH(QByteArray, sent);
-    ScriptedInstrument instrument;
-    instrument.answer("*OPT?", options);
-    GeneratorCommands commands(socketToInstrument(), 11);
-    commands.openInterface();
-    commands.setIfInput(true);
-    commands.send("end");
-    QCOMPARE(instrument.takeReceivedUpTo("end\n"), "*OPT?\n" + sent + "end\n");
+    QCOMPARE(sentWithOptions(options, [](GeneratorCommands& it) { it.setIfInput(true); }),
+             "*OPT?\n" + sent + "end\n");
 }
 
 void TestCommands::outputAttenuationNeedsItsOption_data()
@@ -165,13 +173,8 @@ void TestCommands::outputAttenuationNeedsItsOption()
 {
     QFETCH(QByteArray, options);
     QFETCH(QByteArray, sent);
-    ScriptedInstrument instrument;
-    instrument.answer("*OPT?", options);
-    GeneratorCommands commands(socketToInstrument(), 11);
-    commands.openInterface();
-    commands.setOutputAttenuation(12.5);
-    commands.send("end");
-    QCOMPARE(instrument.takeReceivedUpTo("end\n"), "*OPT?\n" + sent + "end\n");
+    QCOMPARE(sentWithOptions(options, [](GeneratorCommands& it) { it.setOutputAttenuation(12.5); }),
+             "*OPT?\n" + sent + "end\n");
 }
 
 void TestCommands::optionsAreAskedForAtEveryCall()
