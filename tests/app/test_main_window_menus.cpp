@@ -1,4 +1,5 @@
 // The menus: configurations, waveforms, signal files and help, through real file dialogs.
+#include "kit/file_content.h"
 #include "kit/main_window_test.h"
 #include "kit/warning_count.h"
 #include "support/dialogs/about_window.h"
@@ -81,8 +82,7 @@ void TestMainWindowMenus::writeFile(const QString& name, const QByteArray& bytes
 
 QByteArray TestMainWindowMenus::readFile(const QString& name)
 {
-    QFile file(folder->filePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(folder->filePath(name));
 }
 
 void TestMainWindowMenus::savedConfigurationLoadsAgain()

@@ -2,6 +2,7 @@
 // to them is told in tests/reliability.
 #include "base/whole_file.h"
 
+#include "kit/file_content.h"
 #include "kit/system_limits.h"
 
 #include <QTemporaryDir>
@@ -41,11 +42,7 @@ private:
     {
         return QDir(folder->path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
     }
-    QByteArray content(const QString& name) const
-    {
-        QFile file(folder->filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(missing)");
-    }
+    QByteArray content(const QString& name) const { return contentOf(folder->filePath(name)); }
     void save(const QString& name, const QByteArray& bytes)
     {
         WholeFile file(folder->filePath(name));

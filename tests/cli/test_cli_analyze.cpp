@@ -1,5 +1,6 @@
 // "analyze" of the built program: recordings that "signal" writes, and those of converters.
 #include "cli/cli_process.h"
+#include "kit/file_content.h"
 #include "kit/json_schema.h"
 
 #include <QFile>
@@ -18,12 +19,6 @@
 namespace {
 
 const QStringList config{"default", "--notches", "3,1e6,-100,0"};
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
 
 QJsonObject jsonOf(const QString& text)
 {
@@ -99,7 +94,7 @@ void TestCliAnalyze::initTestCase()
 // its mean power is 0.97, for three of a hundred lines are notches.
 QString TestCliAnalyze::quantised(const QString& name, double k) const
 {
-    const QByteArray floats = bytesOf(cli.path("noise.cf32"));
+    const QByteArray floats = contentOf(cli.path("noise.cf32"));
     QByteArray codes;
     for (int at = 0; at < floats.size(); at += 4) {
         const double value = qFromLittleEndian<float>(floats.constData() + at);
@@ -113,7 +108,7 @@ QString TestCliAnalyze::quantised(const QString& name, double k) const
 // The signal so many of its lines higher, as a SigMF recording of a capture.
 void TestCliAnalyze::writeShifted(const QString& base, int lines, const QByteArray& capture) const
 {
-    const QByteArray floats = bytesOf(cli.path("noise.cf32"));
+    const QByteArray floats = contentOf(cli.path("noise.cf32"));
     const int samples = floats.size() / 8;
     QByteArray data(floats.size(), '\0');
     for (int k = 0; k < samples; ++k) {
@@ -156,7 +151,7 @@ void TestCliAnalyze::everyFormThatSignalWritesReadsBack()
     QVERIFY2(run.status == 0 && run.err.isEmpty(), qPrintable(run.err));
     const QJsonObject result = jsonOf(run.out);
     const QJsonObject schema =
-        jsonOf(QString::fromUtf8(bytesOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
+        jsonOf(QString::fromUtf8(contentOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
     QCOMPARE(JsonSchema(schema).errorsIn(result), QStringList());
     QCOMPARE(result["level_unit"].toString(), QString("dBFS"));
     const QVector<double> ratios = numbersOf(result, "npr_db");
@@ -181,8 +176,8 @@ void TestCliAnalyze::aConverterDrawsItsCurveOverItsOwnLevel()
                                                    "curve.json", "--csv", "curve.csv"});
     QVERIFY2(run.status == 0, qPrintable(run.err));
     QVERIFY(run.out.contains("level/dBFS") && run.out.contains("whole periods"));
-    QVERIFY(bytesOf(cli.path("curve.csv")).startsWith("level_dbfs,notch,"));
-    const QJsonObject result = jsonOf(QString::fromUtf8(bytesOf(cli.path("curve.json"))));
+    QVERIFY(contentOf(cli.path("curve.csv")).startsWith("level_dbfs,notch,"));
+    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("curve.json"))));
     QCOMPARE(numbersOf(result, "npr_db").size(), 18);
     for (const QJsonValue value : result["curves"].toArray()) {
         const QJsonObject curve = value.toObject();
@@ -230,7 +225,7 @@ void TestCliAnalyze::resultsInDbfsAreDrawnWithAConvertersTheory()
     const QStringList plot{"plot", "drawn.json", "--plot", "drawn.svg", "--theory"};
     const CliRun converter = cli.run(plot + QStringList{"adc,bits=8"});
     QVERIFY2(converter.status == 0, qPrintable(converter.err));
-    QVERIFY(bytesOf(cli.path("drawn.svg")).contains("theory adc,bits=8"));
+    QVERIFY(contentOf(cli.path("drawn.svg")).contains("theory adc,bits=8"));
     const CliRun amplifier = cli.run(plot + QStringList{"rapp,saturation=0"});
     QCOMPARE(amplifier.status, 2);
     QVERIFY2(amplifier.err.contains("needs levels in dBm"), qPrintable(amplifier.err));
@@ -267,7 +262,7 @@ void TestCliAnalyze::whatFillsTheNotchesWithoutTheDeviceIsSubtracted()
     const CliRun before = analyze(bench + QStringList{"--json", "bench.json"});
     QVERIFY2(before.status == 0, qPrintable(before.err));
     const QVector<double> without =
-        numbersOf(jsonOf(QString::fromUtf8(bytesOf(cli.path("bench.json")))), "npr_db");
+        numbersOf(jsonOf(QString::fromUtf8(contentOf(cli.path("bench.json")))), "npr_db");
     const QStringList toJson{"--json", "-"};
     const QVector<double> with = numbersOf(jsonOf(analyze(device + toJson).out), "npr_db");
     const CliRun run = analyze(device + toJson + QStringList{"--subtract", "bench.json"});
@@ -403,7 +398,7 @@ void TestCliAnalyze::resultsInOtherUnitsAreNotDrawnTogether()
     QCOMPARE(run.status, 2);
     QVERIFY2(run.err.contains("dbm.json has its levels in dBm"), qPrintable(run.err));
     QCOMPARE(cli.run({"plot", "dbfs.json", "dbfs.json", "--csv", "both.csv"}).status, 0);
-    QVERIFY(bytesOf(cli.path("both.csv")).contains("distortion_npr_db,result\n"));
+    QVERIFY(contentOf(cli.path("both.csv")).contains("distortion_npr_db,result\n"));
 }
 
 // Of which the signal is the beginning, and a hole is the rest.
@@ -414,7 +409,7 @@ void TestCliAnalyze::gigabytesTakeLittleMemoryAndCanBeLeft()
     {
         QFile file(path);
         QVERIFY(file.open(QIODevice::WriteOnly));
-        QVERIFY(file.write(bytesOf(cli.path("noise.cf32"))) > 0);
+        QVERIFY(file.write(contentOf(cli.path("noise.cf32"))) > 0);
         QVERIFY(file.resize(qint64{5} << 30));
     }
     // The beginning are pairs of floats and not doubles: anything that is no zero will do.

@@ -1,6 +1,7 @@
 // Each file that notchbench-cli writes, where there is room for a part of it only: the former one
 // stays, the program says so, and the next try works.
 #include "cli_process.h"
+#include "kit/file_content.h"
 
 #include <QtTest>
 
@@ -9,12 +10,6 @@
 namespace {
 
 constexpr int room = 4096; // bytes
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // The commands that measure: tables, files, statuses, interruptions; simulated and on instruments.
 #include "cli/cli_process.h"
+#include "kit/file_content.h"
 #include "kit/json_schema.h"
 #include "kit/scripted_instrument.h"
 
@@ -31,12 +32,6 @@ const QStringList instruments{"--set",    "Generator1/IP Addr=127.0.0.2",
                               "--set",    "Analyzer/IP Addr=127.0.0.3",
                               "--settle", "0"};
 
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QJsonObject jsonOf(const QByteArray& bytes)
 {
     return QJsonDocument::fromJson(bytes).object();
@@ -44,7 +39,7 @@ QJsonObject jsonOf(const QByteArray& bytes)
 
 QStringList schemaErrors(const QByteArray& bytes)
 {
-    const JsonSchema schema(jsonOf(bytesOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
+    const JsonSchema schema(jsonOf(contentOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
     return schema.errorsIn(jsonOf(bytes));
 }
 
@@ -171,13 +166,13 @@ void TestCliMeasure::aCurveHasItsPeakAndRanges()
                                  "--json", cli->path("r.json"), "--csv", cli->path("r.csv")});
     QCOMPARE(run.status, 0);
     QVERIFY(run.out.contains("over 41 dB"));
-    const QJsonObject result = jsonOf(bytesOf(cli->path("r.json")));
+    const QJsonObject result = jsonOf(contentOf(cli->path("r.json")));
     const QJsonObject found = result["curves"].toArray()[0].toObject();
     QVERIFY(std::abs(found["peak_npr_db"].toDouble() - 62.71) < 0.5);
     const QJsonObject range = found["ranges"].toArray()[0].toObject();
     QVERIFY(std::abs(range["range_db"].toDouble() - 25.35) < 0.6);
     QCOMPARE(result["points"].toArray().size(), 32);
-    QCOMPARE(bytesOf(cli->path("r.csv")).count('\n'), 33);
+    QCOMPARE(contentOf(cli->path("r.csv")).count('\n'), 33);
 }
 
 void TestCliMeasure::notchesAreChosenByTheirNumber()
@@ -231,7 +226,7 @@ void TestCliMeasure::aSignalAloneHasNoPoints()
     // With a file in its place people get their table.
     const CliRun both = cli->run(words + QStringList{"--json", cli->path("s.json")});
     QVERIFY(both.out.contains("crest factor") && both.out.contains("wrote"));
-    QCOMPARE(jsonOf(bytesOf(cli->path("s.json")))["signal"], result["signal"]);
+    QCOMPARE(jsonOf(contentOf(cli->path("s.json")))["signal"], result["signal"]);
 }
 
 void TestCliMeasure::aMissedLimitIsStatusOne()
@@ -424,8 +419,8 @@ void TestCliMeasure::aPictureNeedsNoDisplay()
         curve(rapp + pictures +
               QStringList{"--levels", "-12:0:2", "--threshold", "25", "--theory", "same"}));
     QCOMPARE(run.status, 0);
-    QVERIFY(bytesOf(cli->path("c.png")).startsWith("\x89PNG"));
-    QVERIFY(bytesOf(cli->path("c.svg")).contains("<svg"));
+    QVERIFY(contentOf(cli->path("c.png")).startsWith("\x89PNG"));
+    QVERIFY(contentOf(cli->path("c.svg")).contains("<svg"));
 }
 
 void TestCliMeasure::anInterruptionKeepsWhatWasMeasured_data()
@@ -455,7 +450,7 @@ void TestCliMeasure::anInterruptionKeepsWhatWasMeasured()
     QVERIFY(cli->process.waitForFinished(20000));
     QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(cli->process.exitCode(), status);
-    const QByteArray json = bytesOf(file);
+    const QByteArray json = contentOf(file);
     QVERIFY(schemaErrors(json).isEmpty());
     QCOMPARE(jsonOf(json)["points"].toArray().size(), 1);
     // CONFIG's -20 dBm is above the highest level.
@@ -514,8 +509,8 @@ void TestCliMeasure::aLostInstrumentIsStatusFour()
     QCOMPARE(run.status, 4);
     QVERIFY2(run.err.contains("analyzer 127.0.0.3: its answer has fewer than three numbers"),
              qPrintable(run.err));
-    QVERIFY(schemaErrors(bytesOf(file)).isEmpty());
-    QVERIFY(jsonOf(bytesOf(file))["points"].toArray().isEmpty());
+    QVERIFY(schemaErrors(contentOf(file)).isEmpty());
+    QVERIFY(jsonOf(contentOf(file))["points"].toArray().isEmpty());
 }
 
 void TestCliMeasure::withoutInstrumentsItIsStatusFour()

@@ -1,19 +1,10 @@
 // Results drawn together, and their points joined.
 #include "cli/cli_process.h"
+#include "kit/file_content.h"
 
 #include <QFile>
 #include <QImage>
 #include <QtTest>
-
-namespace {
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
 
 class TestCliPlot : public QObject
 {
@@ -57,7 +48,7 @@ void TestCliPlot::resultsAreDrawnTogether()
     QCOMPARE(run.status, 0);
     QVERIFY(run.out.contains("warm\n") && run.out.contains("cold, wet\n"));
     QCOMPARE(run.out.count("over 25 dB"), 2); // the threshold of the results
-    const QByteArray svg = bytesOf(cli.path("both.svg"));
+    const QByteArray svg = contentOf(cli.path("both.svg"));
     for (const char* text : {"warm, notch 1", "warm, notch 2", "cold, wet, notch 2",
                              "rapp,saturation=0; soft,saturation=0", "above 25 dB"}) {
         QVERIFY2(svg.contains(text), text);
@@ -74,9 +65,9 @@ void TestCliPlot::oneResultIsDrawnAsByItself()
                  .status,
              0);
     QCOMPARE(cli.run({"plot", "one.json", "--theory", "same", "--plot", "again.svg"}).status, 0);
-    const QByteArray picture = bytesOf(cli.path("again.svg"));
+    const QByteArray picture = contentOf(cli.path("again.svg"));
     QVERIFY(picture.contains("theory rapp,saturation=0"));
-    QCOMPARE(picture, bytesOf(cli.path("one.svg")));
+    QCOMPARE(picture, contentOf(cli.path("one.svg")));
 }
 
 void TestCliPlot::theoryIsThatOfEachDevice()
@@ -84,14 +75,14 @@ void TestCliPlot::theoryIsThatOfEachDevice()
     QCOMPARE(cli.run({"plot", "warm.json", "cold, wet.json", "--theory", "same", "--plot", "t.svg"})
                  .status,
              0);
-    const QByteArray svg = bytesOf(cli.path("t.svg"));
+    const QByteArray svg = contentOf(cli.path("t.svg"));
     QVERIFY(svg.contains("theory rapp,saturation=0") && svg.contains("theory soft,saturation=0"));
 }
 
 void TestCliPlot::pointsAreJoinedWithTheirName()
 {
     QCOMPARE(cli.run({"plot", "warm.json", "cold, wet.json", "--csv", "all.csv"}).status, 0);
-    const QList<QByteArray> lines = bytesOf(cli.path("all.csv")).trimmed().split('\n');
+    const QList<QByteArray> lines = contentOf(cli.path("all.csv")).trimmed().split('\n');
     QCOMPARE(lines.size(), 1 + 2 * 8);
     QVERIFY(lines[0].startsWith("level_dbm,notch,") && lines[0].endsWith(",passed,result"));
     QVERIFY(lines[1].startsWith("-12,1,") && lines[1].endsWith(",warm"));
@@ -142,7 +133,7 @@ void TestCliPlot::whatIsNoResultIsStatusThree_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("says");
-    QByteArray empty = bytesOf(cli.path("warm.json"));
+    QByteArray empty = contentOf(cli.path("warm.json"));
     empty = empty.left(empty.indexOf("\"points\"")) + "\"points\": [], " +
             empty.mid(empty.indexOf("\"program\""));
     QTest::newRow("no JSON") << QByteArray("level_dbm,notch\n") << "is no result of this program";

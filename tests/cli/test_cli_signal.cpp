@@ -2,6 +2,7 @@
 #include "cli/cli_process.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 #include "setup/config_file.h"
 #include "setup/notch_editing.h"
 
@@ -13,12 +14,6 @@
 #include <vector>
 
 namespace {
-
-QByteArray bytesOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-}
 
 double numberOf(const CliRun& run, const QString& row)
 {
@@ -75,13 +70,13 @@ void TestCliSignal::filesHaveTheBytesOfTheWindow()
         saveWaveform(cli->path("window") + form, setup.signal, setup.sampleRate);
     }
     for (const char* form : {".i", ".q", ".i.wav", ".q.wav"}) {
-        QCOMPARE(bytesOf(cli->path("cli") + form), bytesOf(cli->path("window") + form));
+        QCOMPARE(contentOf(cli->path("cli") + form), contentOf(cli->path("window") + form));
     }
     // Behind the date.
     const auto samples = [](const QByteArray& file) { return file.mid(file.indexOf("{LEVEL")); };
-    const QByteArray wv = samples(bytesOf(cli->path("cli.wv")));
+    const QByteArray wv = samples(contentOf(cli->path("cli.wv")));
     QVERIFY(wv.size() > 4 * 131072);
-    QCOMPARE(wv, samples(bytesOf(cli->path("window.wv"))));
+    QCOMPARE(wv, samples(contentOf(cli->path("window.wv"))));
 }
 
 void TestCliSignal::openFormatsHoldTheSamplesInSinglePrecision()
@@ -104,10 +99,10 @@ void TestCliSignal::openFormatsHoldTheSamplesInSinglePrecision()
         words.push_back(float(setup.signal.qSamples.at(k)));
     }
     const QByteArray samples(reinterpret_cast<const char*>(words.data()), 8 * 4096);
-    QCOMPARE(bytesOf(cli->path("n.cf32")), samples);
-    QCOMPARE(bytesOf(cli->path("n.sigmf-data")), samples);
-    QCOMPARE(bytesOf(cli->path("n.npy")).mid(128), samples);
-    const QByteArray metadata = bytesOf(cli->path("n.sigmf-meta"));
+    QCOMPARE(contentOf(cli->path("n.cf32")), samples);
+    QCOMPARE(contentOf(cli->path("n.sigmf-data")), samples);
+    QCOMPARE(contentOf(cli->path("n.npy")).mid(128), samples);
+    const QByteArray metadata = contentOf(cli->path("n.sigmf-meta"));
     QCOMPARE(metadata.count("core:freq_lower_edge"), 9);
     QVERIFY(metadata.contains("\"core:recorder\": \"notchbench-cli "));
 }

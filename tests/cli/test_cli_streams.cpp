@@ -1,5 +1,6 @@
 // Standard input, output and error that are closed, broken or no file.
 #include "cli/cli_process.h"
+#include "kit/file_content.h"
 
 #include <QFile>
 #include <QTcpServer>
@@ -36,12 +37,6 @@ private slots:
     void aMissedLimitThatCannotBePrintedIsAFailure();
 
 private:
-    QByteArray contentOf(const QString& name) const
-    {
-        QFile file(cli->path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
-
     std::unique_ptr<CliProcess> cli;
 };
 
@@ -82,7 +77,7 @@ void TestCliStreams::resultsAreWrittenWhateverStreamIsClosed()
     const CliRun run =
         runWith(qPrintable(redirections), measuring + QStringList{"--csv", "points.csv"}, *cli);
     QTEST(run.status, "status");
-    QCOMPARE(contentOf("points.csv").count('\n'), 3);
+    QCOMPARE(contentOf(cli->path("points.csv")).count('\n'), 3);
 }
 
 // Services start programs so. Neither the port nor the warning may reach what else is open: the
@@ -127,8 +122,8 @@ void TestCliStreams::aReaderWhoHasGoneEndsNoMeasurement()
     const QStringList files{"--csv", "-", "--json", "r.json"};
     cli->runBy("/bin/sh", QStringList{"-c", script, NOTCHBENCH_CLI} + measuring +
                               QStringList{"--set", "NPR/Phase Mode=2"} + files);
-    QVERIFY(contentOf("r.json").contains("not-noise-like"));
-    QTEST(QString(contentOf("status")), "status");
+    QVERIFY(contentOf(cli->path("r.json")).contains("not-noise-like"));
+    QTEST(QString(contentOf(cli->path("status"))), "status");
 }
 
 void TestCliStreams::aMissedLimitThatCannotBePrintedIsAFailure()

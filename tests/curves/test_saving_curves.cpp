@@ -3,6 +3,7 @@
 #include "curves/draft_folder.h"
 #include "curves/report.h"
 #include "curves/result_file.h"
+#include "kit/file_content.h"
 
 #include <QStandardPaths>
 
@@ -11,12 +12,6 @@ namespace {
 QDir draftsRoot()
 {
     return {QStandardPaths::writableLocation(QStandardPaths::AppDataLocation) + "/unsaved"};
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 // As a program leaves it that was killed.

@@ -6,6 +6,7 @@
 #include "files/reference_files.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 #include "kit/instrumented.h"
 
 #include <QTemporaryDir>
@@ -203,11 +204,7 @@ private slots:
     void writingTakesAPartOfThePlainLoopsTime();
 
 private:
-    QByteArray contents(const QString& name) const
-    {
-        QFile file(folder.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray contents(const QString& name) const { return contentOf(folder.filePath(name)); }
 
     void compareReaders(const QByteArray& text)
     {

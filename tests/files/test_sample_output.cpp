@@ -1,6 +1,7 @@
 // The open formats: every byte of the samples, the header of an array, and the metadata against
 // the rules of their format.
 #include "files/sample_output.h"
+#include "kit/file_content.h"
 #include "kit/json_schema.h"
 #include "setup/measurement_setup.h"
 
@@ -15,12 +16,6 @@ namespace {
 QJsonObject objectIn(const QByteArray& text)
 {
     return QJsonDocument::fromJson(text).object();
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 // 64 lines of 100 Hz each.

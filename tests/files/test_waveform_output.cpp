@@ -1,6 +1,7 @@
 // The three waveform forms, byte for byte against files worked out by hand.
 #include "files/sample_words.h"
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 
 #include <QDateTime>
 #include <QTemporaryDir>
@@ -46,11 +47,7 @@ private slots:
 
 private:
     QString base() const { return folder->filePath("wave"); }
-    QByteArray read(const QString& suffix) const
-    {
-        QFile file(base() + suffix);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
+    QByteArray read(const QString& suffix) const { return contentOf(base() + suffix); }
 
     std::unique_ptr<QTemporaryDir> folder;
 };

@@ -4,6 +4,7 @@
 
 #include "app/main_window.h"
 #include "kit/background_jobs.h"
+#include "kit/file_content.h"
 #include "kit/scripted_instrument.h"
 #include "kit/system_limits.h"
 #include "kit/window_driver.h"
@@ -74,11 +75,7 @@ struct LimitedBench
     }
 
     QString path(const QString& name) const { return folder.filePath(name); }
-    QByteArray content(const QString& name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray content(const QString& name) const { return contentOf(path(name)); }
     // A trace of an analyzer over the whole default span.
     void writeTrace(const QString& name) const
     {

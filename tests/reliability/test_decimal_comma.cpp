@@ -4,6 +4,7 @@
 #include "files/sample_output.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 #include "kit/fresh_home.h"
 #include "kit/window_driver.h"
 #include "remote/analyzer_commands.h"
@@ -92,8 +93,7 @@ void TestDecimalComma::init()
 
 QByteArray TestDecimalComma::read(const char* name) const
 {
-    QFile file(folder->filePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    return contentOf(folder->filePath(name));
 }
 
 void TestDecimalComma::configurationHasAPoint()

@@ -4,6 +4,7 @@
 #include "files/sample_output.h"
 #include "files/signal_input.h"
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 #include "kit/system_limits.h"
 #include "setup/config_file.h"
 
@@ -99,12 +100,6 @@ void put(const QString& path, const QByteArray& bytes)
     QFile file(path);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(bytes), qint64{bytes.size()});
-}
-
-QByteArray contentOf(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // The program is killed 200 times at random moments of a save and of a close. What is found
 // afterwards is the former configuration or the new one, whole.
+#include "kit/file_content.h"
 #include "setup/config_file.h"
 
 #include <QProcess>
@@ -26,8 +27,7 @@ QByteArray textOf(quint32 seed, const QTemporaryDir& folder)
         setup.notches->insert(row, notch);
     }
     saveConfig(setup, folder.filePath("text"));
-    QFile file(folder.filePath("text"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return contentOf(folder.filePath("text"));
 }
 
 // The rows of a file come back in any order.
@@ -84,8 +84,7 @@ void TestKilledProgram::init()
 
 QByteArray TestKilledProgram::config() const
 {
-    QFile file(folder->filePath("saving_program/Notchbench.cfg"));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+    return contentOf(folder->filePath("saving_program/Notchbench.cfg"));
 }
 
 void TestKilledProgram::put(const QByteArray& text) const
