@@ -53,11 +53,23 @@ public:
         close(screen);
     }
 
+    // All that was written since. It may arrive in pieces, so a mark tells its end.
     QByteArray read() const
     {
-        char bytes[4096];
-        const ssize_t count = ::read(screen, bytes, sizeof(bytes));
-        return {bytes, int(count)};
+        constexpr char mark = '|';
+        std::fputc(mark, stream);
+        std::fflush(stream);
+        QByteArray arrived;
+        while (!arrived.endsWith(mark)) {
+            char bytes[4096];
+            const ssize_t count = ::read(screen, bytes, sizeof(bytes));
+            if (count <= 0) {
+                return arrived + " and the terminal's end";
+            }
+            arrived.append(bytes, int(count));
+        }
+        arrived.chop(1);
+        return arrived;
     }
 
     int screen = -1;
