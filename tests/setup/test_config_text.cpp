@@ -62,6 +62,8 @@ private slots:
     void lastLineNeedsALineEnd();
     void repeatedSectionReplacesTheEarlierOne();
     void emptyQuotedValueIsAbsent();
+    void numbersOfEveryFormAreTaken();
+    void whatIsNearlyANumberEndsTheSection();
     void separatorInsideQuotesDividesTheLine();
     void everyLineHasItsNumberAndItsPart();
     void hugeLinesTakeLinearTime_data();
@@ -112,6 +114,24 @@ void TestConfigText::emptyQuotedValueIsAbsent()
 {
     const ConfigText text = parseConfigText("[A]\nx = \"\"\ny = 1\n");
     QCOMPARE(text.value("A").keys(), QStringList{"y"});
+}
+
+void TestConfigText::numbersOfEveryFormAreTaken()
+{
+    for (const char* number : {"7", "-12", "0.25", "-3.50", "1e+5", "2E-07", "4.5e|3", "-1E|12"}) {
+        const ConfigText text = parseConfigText(QString("[A]\nx = %1\n").arg(number));
+        QCOMPARE(text.value("A").value("x"), QString(number));
+    }
+}
+
+// An exponent has a sign; a bar stands for one too.
+void TestConfigText::whatIsNearlyANumberEndsTheSection()
+{
+    for (const char* other : {"1e5", "1E05", "1ab5", "1-5", "1x+5", "1e+", "1e", "1.", ".5", "+1",
+                              "--1", "-", "1 ", " 1", "1.5.2", "1e+5e", "e+5"}) {
+        const ConfigText text = parseConfigText(QString("[A]\nx = %1\ny = 2\n").arg(other));
+        QVERIFY2(!text.contains("A"), other);
+    }
 }
 
 void TestConfigText::separatorInsideQuotesDividesTheLine()
