@@ -31,10 +31,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const int iSize = qFromLittleEndian<quint16>(data);
     const int qSize = qFromLittleEndian<quint16>(data + 2);
     const QByteArray content = bytesOf(data + headSize, size - headSize);
-    const InputFile iInput(piece(content, 0, iSize));
-    const InputFile qInput(piece(content, iSize, qSize));
+    const QByteArray iBytes = piece(content, 0, iSize);
+    const QByteArray qBytes = piece(content, iSize, qSize);
+    const InputFile iInput(iBytes);
+    const InputFile qInput(qBytes);
     const SignalData read = loadIQFiles(iInput.path(), qInput.path());
-    const bool isOfOneSize = iSize == qSize;
+    const bool isOfOneSize = iBytes.size() == qBytes.size(); // both empty where nothing fills them
     if ((read.length > 0 && !isOfOneSize) || read.iSamples.size() != read.length ||
         read.qSamples.size() != read.length || read.magnitude.size() != read.length ||
         read.phase.size() != read.length) {
