@@ -1,6 +1,8 @@
 // What the documents say of the tree, against the tree.
 #include "structure/source_files.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>
 #include <QtTest>
@@ -19,6 +21,7 @@ private slots:
     void pathsInTheDocumentsExist_data();
     void pathsInTheDocumentsExist();
     void everyFolderIsInTheReadme();
+    void everyFuzzTargetIsInItsTable();
     void everyNameInTheArchitectureIsInTheSources();
     void aNameThatIsSaidToBeInAFileIsThere_data();
     void aNameThatIsSaidToBeInAFileIsThere();
@@ -57,6 +60,17 @@ void TestFolders::everyFolderIsInTheReadme()
         if (file.path.contains('/')) {
             QVERIFY2(readme.contains("| `src/" + folder + "` |"), qPrintable(folder));
         }
+    }
+}
+
+void TestFolders::everyFuzzTargetIsInItsTable()
+{
+    const QString page = textOfFile(root + QString("docs/reliability.md"));
+    const QStringList targets = QDir(root + QString("fuzz")).entryList({"fuzz_*.cpp"});
+    QVERIFY(targets.size() > 10);
+    for (const QString& target : targets) {
+        const QString name = QFileInfo(target).completeBaseName().mid(5);
+        QVERIFY2(page.contains("| `" + name + "` |"), qPrintable(name));
     }
 }
 

@@ -1,6 +1,7 @@
 // The command line.
 #include "simulator/simulator_options.h"
 
+#include "kit/file_content.h"
 #include "simulator/instrument_types.h"
 
 #include <QCommandLineParser>
@@ -42,6 +43,7 @@ private slots:
     void aFullScaleTakesThePlaceOfALoading();
     void limitsOfAValueAreTaken();
     void theHelpNamesEveryModelInWholeSentences();
+    void theManPageNamesEveryOption();
     void aBadValueIsNamed_data();
     void aBadValueIsNamed();
 };
@@ -179,6 +181,24 @@ void TestSimulatorOptions::theHelpNamesEveryModelInWholeSentences()
     QVERIFY(options.size() > 20);
     for (const QString& option : options) {
         QVERIFY2(option.endsWith('.'), qPrintable(option));
+    }
+}
+
+void TestSimulatorOptions::theManPageNamesEveryOption()
+{
+    QCommandLineParser parser;
+    addSimulatorOptions(parser);
+    QString page = contentOf(NOTCHBENCH_SOURCE_DIR "/packaging/notchbench-simulator.1");
+    page.remove('\\'); // of its hyphens
+    const QRegularExpression option("^  (?:-\\w, )?(--[a-z-]+)",
+                                    QRegularExpression::MultilineOption);
+    auto options = option.globalMatch(parser.helpText());
+    QVERIFY(options.hasNext());
+    while (options.hasNext()) {
+        const QString name = options.next().captured(1);
+        const bool isNamed = page.contains(QRegularExpression(name + "\\b(?!-)"));
+        // Qt's own, the same as --help here.
+        QVERIFY2(isNamed || name == "--help-all", qPrintable(name));
     }
 }
 
