@@ -20,7 +20,9 @@ inline NprResult roofs(int notches, double from = -40.0, double to = 0.0, double
     result.signal.sampleRate = 1e8;
     result.bench.simulated = "linear";
     result.bench.generator = result.bench.analyzer = "simulated";
-    for (double level = from; level <= to + 1e-9; level += step) {
+    const auto steps = static_cast<int>(std::lround((to - from) / step));
+    for (int k = 0; k <= steps; ++k) {
+        const double level = from + k * step;
         for (int notch = 1; notch <= notches; ++notch) {
             NprPoint point;
             point.level = level;

@@ -88,7 +88,7 @@ private slots:
     void readingEndsWhenItIsTold();
 
 private:
-    const RecordingFolder folder;
+    RecordingFolder folder;
 };
 
 void TestNotchAnalysis::aDeepNotchStaysDeepBesideTheLines()

@@ -80,12 +80,14 @@ void TestRecordingFigures::sideLobesLieBelow120Decibels()
         const std::vector<double> window = kaiserWindow(length);
         const double top = transformAt(window, 0.0);
         double largest = 0.0;
-        for (double bins = mainLobe; bins < 40.0; bins += 0.05) {
-            largest = std::max(largest, transformAt(window, bins));
-        }
-        for (double bins = 40.0; bins <= length / 2.0; bins += 7.31) {
-            largest = std::max(largest, transformAt(window, bins));
-        }
+        const auto search = [&](double first, double last, double step) {
+            const auto steps = static_cast<int>((last - first) / step);
+            for (int k = 0; k <= steps; ++k) {
+                largest = std::max(largest, transformAt(window, first + k * step));
+            }
+        };
+        search(mainLobe, 40.0, 0.05);
+        search(40.0, length / 2.0, 7.31);
         QVERIFY2(20.0 * std::log10(largest / top) < -120.0,
                  qPrintable(QString::number(20.0 * std::log10(largest / top))));
         // And no wider than it must be.
@@ -170,7 +172,7 @@ void TestRecordingFigures::densitiesAreThoseOfAPlainLoop()
     constexpr double rate = 2e6;
     Wave wave(first + length + (segments - 1) * (length / 3) + 200);
     addNoise(wave, 0.5, 3);
-    const RecordingFolder folder;
+    RecordingFolder folder;
     const SampleReader reader(
         openRecording(folder.write("noise.cf64", asCf64(wave)), sampleTypeOf("cf64")));
     const PowerDensity density =

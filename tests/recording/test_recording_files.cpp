@@ -80,7 +80,7 @@ private:
         return "none";
     }
 
-    const RecordingFolder folder;
+    RecordingFolder folder;
 };
 
 void TestRecordingFiles::eachTypeBecomesSharesOfFullScale()

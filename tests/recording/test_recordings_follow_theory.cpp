@@ -62,7 +62,7 @@ private slots:
     void readingsScatterAsTheyTell();
 
 private:
-    const RecordingFolder folder;
+    RecordingFolder folder;
 };
 
 void TestRecordingsFollowTheory::convertersReadWhatTheirBitsAndLoadingAllow_data()

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int length = 1048576; // samples
 constexpr qint64 blockSize = (2LL * length + 1) * 4;
-constexpr qint64 mostUnsent = 256 * 1048576; // bytes
+constexpr qint64 mostUnsent = qint64{256} * 1048576; // bytes
 
 quint16 freePort()
 {

@@ -156,7 +156,8 @@ void TestStimulusStatistics::orderedPhasesAreNot()
 {
     QFETCH(int, exponent);
     constexpr double fewestLines = 300.0; // with fewer the chance of random phases is too wide
-    for (double nbwSrate = 0.1; nbwSrate <= 1.0; nbwSrate += 0.05) {
+    for (int percent = 10; percent <= 100; percent += 5) {
+        const double nbwSrate = percent / 100.0;
         for (const PhaseLaw law : {PhaseLaw::Parabolic, PhaseLaw::Constant}) {
             MeasurementSetup setup = noiseSetup(exponent, nbwSrate, 1);
             setup.phaseMode = law;

@@ -43,7 +43,8 @@ QVector<double> gaussianValues(int count)
     double x = 0.0;
     for (int k = count / 2 - 1; k >= 0; --k) {
         const double tail = (k + 0.5) / count;
-        for (double change = 1.0; std::abs(change) > 1e-9;) {
+        double change = 1.0;
+        while (std::abs(change) > 1e-9) {
             change = (upperTail(x) - tail) / density(x);
             x += change;
         }
