@@ -109,12 +109,13 @@ QString TestCliAnalyze::quantised(const QString& name, double k) const
 void TestCliAnalyze::writeShifted(const QString& base, int lines, const QByteArray& capture) const
 {
     const QByteArray floats = contentOf(cli.path("noise.cf32"));
-    const int samples = floats.size() / 8;
+    const qint64 samples = floats.size() / 8;
     QByteArray data(floats.size(), '\0');
-    for (int k = 0; k < samples; ++k) {
+    for (qint64 k = 0; k < samples; ++k) {
         const std::complex<double> value(qFromLittleEndian<float>(floats.constData() + 8 * k),
                                          qFromLittleEndian<float>(floats.constData() + 8 * k + 4));
-        const double turns = static_cast<double>(qint64{lines} * k % samples) / samples;
+        const double turns =
+            static_cast<double>(lines * k % samples) / static_cast<double>(samples);
         const std::complex<double> turned = value * std::polar(1.0, 2.0 * M_PI * turns);
         qToLittleEndian(static_cast<float>(turned.real()), data.data() + 8 * k);
         qToLittleEndian(static_cast<float>(turned.imag()), data.data() + 8 * k + 4);
@@ -424,7 +425,7 @@ void TestCliAnalyze::gigabytesTakeLittleMemoryAndCanBeLeft()
     QVERIFY2(run.status == 0, qPrintable(run.err));
     rusage usage{};
     QCOMPARE(getrusage(RUSAGE_CHILDREN, &usage), 0);
-    QVERIFY2(usage.ru_maxrss < 300 * 1024, qPrintable(QString::number(usage.ru_maxrss)));
+    QVERIFY2(usage.ru_maxrss < 300 * 1024L, qPrintable(QString::number(usage.ru_maxrss)));
 #endif
 }
 

@@ -94,7 +94,7 @@ void TestMeasureOrder::aGoodOrderIsCounted()
 {
     const OrderCheck check = checkOrder(wordsOf(amplifier()));
     QCOMPARE(check.failure, QString());
-    QCOMPARE(check.readings, qint64{41 * 3 * 4});
+    QCOMPARE(check.readings, qint64{41} * 3 * 4);
     QVERIFY(check.seconds > 0.0);
     QCOMPARE(check.notice, QString());
 }

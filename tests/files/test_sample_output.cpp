@@ -132,7 +132,7 @@ void TestSampleOutput::longSignalsAreWrittenWhole()
     QCOMPARE(bytes.size(), 8 * count);
     for (int k = 0; k < count; ++k) {
         float pair[2];
-        memcpy(pair, bytes.constData() + 8 * k, sizeof pair);
+        memcpy(pair, bytes.constData() + qint64{8} * k, sizeof pair);
         QVERIFY(pair[0] == float(k) && pair[1] == float(-k));
     }
 }

@@ -204,7 +204,7 @@ void TestRecordingFiles::sigmfTellsTypeRateFrequencyAndPlace()
         QCOMPARE(*read.sampleRate, 2e6);
         QCOMPARE(*read.frequency, 1.5e9);
         QCOMPARE(read.sha512, QByteArray("abcd"));
-        QCOMPARE(read.offset, qint64{8 + 2 * 4});
+        QCOMPARE(read.offset, qint64{8 + 8});
         QCOMPARE(read.samples, qint64{7}); // up to the second capture
         QCOMPARE(read.remarks.size(), 1);
     }

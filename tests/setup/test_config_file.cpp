@@ -585,7 +585,7 @@ void TestConfigFile::aHugeFileCountsAsOneWithoutASection()
     const bool isMeasured = forgetMostMemory();
     const qint64 before = mostMemory();
     QCOMPARE(loadConfig(file.fileName()).seed, seed);
-    QVERIFY(!isMeasured || isInstrumented || mostMemory() - before < 300 * 1024);
+    QVERIFY(!isMeasured || isInstrumented || mostMemory() - before < 300 * qint64{1024});
 }
 
 QTEST_GUILESS_MAIN(TestConfigFile)
