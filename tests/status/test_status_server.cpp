@@ -70,6 +70,7 @@ private slots:
     void secondClientTakesThePlaceOfTheFirst();
     void firstClientThatGoesTakesTheSecondAlong();
     void clientThatTakesNothingIsReadAgainOnceItHasTakenSome();
+    void clientIsReadUntilMoreThan256MiBWaitForIt();
     void formerClientsAreDroppedTheOldestFirst();
     void formerClientsThatLeaveMuchUnreadAreDropped();
     void clientThatTakesTheLastDescriptorsIsDropped();
@@ -83,6 +84,7 @@ private slots:
 private:
     std::unique_ptr<StatusClient> greetedClient();
     QList<QTcpSocket*> peers() const;
+    void makeBlocksOf(int samples);
     void makeBlocksOf64MiB();
 
     std::unique_ptr<QObject> owner;
@@ -128,13 +130,18 @@ QList<QTcpSocket*> TestStatusServer::peers() const
     return owner->findChildren<QTcpSocket*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-void TestStatusServer::makeBlocksOf64MiB()
+// Of 4 bytes and two floats a sample.
+void TestStatusServer::makeBlocksOf(int samples)
 {
-    constexpr int samples = 8388608; // of two floats each
     const QVector<double> zeros(samples);
     setup->signal.iSamples = zeros;
     setup->signal.qSamples = zeros;
     setup->signal.length = samples;
+}
+
+void TestStatusServer::makeBlocksOf64MiB()
+{
+    makeBlocksOf(8388608);
 }
 
 void TestStatusServer::clientIsGreetedAndReported()
@@ -356,6 +363,30 @@ void TestStatusServer::clientThatTakesNothingIsReadAgainOnceItHasTakenSome()
     const auto endOfReplies = [&] { return tail = (tail + client->socket.readAll()).right(8); };
     QTRY_COMPARE_WITH_TIMEOUT(endOfReplies(), hex(length131072), 60000);
     QCOMPARE(peer->bytesAvailable(), 0);
+}
+
+// How much the system's buffers take isn't known, so each block is made to fill what is left.
+void TestStatusServer::clientIsReadUntilMoreThan256MiBWaitForIt()
+{
+    constexpr qint64 bound = qint64{256} * 1048576;
+    const auto client = greetedClient();
+    client->socket.setReadBufferSize(1000);
+    const QTcpSocket* peer = peers().constFirst();
+    const QSignalSpy heard(peer, &QTcpSocket::readyRead);
+    const auto ask = [&](const char* request) {
+        const int before = heard.count();
+        client->send(request);
+        return QTest::qWaitFor([&] { return heard.count() > before; }, 30000);
+    };
+    for (qint64 left = bound; left >= 4; left = bound - peer->bytesToWrite()) {
+        makeBlocksOf(static_cast<int>(std::min<qint64>(left - 4, 67108864) / 8));
+        QVERIFY(ask("GetSymbol"));
+        QCOMPARE(peer->bytesAvailable(), 0);
+    }
+    QVERIFY(ask("GetSymbolRate")); // 8 bytes, of which less than 4 fit
+    QCOMPARE(peer->bytesAvailable(), 0);
+    QVERIFY(ask("GetSymbolRate"));
+    QCOMPARE(peer->bytesAvailable(), 13);
 }
 
 void TestStatusServer::formerClientsAreDroppedTheOldestFirst()
