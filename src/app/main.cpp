@@ -3,35 +3,20 @@
 #include "look/house_look.h"
 #include "look/steady_application.h"
 
-#include <csignal>
-
 #ifdef Q_OS_UNIX
 #include "base/dropping_output.h"
+#include "base/failed_writes.h"
 #include "base/standard_streams.h"
 #endif
-
-namespace {
-
-// A limit on the size of files is a failed write, a reader of the messages that went away a lost
-// line, and neither the end of the program.
-void outliveFailedWrites()
-{
-#ifdef Q_OS_UNIX
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
-    dropMessagesThatWait();
-#endif
-}
-
-} // namespace
 
 int main(int argc, char* argv[])
 {
 #ifdef Q_OS_UNIX
     holdClosedStandardStreams();
+    outliveFailedWrites();
+    dropMessagesThatWait();
 #endif
     returnFreedMemory();
-    outliveFailedWrites();
     prepareHouseLook();
     SteadyApplication application(argc, argv);
     applyHouseLook(application);

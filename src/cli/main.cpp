@@ -1,4 +1,5 @@
 // The bench without a window, see --help.
+#include "base/failed_writes.h"
 #include "base/freed_memory.h"
 #include "base/standard_streams.h"
 #include "base/stop_signals.h"
@@ -30,26 +31,17 @@ std::unique_ptr<QCoreApplication> makeApplication(int& argc, char** argv)
 int main(int argc, char* argv[])
 {
     holdClosedStandardStreams();
+    outliveFailedWrites(); // a reader of tables who has gone must not end a measurement
     returnFreedMemory();
-#ifdef SIGXFSZ
-    // A limit on the size of files is a failed write and not the end of the program.
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
-#ifdef SIGPIPE
-    // A reader of messages or tables who has gone must not end a measurement.
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
     const std::unique_ptr<QCoreApplication> application = makeApplication(argc, argv);
     QCoreApplication::setApplicationName("notchbench-cli");
     QLoggingCategory::setFilterRules("*.debug=false"); // messages are for people
     const StopSignals stop(StopSignals::Second::EndsTheProcess);
     Console console(stdout, stderr);
     const ExitStatus status = runProgram(QCoreApplication::arguments().mid(1), console, stop);
-#ifdef SIGPIPE
     if (status == ExitStatus::Done && console.hasLostReader()) { // the usual end before "| head"
         std::signal(SIGPIPE, SIG_DFL);
         std::raise(SIGPIPE);
     }
-#endif
     return static_cast<int>(status);
 }

@@ -1,3 +1,5 @@
+#include "base/dropping_output.h"
+#include "base/failed_writes.h"
 #include "base/freed_memory.h"
 #include "base/standard_streams.h"
 #include "base/stop_signals.h"
@@ -7,16 +9,12 @@
 
 #include <QTimer>
 
-#include <csignal>
-
 int main(int argc, char* argv[])
 {
     holdClosedStandardStreams();
+    outliveFailedWrites();
+    dropMessagesThatWait();
     returnFreedMemory();
-#ifdef SIGXFSZ
-    // A limit on the size of files is a failed write and not the end of the program.
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
     prepareHouseLook();
     SteadyApplication application(argc, argv);
     applyHouseLook(application);

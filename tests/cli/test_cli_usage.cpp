@@ -1,5 +1,6 @@
 // The built program: help, mistakes, the configuration it takes, and how it ends.
 #include "cli/cli_process.h"
+#include "kit/caught_signals.h"
 
 #include <QFile>
 #include <QtTest>
@@ -21,14 +22,6 @@ QString valueOf(const CliRun& run, const QString& row)
         }
     }
     return "no row";
-}
-
-bool catches(qint64 process, int signal)
-{
-    QFile state(QString("/proc/%1/status").arg(process));
-    const QByteArray text = state.open(QIODevice::ReadOnly) ? state.readAll() : QByteArray();
-    const QByteArray mask = text.mid(text.indexOf("SigCgt:") + 7).simplified().split(' ').value(0);
-    return ((mask.toULongLong(nullptr, 16) >> (signal - 1)) & 1U) != 0;
 }
 
 } // namespace

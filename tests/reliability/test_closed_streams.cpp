@@ -1,8 +1,13 @@
 // Programs that are started without standard input, output and error: no file and no socket of
-// theirs takes these numbers, where their messages would go.
+// theirs takes these numbers, where their messages would go. And windows whose messages lose their
+// reader.
+#include "kit/caught_signals.h"
+
 #include <QFileInfo>
 #include <QProcess>
 #include <QtTest>
+
+#include <csignal>
 
 namespace {
 
@@ -22,6 +27,7 @@ class TestClosedStreams : public QObject
 private slots:
     void theirNumbersAreHeld_data();
     void theirNumbersAreHeld();
+    void aReaderOfMessagesWhoHasGoneEndsNoWindow();
 };
 
 void TestClosedStreams::theirNumbersAreHeld_data()
@@ -46,6 +52,20 @@ void TestClosedStreams::theirNumbersAreHeld()
     }
     process.terminate();
     QVERIFY(process.waitForFinished(20000));
+}
+
+// The platform has said some lines before the window heeds what stops it.
+void TestClosedStreams::aReaderOfMessagesWhoHasGoneEndsNoWindow()
+{
+    QProcess process;
+    process.start(NOTCHBENCH_CURVES, QStringList());
+    process.closeReadChannel(QProcess::StandardError);
+    QVERIFY(process.waitForStarted());
+    QTRY_VERIFY_WITH_TIMEOUT(catches(process.processId(), SIGTERM), 20000);
+    process.terminate();
+    QVERIFY(process.waitForFinished(20000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestClosedStreams)
