@@ -256,10 +256,15 @@ bool areEnough(LineRange lines)
 }
 
 // Long enough for a shift of so many samples to leave most of it in place.
+bool holdsShift(qint64 stretch, int mostShift)
+{
+    return stretch >= qint64{16} * mostShift;
+}
+
 qint64 stretchFor(int mostShift)
 {
     qint64 stretch = usualStretch;
-    while (stretch < 16 * mostShift) {
+    while (!holdsShift(stretch, mostShift)) {
         stretch *= 2;
     }
     return stretch;
@@ -316,7 +321,7 @@ std::optional<MeasuredPeriod> measurePeriod(const SampleReader& reader, double s
     qint64 stretch = stretchFor(mostShift);
     const double room =
         static_cast<double>(reader.recording().samples - first) - nominal - mostShift - 1.0;
-    while (static_cast<double>(stretch) > room && stretch / 2 >= 16 * mostShift) {
+    while (static_cast<double>(stretch) > room && holdsShift(stretch / 2, mostShift)) {
         stretch /= 2;
     }
     const LineRange lines = linesWithin(band, sampleRate, stretch);
@@ -334,7 +339,7 @@ std::optional<double> clockErrorAgainst(const SignalPeriod& played, const Sample
         std::min(reader.recording().samples - first, 2 * qint64{played.i.size()});
     const int mostShift = static_cast<int>(std::ceil(mostError * static_cast<double>(samples))) + 2;
     qint64 stretch = stretchFor(mostShift);
-    while (stretch > samples / 2 && stretch / 2 >= 16 * mostShift) {
+    while (stretch > samples / 2 && holdsShift(stretch / 2, mostShift)) {
         stretch /= 2;
     }
     const FrequencyBand turns{band.low / sampleRate, band.high / sampleRate};

@@ -60,7 +60,7 @@ void LevelSums::addComponents(const double* values, qint64 count)
     if (!counts.empty()) {
         const int half = 1 << (type->integerBits - 1);
         for (qint64 k = 0; k < count; ++k) {
-            ++counts[static_cast<std::size_t>(static_cast<int>(values[k] * half) + half)];
+            ++counts[static_cast<std::size_t>(static_cast<qint64>(values[k] * half) + half)];
         }
     }
 }
