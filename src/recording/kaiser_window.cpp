@@ -29,9 +29,10 @@ double correlation(const std::vector<double>& window, double bins, int samples)
     for (int k = 0; k < length; ++k) {
         const double value = window[static_cast<std::size_t>(k)];
         squares += value * value;
-        if (k + samples < length) {
+        const std::size_t apart = static_cast<std::size_t>(k) + static_cast<std::size_t>(samples);
+        if (apart < window.size()) {
             const double turn = 2.0 * pi * bins * k / length;
-            sum += value * window[static_cast<std::size_t>(k + samples)] * std::polar(1.0, turn);
+            sum += value * window[apart] * std::polar(1.0, turn);
         }
     }
     return std::norm(sum / squares);

@@ -117,7 +117,7 @@ inline void stage(Rows rows, int size, Twiddles twiddles)
     for (int start = 0; start < rows.count; start += size) {
         for (int j = 0; j < quarter; ++j) {
             const std::ptrdiff_t at = std::ptrdiff_t{start + j} * lanes;
-            const int t = j * step;
+            const std::ptrdiff_t t = std::ptrdiff_t{j} * step;
             butterfly({rows.re + at,
                        rows.im + at,
                        std::ptrdiff_t{quarter} * lanes,
@@ -271,8 +271,9 @@ QVector<double> SomeLines::powers(const double* re, const double* im) const
 {
     Workspace workspace;
     const auto deal = [=](int group, double* rowsRe, double* rowsIm) {
-        takeLanes(re + group * lanes, rowsRe, shortPeriod);
-        takeLanes(im + group * lanes, rowsIm, shortPeriod);
+        const std::ptrdiff_t first = std::ptrdiff_t{group} * lanes;
+        takeLanes(re + first, rowsRe, shortPeriod);
+        takeLanes(im + first, rowsIm, shortPeriod);
     };
     return powers(deal, workspace);
 }

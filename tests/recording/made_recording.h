@@ -117,9 +117,9 @@ struct MadeSignal
 
 inline Wave repeated(const Wave& period, int first, int count)
 {
-    Wave samples;
-    for (int k = 0; k < count; ++k) {
-        samples.push_back(period[static_cast<std::size_t>(first + k) % period.size()]);
+    Wave samples(static_cast<std::size_t>(count));
+    for (std::size_t k = 0; k < samples.size(); ++k) {
+        samples[k] = period[(static_cast<std::size_t>(first) + k) % period.size()];
     }
     return samples;
 }

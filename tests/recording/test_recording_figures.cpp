@@ -188,8 +188,10 @@ void TestRecordingFigures::densitiesAreThoseOfAPlainLoop()
         for (int segment = 0; segment < segments; ++segment) {
             Complex sum;
             for (int k = 0; k < length; ++k) {
+                const std::size_t at =
+                    static_cast<std::size_t>(segment) * (length / 3) + static_cast<std::size_t>(k);
                 const int turn = static_cast<int>(qint64{bin} * k % length);
-                sum += wave[static_cast<std::size_t>(first + segment * (length / 3) + k)] *
+                sum += wave[static_cast<std::size_t>(first) + at] *
                        window[static_cast<std::size_t>(k)] *
                        std::polar(1.0, -twoPi * turn / length);
             }
@@ -204,6 +206,7 @@ void TestRecordingFigures::onlyHeapsAtTheEndsAreClipped()
 {
     const auto shareOf = [](const std::vector<int>& codes) {
         std::vector<double> re;
+        re.reserve(codes.size());
         for (const int code : codes) {
             re.push_back(code / 32768.0);
         }
