@@ -120,7 +120,7 @@ void curve(benchmark::State& state)
     Fastest script;
     while (state.KeepRunning()) {
         state.SetIterationTime(ours.add(secondsOf([] { measureCurve(5); })));
-        if (const double seconds = scriptSeconds()) {
+        if (const double seconds = scriptSeconds(); seconds > 0.0) {
             script.add(seconds);
         }
     }

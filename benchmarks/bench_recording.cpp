@@ -30,7 +30,7 @@ QString writeNoise(const QTemporaryDir& folder)
     for (float& value : block) {
         value = component(random);
     }
-    const auto blockBytes = static_cast<qint64>(block.size() * sizeof(float));
+    const auto blockBytes = static_cast<qint64>(block.size()) * qint64{sizeof(float)};
     QFile file(folder.filePath("noise.cf32"));
     file.open(QIODevice::WriteOnly);
     for (qint64 written = 0; written < bytes; written += blockBytes) {
@@ -92,7 +92,7 @@ void recording(benchmark::State& state)
     Fastest theirs;
     while (state.KeepRunning()) {
         state.SetIterationTime(ours.add(secondsOf([&reader] { analyze(reader); })));
-        if (const double seconds = scriptSeconds(path)) {
+        if (const double seconds = scriptSeconds(path); seconds > 0.0) {
             theirs.add(seconds);
         }
     }

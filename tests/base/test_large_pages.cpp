@@ -18,19 +18,20 @@ public:
     Memory()
         : reserved(mmap(nullptr, size + page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS,
                         -1, 0)),
-          first((reinterpret_cast<quint64>(reserved) + page - 1) & ~(page - 1))
+          before((page - reinterpret_cast<quint64>(reserved) % page) % page)
     {
-        munmap(at(size), reinterpret_cast<quint64>(reserved) + page - first); // no neighbour
+        munmap(at(size), page - before); // no neighbour
     }
-    ~Memory() { munmap(reserved, first - reinterpret_cast<quint64>(reserved) + size); }
+    ~Memory() { munmap(reserved, before + size); }
     Memory(const Memory&) = delete;
     Memory& operator=(const Memory&) = delete;
 
-    void* at(quint64 offset) const { return reinterpret_cast<void*>(first + offset); }
+    void* at(quint64 offset) const { return static_cast<char*>(reserved) + before + offset; }
 
     // Whether large pages are wanted for the byte at the offset.
     bool isMarked(quint64 offset) const
     {
+        const auto byte = reinterpret_cast<quint64>(at(offset));
         QFile maps(QStringLiteral("/proc/self/smaps"));
         bool isInside = false;
         for (const QByteArray& line :
@@ -40,7 +41,7 @@ public:
             const quint64 begin = range.split('-').first().toULongLong(&isRange, 16);
             if (isRange && range.contains('-')) {
                 const quint64 end = range.split('-').last().toULongLong(nullptr, 16);
-                isInside = begin <= first + offset && first + offset < end;
+                isInside = begin <= byte && byte < end;
             } else if (isInside && line.startsWith("VmFlags:")) {
                 return line.contains(" hg");
             }
@@ -50,7 +51,7 @@ public:
 
 private:
     void* reserved;
-    quint64 first;
+    quint64 before; // bytes of it
 };
 
 } // namespace
