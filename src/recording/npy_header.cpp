@@ -42,7 +42,7 @@ Head readHead(QFile& file)
     if (magic.size() < magicBytes || !magic.startsWith("\x93NUMPY")) {
         refuse(file.fileName(), QStringLiteral("it is no NumPy array"));
     }
-    const int version = magic.at(6);
+    const int version = static_cast<unsigned char>(magic.at(6));
     if (version < 1 || version > 3) {
         refuse(file.fileName(), QStringLiteral("version %1 of its form isn't known").arg(version));
     }

@@ -234,6 +234,7 @@ void TestRecordingFiles::defectsAreToldByName_data()
     row("npy: empty", "d.npy", {}, "no NumPy array");
     row("npy: rubbish", "d.npy", sixteen, "no NumPy array");
     row("npy: version 4", "d.npy", npy(npyHead("<c8", "8,"), sixteen, 4), "version 4");
+    row("npy: version 255", "d.npy", npy(npyHead("<c8", "8,"), sixteen, 255), "version 255 of");
     row("npy: cut in its head", "d.npy", npy(npyHead("<c8", "8,"), {}).left(40),
         "ends in its head");
     row("npy: huge head", "d.npy", QByteArray("\x93NUMPY\x02\x00\xff\xff\xff\x7f", 12), "claims");
