@@ -128,12 +128,10 @@ void TestMainWindowServer::loadedPortAndStartPortAreBothServed()
     operate = std::make_unique<WindowDriver>(*window);
     QCOMPARE(operate->text("port_input"), QString::number(port));
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    QCOMPARE(client.take(24).size(), 24);
+    QVERIFY(client.isGreetedAt(port));
     QVERIFY(client.isSilentBeforeIdentity());
     StatusClient other;
-    QVERIFY(other.connectTo(startPort));
-    QCOMPARE(other.take(24).size(), 24);
+    QVERIFY(other.isGreetedAt(startPort));
     QVERIFY(other.isSilentBeforeIdentity());
 }
 
@@ -146,8 +144,7 @@ void TestMainWindowServer::startPortIsNeitherShownNorSaved()
     operate = std::make_unique<WindowDriver>(*window);
     QCOMPARE(operate->text("port_input"), QStringLiteral("1000"));
     StatusClient client;
-    QVERIFY(client.connectTo(startPort));
-    QCOMPARE(client.take(24).size(), 24);
+    QVERIFY(client.isGreetedAt(startPort));
     cleanup();
     window = std::make_unique<MainWindow>(nullptr, startPort);
     operate = std::make_unique<WindowDriver>(*window);
@@ -166,8 +163,7 @@ void TestMainWindowServer::greetingComesUnasked()
 void TestMainWindowServer::newStateCarriesTheSamplesOnce()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     calculate64();
     const QByteArray reply = client.ask("GetNewState", 24 + 4 + 64 * 8);
     QCOMPARE(reply.left(28),
@@ -185,8 +181,7 @@ void TestMainWindowServer::newStateCarriesTheSamplesOnce()
 void TestMainWindowServer::changeBeforeThePollForgetsTheResult()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     calculate64();
     operate->type("nbw_srate_input", "0.9");
     QCOMPARE(client.ask("GetNewState", 8), hex(notNew));
@@ -197,8 +192,7 @@ void TestMainWindowServer::bigBlockArrivesWhole()
 {
     operate->pick("fft_length_input", 5); // 131072
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     operate->click("calc_fft_button");
     QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
     const QByteArray block = client.ask("GetSymbol", 1048580);
@@ -216,8 +210,7 @@ void TestMainWindowServer::bigBlockArrivesWhole()
 void TestMainWindowServer::splitRequestIsNotRecognised()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     const QSignalSpy reads(windowsEndOf(client), &QTcpSocket::readyRead);
     client.send("GetServ");
     QTRY_COMPARE(reads.count(), 1);
@@ -229,8 +222,7 @@ void TestMainWindowServer::splitRequestIsNotRecognised()
 void TestMainWindowServer::joinedRequestsGetOneReply()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     QCOMPARE(client.ask("GetServerIDGetNewState", 100).left(4), hex("04000000"));
     QVERIFY(client.isSilentBeforeIdentity());
     QCOMPARE(client.ask("GetSymbolRate\r\n", 8), hex(rate100MHz));
@@ -240,8 +232,7 @@ void TestMainWindowServer::joinedRequestsGetOneReply()
 void TestMainWindowServer::unknownTextKeepsTheConnection()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     const QSignalSpy reads(windowsEndOf(client), &QTcpSocket::readyRead);
     client.send("getserverid");
     QTRY_COMPARE(reads.count(), 1);
@@ -252,8 +243,7 @@ void TestMainWindowServer::unknownTextKeepsTheConnection()
 void TestMainWindowServer::hugeRequestKeepsTheWindowAlive()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     const QSignalSpy reads(windowsEndOf(client), &QTcpSocket::readyRead);
     client.send(QByteArray(8 * 1024 * 1024, 'x'));
     QTRY_VERIFY(reads.count() >= 10);
@@ -270,16 +260,14 @@ void TestMainWindowServer::disconnectionShowsOnTheScreen()
     client.socket.close();
     QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
     StatusClient next;
-    QVERIFY(next.connectTo(port));
-    QCOMPARE(next.take(24).size(), 24);
+    QVERIFY(next.isGreetedAt(port));
     QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
 }
 
 void TestMainWindowServer::slotsOfTheWindowReachTheServer()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     window->new_connection(); // nobody waits
     window->read_connection();
     QVERIFY(client.isSilentBeforeIdentity());
@@ -291,11 +279,9 @@ void TestMainWindowServer::slotsOfTheWindowReachTheServer()
 void TestMainWindowServer::secondClientTakesThePlaceOfTheFirst()
 {
     StatusClient first;
-    QVERIFY(first.connectTo(port));
-    first.take(24);
+    QVERIFY(first.isGreetedAt(port));
     StatusClient second;
-    QVERIFY(second.connectTo(port));
-    second.take(24);
+    QVERIFY(second.isGreetedAt(port));
     // What the first sends is read from the second's buffer, where nothing is.
     const QSignalSpy reads(windowsEndOf(first), &QTcpSocket::readyRead);
     first.send("GetServerID");
@@ -308,18 +294,15 @@ void TestMainWindowServer::secondClientTakesThePlaceOfTheFirst()
 void TestMainWindowServer::firstClientThatGoesTakesTheSecondAlong()
 {
     StatusClient first;
-    QVERIFY(first.connectTo(port));
-    first.take(24);
+    QVERIFY(first.isGreetedAt(port));
     StatusClient second;
-    QVERIFY(second.connectTo(port));
-    second.take(24);
+    QVERIFY(second.isGreetedAt(port));
     first.socket.close();
     QTRY_COMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
     QTRY_COMPARE(second.socket.state(), QTcpSocket::UnconnectedState);
     second.send("GetServerID");
     StatusClient third;
-    QVERIFY(third.connectTo(port));
-    QCOMPARE(third.take(24).size(), 24);
+    QVERIFY(third.isGreetedAt(port));
     QVERIFY(third.isSilentBeforeIdentity());
 }
 
@@ -343,8 +326,7 @@ void TestMainWindowServer::clientsThatComeAndGoLeaveNothingBehind()
 void TestMainWindowServer::clientStaysConnectedThroughAPortChange()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     const quint16 otherPort = freePort();
     const QPointer<QTcpServer> formerServer = window->findChildren<QTcpServer*>().constLast();
     QCOMPARE(formerServer->serverPort(), port);
@@ -353,8 +335,7 @@ void TestMainWindowServer::clientStaysConnectedThroughAPortChange()
     QVERIFY(client.isSilentBeforeIdentity());
     QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("connected"));
     StatusClient next;
-    QVERIFY(next.connectTo(otherPort));
-    QCOMPARE(next.take(24).size(), 24);
+    QVERIFY(next.isGreetedAt(otherPort));
 }
 
 void TestMainWindowServer::portInUseGoesUnnoticed()
@@ -365,8 +346,7 @@ void TestMainWindowServer::portInUseGoesUnnoticed()
     QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
     operate->type("port_input", QString::number(port));
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    QCOMPARE(client.take(24).size(), 24);
+    QVERIFY(client.isGreetedAt(port));
 }
 
 void TestMainWindowServer::clientInTheMiddleOfABlockMayVanish()
@@ -376,8 +356,7 @@ void TestMainWindowServer::clientInTheMiddleOfABlockMayVanish()
     QTRY_COMPARE_WITH_TIMEOUT(operate->text("fft_status_label"), QStringLiteral("Data valid"),
                               60000);
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     client.socket.setReadBufferSize(1000);
     client.send("GetSymbol");
     QTRY_VERIFY(windowsEndOf(client)->bytesToWrite() > 0);

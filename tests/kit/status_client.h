@@ -16,6 +16,9 @@ public:
         return QTest::qWaitFor([this] { return socket.state() == QTcpSocket::ConnectedState; });
     }
 
+    // Connects and takes the three records that the server sends unasked.
+    bool isGreetedAt(quint16 port) { return connectTo(port) && take(24).size() == 24; }
+
     void send(const QByteArray& request)
     {
         socket.write(request);

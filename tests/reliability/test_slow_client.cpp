@@ -105,8 +105,7 @@ bool TestSlowClient::askUntilUnheard(StatusClient& client)
 void TestSlowClient::clientThatNeverReadsStopsBeingHeard()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     QVERIFY(askUntilUnheard(client));
     QVERIFY(unsent() > mostUnsent);
     QVERIFY(unsent() <= mostUnsent + blockSize);
@@ -125,8 +124,7 @@ void TestSlowClient::clientThatNeverReadsStopsBeingHeard()
 void TestSlowClient::requestThatWaitedIsAnsweredOnceTheClientHasRead()
 {
     StatusClient client;
-    QVERIFY(client.connectTo(port));
-    client.take(24);
+    QVERIFY(client.isGreetedAt(port));
     QVERIFY(askUntilUnheard(client)); // the last request waits
     client.socket.setReadBufferSize(0);
     qint64 received = 0;
@@ -148,8 +146,7 @@ void TestSlowClient::manyClientsThatNeverReadAreBoundedTogether()
     std::vector<std::unique_ptr<StatusClient>> clients;
     for (int i = 0; i < 4; ++i) {
         clients.push_back(std::make_unique<StatusClient>());
-        QVERIFY(clients.back()->connectTo(port));
-        clients.back()->take(24);
+        QVERIFY(clients.back()->isGreetedAt(port));
         QVERIFY(askUntilUnheard(*clients.back()));
         QTRY_VERIFY(unsent() <= 2 * mostUnsent);
     }
@@ -159,14 +156,12 @@ void TestSlowClient::manyClientsThatNeverReadAreBoundedTogether()
 void TestSlowClient::formerClientThatReadsSlowlyIsLeftAlone()
 {
     StatusClient former;
-    QVERIFY(former.connectTo(port));
-    former.take(24);
+    QVERIFY(former.isGreetedAt(port));
     former.socket.setReadBufferSize(1000);
     former.send("GetSymbol");
     QTRY_VERIFY(unsent() > 0);
     StatusClient present;
-    QVERIFY(present.connectTo(port));
-    QCOMPARE(present.take(24).size(), 24);
+    QVERIFY(present.isGreetedAt(port));
     former.socket.setReadBufferSize(0);
     QCOMPARE(former.take(int(blockSize)).size(), int(blockSize));
 }
@@ -176,8 +171,7 @@ void TestSlowClient::manyOpenConnectionsLeaveDescriptorsFree()
     std::vector<std::unique_ptr<StatusClient>> clients;
     for (int i = 0; i < 200; ++i) {
         clients.push_back(std::make_unique<StatusClient>());
-        QVERIFY(clients.back()->connectTo(port));
-        QCOMPARE(clients.back()->take(24).size(), 24);
+        QVERIFY(clients.back()->isGreetedAt(port));
     }
     QTRY_VERIFY(peers().size() <= 33); // the present one and 32 before it
     QVERIFY(clients.back()->isSilentBeforeIdentity());

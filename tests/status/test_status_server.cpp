@@ -473,8 +473,7 @@ void TestStatusServer::aFormerServerThatStaysOpenIsServedToo()
     const auto newer = greetedClient();
     QVERIFY(newer->isSilentBeforeIdentity());
     StatusClient former;
-    QVERIFY(former.connectTo(formerPort));
-    QCOMPARE(former.take(24).size(), 24);
+    QVERIFY(former.isGreetedAt(formerPort));
     QVERIFY(former.isSilentBeforeIdentity());
 }
 
