@@ -95,7 +95,7 @@ void TestRs232Dialog::aRowStoresItsValue_data()
     QTest::addColumn<QByteArray>("box");
     QTest::addColumn<int>("row");
     QTest::addColumn<QList<int>>("stored"); // baud, data, parity, stop, flow control
-    const auto row = [](const char* name, const char* box, int number, QList<int> stored) {
+    const auto row = [](const char* name, const char* box, int number, const QList<int>& stored) {
         QTest::newRow(name) << QByteArray(box) << number << stored;
     };
     row("75 baud", "baud", 0, {75, 8, 0, 1, 0});
