@@ -84,6 +84,7 @@ private slots:
 private:
     std::unique_ptr<StatusClient> greetedClient();
     QList<QTcpSocket*> peers() const;
+    void hearOfClientsBeforeTheyAreTaken();
     void makeBlocksOf(int samples);
     void makeBlocksOf64MiB();
 
@@ -128,6 +129,14 @@ std::unique_ptr<StatusClient> TestStatusServer::greetedClient()
 QList<QTcpSocket*> TestStatusServer::peers() const
 {
     return owner->findChildren<QTcpSocket*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+// Of their first bytes, which the socket then holds and tells of no more.
+void TestStatusServer::hearOfClientsBeforeTheyAreTaken()
+{
+    const auto* listening = owner->findChild<QTcpServer*>();
+    connect(listening, &QTcpServer::newConnection, this,
+            [listening] { QVERIFY(listening->findChild<QTcpSocket*>()->waitForReadyRead(5000)); });
 }
 
 // Of 4 bytes and two floats a sample.
@@ -233,6 +242,7 @@ void TestStatusServer::unreadBytesOfAClientAreBounded()
 
 void TestStatusServer::requestSentBeforeTheGreetingIsAnswered()
 {
+    hearOfClientsBeforeTheyAreTaken();
     StatusClient client;
     client.socket.connectToHost(QStringLiteral("127.0.0.1"), server->port());
     QVERIFY(client.socket.waitForConnected(5000)); // the server has not had its turn
@@ -244,6 +254,7 @@ void TestStatusServer::requestSentBeforeTheGreetingIsAnswered()
 
 void TestStatusServer::evenOneByteSentBeforeTheGreetingIsRead()
 {
+    hearOfClientsBeforeTheyAreTaken();
     StatusClient client;
     client.socket.connectToHost(QStringLiteral("127.0.0.1"), server->port());
     QVERIFY(client.socket.waitForConnected(5000)); // the server has not had its turn
