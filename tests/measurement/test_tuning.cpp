@@ -11,6 +11,32 @@
 #include <map>
 #include <memory>
 
+namespace {
+
+// A record whose analyzer is connected to a device.
+struct ConnectedAnalyzer
+{
+    explicit ConnectedAnalyzer(double frequency = 0.0)
+    {
+        device.answer("*IDN?", "an analyzer\n");
+        setup.analyzer.frequency = frequency;
+        setup.analyzer.init();
+        device.takeReceivedUpTo("&GTL\n");
+    }
+
+    QByteArray sentForNotch(int number)
+    {
+        setup.measureNotch = number;
+        setup.tuneAnalyzerToNotch();
+        return device.takeReceivedUpTo("&GTL\n");
+    }
+
+    ScriptedInstrument device;
+    MeasurementSetup setup;
+};
+
+} // namespace
+
 class TestTuning : public QObject
 {
     Q_OBJECT
@@ -40,18 +66,11 @@ private:
 
 void TestTuning::anUpperNotchIsMeasuredFromBelow()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
-    MeasurementSetup setup;
-    setup.notches->insert(1, notchAt(-20e6, 1e6));
-    setup.notches->insert(2, notchAt(10e6, 2e6));
-    setup.analyzer.frequency = 1e9;
-    setup.analyzer.init();
-    device.takeReceivedUpTo("&GTL\n");
-    setup.measureNotch = 2;
-    setup.tuneAnalyzerToNotch();
+    ConnectedAnalyzer bench(1e9);
+    bench.setup.notches->insert(1, notchAt(-20e6, 1e6));
+    bench.setup.notches->insert(2, notchAt(10e6, 2e6));
     // 1e9 + 10e6 - 1.2 * 2e6; 3.5 * 2e6; 0.75 * 2e6; 1.2 * 2e6
-    QCOMPARE(device.takeReceivedUpTo("&GTL\n"),
+    QCOMPARE(bench.sentForNotch(2),
              QByteArray("FREQ:CENT 1007600000.00000000000\nFREQ:SPAN 7000000.00000000000\n"
                         "POW:ACH:BWID 1500000.00000000000\n"
                         "POW:ACH:BWID:ACH 1500000.00000000000\n"
@@ -62,29 +81,16 @@ void TestTuning::anUpperNotchIsMeasuredFromBelow()
 
 void TestTuning::aLowerNotchIsMeasuredFromAbove()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
-    MeasurementSetup setup;
-    setup.notches->insert(1, notchAt(-10e6, 2e6));
-    setup.analyzer.frequency = 1e9;
-    setup.analyzer.init();
-    device.takeReceivedUpTo("&GTL\n");
-    setup.measureNotch = 1;
-    setup.tuneAnalyzerToNotch();
-    QVERIFY(device.takeReceivedUpTo("&GTL\n").startsWith("FREQ:CENT 992400000.00000000000\n"));
+    ConnectedAnalyzer bench(1e9);
+    bench.setup.notches->insert(1, notchAt(-10e6, 2e6));
+    QVERIFY(bench.sentForNotch(1).startsWith("FREQ:CENT 992400000.00000000000\n"));
 }
 
 void TestTuning::aNotchInTheMiddleCountsAsUpper()
 {
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
-    MeasurementSetup setup;
-    setup.notches->insert(1, notchAt(0.0, 1e6));
-    setup.analyzer.init();
-    device.takeReceivedUpTo("&GTL\n");
-    setup.measureNotch = 1;
-    setup.tuneAnalyzerToNotch();
-    QVERIFY(device.takeReceivedUpTo("&GTL\n").startsWith("FREQ:CENT -1200000.00000000000\n"));
+    ConnectedAnalyzer bench;
+    bench.setup.notches->insert(1, notchAt(0.0, 1e6));
+    QVERIFY(bench.sentForNotch(1).startsWith("FREQ:CENT -1200000.00000000000\n"));
 }
 
 void TestTuning::withoutANotchNothingIsSent_data()
@@ -98,16 +104,12 @@ void TestTuning::withoutANotchNothingIsSent_data()
 void TestTuning::withoutANotchNothingIsSent()
 {
     QFETCH(int, number);
-    ScriptedInstrument device;
-    device.answer("*IDN?", "an analyzer\n");
-    MeasurementSetup setup;
-    setup.notches->insert(1, notchAt(0.0, 1e6));
-    setup.analyzer.init();
-    device.takeReceivedUpTo("&GTL\n");
-    setup.measureNotch = number;
-    setup.tuneAnalyzerToNotch();
-    setup.analyzer.commands()->send("end");
-    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
+    ConnectedAnalyzer bench;
+    bench.setup.notches->insert(1, notchAt(0.0, 1e6));
+    bench.setup.measureNotch = number;
+    bench.setup.tuneAnalyzerToNotch();
+    bench.setup.analyzer.commands()->send("end");
+    QCOMPARE(bench.device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
 }
 
 void TestTuning::withoutAnAnalyzerItIsSaid()
