@@ -343,8 +343,10 @@ void TestInstrumentConnection::copiesShareTheConnection()
     analyzer.init();
     device.takeReceivedUpTo("&GTL\n");
     Analyzer copy = analyzer;
+    copy.span = 5e6; // settings are each copy's own
     copy.setup();
-    QVERIFY(device.takeReceivedUpTo("&GTL\n").contains("FREQ:SPAN"));
+    QVERIFY(device.takeReceivedUpTo("&GTL\n").contains("FREQ:SPAN 5000000.0"));
+    QCOMPARE(analyzer.span, Analyzer().span);
     QCOMPARE(device.connectionCount(), 1);
 }
 
