@@ -213,6 +213,7 @@ void TestWorkerThreads::manyMayAskAtOnce()
     std::atomic<int> done{0};
     std::atomic<int> refused{0};
     std::vector<std::thread> threads;
+    threads.reserve(askers);
     for (int asker = 0; asker < askers; ++asker) {
         threads.emplace_back([&] {
             for (int i = 0; i < each; ++i) {

@@ -109,6 +109,7 @@ void TestInstrumentLink::oneTalksAtATimeHoweverManyThreadsAsk()
     int conversations = 0;
     std::atomic<bool> overlap{false};
     std::vector<std::thread> threads;
+    threads.reserve(8);
     for (int i = 0; i < 8; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 500; ++round) {
@@ -182,6 +183,7 @@ void TestInstrumentLink::aThreadThatWaitsIsSentAwayByTheRetirement()
     const LinkTurn first = link->takeTurn();
     std::atomic<int> refused{0};
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] { refused += link->takeTurn() ? 0 : 1; });
     }
