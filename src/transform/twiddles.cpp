@@ -78,6 +78,7 @@ std::vector<std::vector<Stretch>> findStretches(const Element* rotations, quint6
     const quint64 pairs = (quint64{1} << stages) / 2;
     std::vector<std::vector<Stretch>> places(parts, std::vector<Stretch>(2 * pairs - 1));
     std::vector<Stretch> walks;
+    walks.reserve(stages);
     for (quint64 stage = 0; stage < stages; ++stage) {
         walks.push_back({Element(1.0, 0.0), rotations[stage]});
     }
