@@ -2,14 +2,20 @@
 // while they have the focus.
 #include "look/house_look.h"
 
+#include "kit/contrast.h"
+#include "look/house_style.h"
+
 #include <QApplication>
 #include <QComboBox>
+#include <QFileDialog>
+#include <QHeaderView>
 #include <QIcon>
 #include <QLineEdit>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QStyle>
+#include <QTreeView>
 #include <QVBoxLayout>
 #include <QtTest>
 
@@ -70,6 +76,9 @@ private slots:
     void theWheelOverAnInputScrollsWhatIsAround();
     void theWheelGivesNoFocus();
     void theWheelTurnsTheInputWithTheFocus();
+    void theListOfAChoiceShowsAllItsRows();
+    void theHintOfAChoiceIsPalerThanItsText();
+    void theHeaderOfAFileDialogCanBeRead();
 
 private:
     std::unique_ptr<ScrolledForm> form;
@@ -157,6 +166,57 @@ void TestHouseLook::theWheelTurnsTheInputWithTheFocus()
     form->choice->setFocus();
     turnWheelOver(*form->choice, -120);
     QCOMPARE(form->choice->currentIndex(), 2);
+}
+
+void TestHouseLook::theListOfAChoiceShowsAllItsRows()
+{
+    QWidget window;
+    window.setStyleSheet(houseStyleSheet());
+    QComboBox choice(&window);
+    choice.addItems({"linear", "rapp", "soft", "saleh", "cubic", "adc"});
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    choice.showPopup();
+    const QAbstractItemView& list = *choice.view();
+    QTRY_VERIFY(list.isVisible());
+    QCOMPARE(list.visualRect(list.model()->index(0, 0)).top(), 0);
+    QVERIFY(list.visualRect(list.model()->index(5, 0)).bottom() < list.viewport()->height());
+    choice.hidePopup();
+}
+
+void TestHouseLook::theHintOfAChoiceIsPalerThanItsText()
+{
+    QWidget window;
+    window.setStyleSheet(houseStyleSheet());
+    QComboBox choice(&window);
+    choice.setEditable(true);
+    choice.resize(120, 24);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    choice.clearFocus(); // the cursor is as dark as a text
+    const QLineEdit& line = *choice.lineEdit();
+    const auto inkOf = [&](const QString& hint, const QString& text) {
+        choice.lineEdit()->setPlaceholderText(hint);
+        choice.setEditText(text);
+        return EnlargedWindow(window).textContrast(line, line.rect().adjusted(1, 1, -1, -1));
+    };
+    const double hint = inkOf("none", {});
+    QVERIFY(hint > 4.5); // it can be read
+    QVERIFY(hint < 0.5 * inkOf({}, "none"));
+}
+
+void TestHouseLook::theHeaderOfAFileDialogCanBeRead()
+{
+    QFileDialog dialog;
+    dialog.setOption(QFileDialog::DontUseNativeDialog);
+    dialog.setStyleSheet(houseStyleSheet());
+    dialog.setViewMode(QFileDialog::Detail);
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    const QHeaderView& header = *dialog.findChild<QTreeView*>("treeView")->header();
+    QVERIFY(header.isVisible());
+    const QRect name(20, 1, 40, header.height() - 2); // without the arrow that tells the order
+    QVERIFY(EnlargedWindow(dialog).textContrast(*header.viewport(), name) > 4.5);
 }
 
 int main(int argc, char* argv[])
