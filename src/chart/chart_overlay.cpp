@@ -1,5 +1,6 @@
 #include "chart/chart_overlay.h"
 
+#include "chart/chart_ratios.h"
 #include "chart/chart_style.h"
 #include "chart/chart_texts.h"
 
@@ -59,6 +60,9 @@ QVector<Entry> otherEntries(const NprChartData& data)
         constexpr double height = 14.0; // pixels
         entries.append({bandText(), ChartStyle::bandSample(height), -1});
     }
+    if (hasArrows(data)) {
+        entries.append({arrowText(), Qt::NoPen, -1});
+    }
     return entries;
 }
 
@@ -103,6 +107,7 @@ public:
     }
 
     void addMarks();
+    void addArrows();
     void addThreshold(double threshold);
     void addLimit(double limit);
     void addPeaks();
@@ -111,6 +116,8 @@ public:
 private:
     double markSize() const { return 0.45 * place.text; }
     double barDistance() const { return 0.35 * place.text; }
+    bool isBeyond(const QPointF& value) const;
+    QPointF within(const QPointF& position) const;
     QLineF extent(const ChartRange& range) const;
     void addPath(const QPainterPath& path, const QPointF& at, const QPen& pen, const QBrush& brush);
     void addSegment(const QPointF& from, const QPointF& to, const QPen& pen);
@@ -170,9 +177,36 @@ void Painter::addMarks()
         const QVector<ChartPoint>& points = data.lines.at(i).points;
         const int every = std::max(1, (points.size() + mostMarks - 1) / mostMarks);
         for (int k = 0; k < points.size(); k += every) {
-            if (points.at(k).npr) {
+            const ChartPoint& point = points.at(k);
+            if (point.npr && !isBeyond({point.level, *point.npr})) {
                 addPath(ChartStyle::markShape(i, markSize()),
-                        place.positionOf({points.at(k).level, *points.at(k).npr}), Qt::NoPen,
+                        place.positionOf({point.level, *point.npr}), Qt::NoPen,
+                        ChartStyle::lineColour(i));
+            }
+        }
+    }
+}
+
+bool Painter::isBeyond(const QPointF& value) const
+{
+    const double y = place.positionOf(value).y();
+    return !isCredible(value.y()) && (y < place.plot.top() || y > place.plot.bottom());
+}
+
+QPointF Painter::within(const QPointF& position) const
+{
+    return {position.x(), std::clamp(position.y(), place.plot.top(), place.plot.bottom())};
+}
+
+// One for each reading: there are few.
+void Painter::addArrows()
+{
+    for (int i = 0; i < data.lines.size(); ++i) {
+        for (const ChartPoint& point : data.lines.at(i).points) {
+            if (point.npr && isBeyond({point.level, *point.npr})) {
+                const QPointF tip = within(place.positionOf({point.level, *point.npr}));
+                const bool isUp = tip.y() < place.plot.center().y();
+                addPath(edgeArrow(tip, isUp, 0.7 * place.text), {}, Qt::NoPen,
                         ChartStyle::lineColour(i));
             }
         }
@@ -238,7 +272,7 @@ void Painter::addPeaks()
     const QPointF* highest = nullptr;
     for (int i = 0; i < data.lines.size(); ++i) {
         const std::optional<QPointF>& peak = data.lines.at(i).peak;
-        if (!peak) {
+        if (!peak || isBeyond(*peak)) {
             continue;
         }
         QPen pen = ChartStyle::linePen(i);
@@ -298,6 +332,7 @@ void fillOverlay(QGraphicsItemGroup& group, const NprChartData& data, const Over
 {
     Painter painter(group, data, place);
     painter.addMarks();
+    painter.addArrows();
     for (const double threshold : data.thresholds) {
         painter.addThreshold(threshold);
     }

@@ -122,6 +122,11 @@ QString bandText()
     return QStringLiteral("scatter to be expected, %1 one sigma").arg(QChar(0x00B1));
 }
 
+QString arrowText()
+{
+    return QString(QChar(0x25b2)) + QChar(0x25bc) + QStringLiteral(" reading beyond the axis");
+}
+
 QString moreText(int lines)
 {
     return QStringLiteral("and %1 more").arg(lines);

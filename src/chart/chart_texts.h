@@ -16,5 +16,7 @@ QString legendText(const ChartLine& line, const QString& unit);
 QString thresholdText(double threshold, const QVector<ChartLine>& lines, const QString& unit);
 QString limitText(double limit);
 QString bandText();
+// Of the arrows at the edge, with one of each kind.
+QString arrowText();
 // Of so many lines that the legend has no room for.
 QString moreText(int lines);

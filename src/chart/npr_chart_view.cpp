@@ -1,6 +1,7 @@
 #include "chart/npr_chart_view.h"
 
 #include "chart/chart_overlay.h"
+#include "chart/chart_ratios.h"
 #include "chart/chart_scale.h"
 #include "chart/chart_style.h"
 #include "chart/chart_texts.h"
@@ -42,18 +43,7 @@ QVector<double> levelsOf(const NprChartData& data)
 // Theory may go where nothing was measured; it counts where it is all there is.
 QVector<double> ratiosOf(const NprChartData& data)
 {
-    QVector<double> ratios;
-    for (const ChartLine& line : data.lines) {
-        for (const ChartPoint& point : line.points) {
-            if (point.npr) {
-                ratios << *point.npr + point.sigma.value_or(0.0)
-                       << *point.npr - point.sigma.value_or(0.0);
-            }
-        }
-        if (line.peak) {
-            ratios << line.peak->y();
-        }
-    }
+    QVector<double> ratios = ratiosToHold(measuredRatios(data));
     for (const ChartTheory& theory : data.theories) {
         for (const QPointF& point : theory.points) {
             if (data.lines.isEmpty()) {

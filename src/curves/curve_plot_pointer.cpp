@@ -200,7 +200,7 @@ void CurvePlot::paintCursor(QPainter& painter) const
     for (const PlotPoint& point : line.points) {
         course << now.positionOf(point.value);
     }
-    const QPointF at = course.at(place.point);
+    const QPointF at = seenPosition(line.points.at(place.point).value, now);
     painter.save();
     painter.setClipRect(now.area);
     painter.setPen(QPen(line.colour, 3.0));

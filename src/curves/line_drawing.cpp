@@ -1,5 +1,7 @@
 #include "curves/line_drawing.h"
 
+#include "chart/chart_ratios.h"
+
 #include <QPainter>
 
 #include <algorithm>
@@ -11,6 +13,7 @@ namespace {
 constexpr double thin = 1.0; // wider ones take several times as long to draw
 constexpr double strong = 2.0;
 constexpr double dot = 3.0;
+constexpr double arrow = 8.0;
 constexpr int stripWidth = 32; // narrow: a strip of a steep line is mostly empty
 
 bool hasBand(const PlotLine& line)
@@ -35,6 +38,23 @@ QPolygonF courseOf(const PlotLine& line, const PlotFrame& frame, double sigmas)
         course << frame.positionOf(point.value + QPointF(0.0, away));
     }
     return course;
+}
+
+// Of the tips of arrows.
+QVector<QPointF> tipsOf(const PlotLine& line, const PlotFrame& frame)
+{
+    QVector<QPointF> tips;
+    for (const PlotPoint& point : line.points) {
+        if (line.kind == PlotLine::Kind::Measured && isAtEdge(point.value, frame.span)) {
+            tips << seenPosition(point.value, frame);
+        }
+    }
+    return tips;
+}
+
+QPainterPath arrowAt(const QPointF& tip, const PlotFrame& frame, double density)
+{
+    return edgeArrow(tip, tip.y() < frame.area.center().y(), arrow * density);
 }
 
 struct Extent
@@ -102,6 +122,9 @@ void drawLine(QPainter& painter, const PlotLine& line, const PlotFrame& frame, d
         painter.drawEllipse(course.constFirst(), dot * density, dot * density);
         painter.setBrush(Qt::NoBrush);
     }
+    for (const QPointF& tip : tipsOf(line, frame)) {
+        painter.fillPath(arrowAt(tip, frame, density), line.colour);
+    }
 }
 
 QVector<QRect> stripsOf(const PlotLine& line, const PlotFrame& frame, double density)
@@ -111,6 +134,13 @@ QVector<QRect> stripsOf(const PlotLine& line, const PlotFrame& frame, double den
     QVector<Extent> extents((area.width() + stripWidth - 1) / stripWidth);
     for (const double sigmas : hasBand(line) ? QVector<double>{1.0, -1.0} : QVector<double>{0.0}) {
         include(courseOf(line, frame, sigmas), area.left(), around, extents);
+    }
+    for (const QPointF& tip : tipsOf(line, frame)) {
+        const QRectF box = arrowAt(tip, frame, density).boundingRect();
+        for (const double x : {box.left(), box.right()}) {
+            include(QVector<QPointF>{{x, box.top()}, {x, box.bottom()}}, area.left(), around,
+                    extents);
+        }
     }
     QVector<QRect> strips;
     for (int k = 0; k < extents.size(); ++k) {

@@ -2,6 +2,7 @@
 
 #include "curves/result_texts.h"
 
+#include "chart/chart_ratios.h"
 #include "chart/chart_scale.h"
 #include "chart/chart_style.h"
 #include "chart/chart_texts.h"
@@ -91,29 +92,43 @@ struct Ends
     double high = -std::numeric_limits<double>::infinity();
 };
 
+// Those of the ratios to hold, as ratiosToHold() has them, without a list of all.
+class RatioEnds
+{
+public:
+    void include(double ratio) { (isCredible(ratio) ? credible : others).include(ratio); }
+    QVector<double> values() const
+    {
+        return credible.values().isEmpty() ? others.values() : credible.values();
+    }
+
+private:
+    Ends credible;
+    Ends others;
+};
+
 // Theory may go where nothing was measured, and doesn't widen the ratios.
 PlotSpan spanAround(const PlotContent& content)
 {
     Ends x;
-    Ends y;
-    for (const double threshold : content.thresholds) {
-        y.include(threshold);
-    }
-    if (content.limit) {
-        y.include(*content.limit);
-    }
+    RatioEnds y;
     for (const PlotLine& line : content.lines) {
         for (const PlotPoint& point : line.isShown ? line.points : QVector<PlotPoint>()) {
             x.include(point.value.x());
             if (line.kind == PlotLine::Kind::Measured) {
                 const double sigma = line.isChosen ? point.sigma.value_or(0.0) : 0.0;
-                y.include(point.value.y() - sigma);
-                y.include(point.value.y() + sigma);
+                for (const double end : {-sigma, 0.0, sigma}) {
+                    y.include(point.value.y() + end);
+                }
             }
         }
     }
+    QVector<double> ratios = y.values() + content.thresholds;
+    if (content.limit) {
+        ratios << *content.limit;
+    }
     const ChartScale across = scaleWithin(x.values(), ticks);
-    const ChartScale up = scaleAround(y.values(), ticks);
+    const ChartScale up = scaleAround(ratios, ticks);
     return {across.low, across.high, up.low, up.high};
 }
 
@@ -268,7 +283,8 @@ PlotContent contentOverLevel(const QVector<ShownResult>& results, const PlotChoi
 PlotContent contentOverFrequency(const QVector<ShownResult>& results, const PlotChoice& choice)
 {
     PlotContent content;
-    content.xTitle = QStringLiteral("Centre of the notch, from the carrier / MHz");
+    content.xTitle = QStringLiteral(
+        "Centre of the notch, from the carrier / MHz; blue: lowest level, red: highest");
     content.yTitle = QStringLiteral("NPR / dB");
     for (const ShownResult& result : results) {
         PlotLine pattern = patternOf(result, choice);

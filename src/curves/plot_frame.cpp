@@ -1,5 +1,6 @@
 #include "curves/plot_frame.h"
 
+#include "chart/chart_ratios.h"
 #include "chart/chart_scale.h"
 
 #include <algorithm>
@@ -46,6 +47,20 @@ PlotSpan PlotFrame::moved(double right, double up) const
     const double x = right * (span.xHigh - span.xLow);
     const double y = up * (span.yHigh - span.yLow);
     return {span.xLow + x, span.xHigh + x, span.yLow + y, span.yHigh + y};
+}
+
+bool isAtEdge(const QPointF& value, const PlotSpan& span)
+{
+    return !isCredible(value.y()) && (value.y() < span.yLow || value.y() > span.yHigh);
+}
+
+QPointF seenPosition(const QPointF& value, const PlotFrame& frame)
+{
+    const QPointF position = frame.positionOf(value);
+    const QRectF& area = frame.area;
+    return isAtEdge(value, frame.span)
+               ? QPointF(position.x(), std::clamp(position.y(), area.top(), area.bottom()))
+               : position;
 }
 
 bool isUseful(const PlotSpan& span)

@@ -31,6 +31,11 @@ struct PlotFrame
     PlotSpan moved(double right, double up) const;
 };
 
+// Where a value is seen: at the edge when it lies beyond the span and is no ratio that a bench can
+// read.
+bool isAtEdge(const QPointF& value, const PlotSpan& span);
+QPointF seenPosition(const QPointF& value, const PlotFrame& frame);
+
 // Neither so narrow that numbers don't tell its ends apart nor turned around.
 bool isUseful(const PlotSpan& span);
 

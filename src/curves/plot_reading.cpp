@@ -39,9 +39,10 @@ Nearest nearestOn(int index, const QPointF& position, const PlotContent& content
     QPointF before = frame.positionOf(points.constFirst().value);
     for (int k = 0; k < points.size(); ++k) {
         const QPointF here = frame.positionOf(points.at(k).value);
-        nearest.distance = std::min(nearest.distance, distance(position, before, here));
-        if (lengthOf(position - here) < nearestPoint) {
-            nearestPoint = lengthOf(position - here);
+        const double away = lengthOf(position - seenPosition(points.at(k).value, frame));
+        nearest.distance = std::min({nearest.distance, distance(position, before, here), away});
+        if (away < nearestPoint) {
+            nearestPoint = away;
             nearest.place = {index, k};
         }
         before = here;

@@ -116,6 +116,7 @@ private slots:
     void theRangeIsMarkedFromEndToEnd();
     void marksOfRangesStayWithinThePlot();
     void aMissingRatioInterruptsTheLine();
+    void aReadingThatNoBenchMakesLeavesTheAxisAlone();
     void theoryIsDashed();
     void thePeakIsRinged();
     void theLegendIsNotCut();
@@ -200,6 +201,28 @@ void TestNprChart::aMissingRatioInterruptsTheLine()
     QVERIFY(!hasColourNear(image, chart.at(-13, 34), ChartStyle::lineColour(0)));
     QVERIFY(hasColourNear(image, chart.at(-17.5, 25.0 + 0.0), ChartStyle::lineColour(0), 6));
     QVERIFY(hasColourNear(image, chart.at(-5, 50), ChartStyle::lineColour(0)));
+}
+
+void TestNprChart::aReadingThatNoBenchMakesLeavesTheAxisAlone()
+{
+    NprChartData data = tent();
+    data.lines[0].points[10].npr = -157.0; // -10 dBm
+    data.lines[0].points[30].npr = 190.0;
+    data.lines[0].peak = QPointF(10.0, 190.0);
+    const ShownChart chart(data);
+    const ShownChart usual(tent());
+    const auto height = [](const ShownChart& its) { return its.at(0, 20).y() - its.at(0, 60).y(); };
+    QVERIFY(height(chart) > 0.9 * height(usual)); // the legend may have a row more
+    const QImage image = chartImage(data);
+    const QColor line = ChartStyle::lineColour(0);
+    // From 17 to 63 dB with the band: the axis goes from 10 to 70 dB, and half a step beyond.
+    QVERIFY(hasColourNear(image, chart.at(-10, 10) - QPoint(0, 10), line, 1));
+    QVERIFY(hasColourNear(image, chart.at(10, 75) + QPoint(0, 10), line, 1));
+    const QString file = folder->filePath("beyond.svg");
+    QVERIFY(saveChart(data, file));
+    QVERIFY(textsOfSvg(file).contains("reading beyond the axis"));
+    QVERIFY(saveChart(tent(), file));
+    QVERIFY(!textsOfSvg(file).contains("reading beyond the axis"));
 }
 
 void TestNprChart::theoryIsDashed()

@@ -44,6 +44,8 @@ QVector<PlotLine> manyLines()
                             lineOf(5, {{-38.0, 58.0}, {-37.9, 31.0}, {-1.0, 59.9}}, true, 3.0)};
     lines << lineOf(6, waves);
     lines.last().kind = PlotLine::Kind::Theory;
+    lines << lineOf(7, {{-35.0, 45.0}, {-34.5, -157.0}, {-5.0, 50.0}, {-0.1, 300.0}}, true);
+    lines << lineOf(8, {{-25.0, -157.0}});
     return lines;
 }
 
@@ -114,6 +116,7 @@ private slots:
     void aChangedLineIsDrawnAnew();
     void aLineThatIsNoMoreIsForgotten();
     void aLineOfOnePointIsSeen();
+    void aReadingBeyondTheAxisIsAnArrowAtTheEdge();
     void linesForWhichThereIsNoRoomAreDrawn();
     void axesThatAreLargerThanThePictureAreCutOff();
     void axesBesideThePictureAndNoneAtAllPaintNothing();
@@ -177,6 +180,26 @@ void TestLinePictures::aLineOfOnePointIsSeen()
     const PlotLine line = lineOf(1, {{-20.0, 45.0}});
     const QPoint at = frame.positionOf({-20.0, 45.0}).toPoint();
     QCOMPARE(painted(pictures, {line}).pixelColor(at), QColor(Qt::blue));
+}
+
+void TestLinePictures::aReadingBeyondTheAxisIsAnArrowAtTheEdge()
+{
+    LinePictures pictures;
+    const QImage picture =
+        painted(pictures, {lineOf(1, {{-30.0, -157.0}}), lineOf(2, {{-10.0, 170.0}})});
+    const int low = qRound(frame.positionOf({-30.0, 0.0}).x());
+    const int bottom = qRound(frame.area.bottom());
+    QCOMPARE(picture.pixelColor(low, bottom - 5), QColor(Qt::blue));
+    QCOMPARE(picture.pixelColor(low - 2, bottom - 7), QColor(Qt::blue)); // wide at its back
+    QCOMPARE(picture.pixelColor(low - 3, bottom - 2), QColor(Qt::white));
+    QCOMPARE(picture.pixelColor(low, bottom - 11), QColor(Qt::white));
+    const int high = qRound(frame.positionOf({-10.0, 0.0}).x());
+    const int top = qRound(frame.area.top());
+    QCOMPARE(picture.pixelColor(high, top + 5), QColor(Qt::darkGreen));
+    QCOMPARE(picture.pixelColor(high, top + 11), QColor(Qt::white));
+    // Below the axis, but a ratio that a bench can read: whoever zoomed knows.
+    const PlotLine usual = lineOf(1, {{-20.0, 20.0}});
+    QCOMPARE(painted(pictures, {usual}), emptyPicture());
 }
 
 // Bands over all of the axes' rectangle, of 71827 pixels each; 8 million are kept.

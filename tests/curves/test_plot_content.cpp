@@ -30,6 +30,9 @@ private slots:
     void twentyResultsAreToldApartOnWhite();
     void hiddenNotchesAndResultsStayInTheListAndOutOfSight();
     void theSpanHoldsWhatIsShown();
+    void aRatioThatNoBenchReadsDoesNotWidenTheAxis();
+    void aRatioThatNoBenchReadsIsHeldWhenThereAreNoOthers();
+    void aPointBeyondTheAxisIsReadAtTheEdge();
     void aPointWithoutARatioPartsTheLine();
     void overFrequencyThereIsALineALevel();
     void overFrequencyAHiddenNotchIsPassedOver();
@@ -96,6 +99,48 @@ void TestPlotContent::theSpanHoldsWhatIsShown()
     QVERIFY(content.whole.yHigh >= 51.0 && content.whole.yHigh < 62.0);
 }
 
+void TestPlotContent::aRatioThatNoBenchReadsDoesNotWidenTheAxis()
+{
+    const PlotSpan usual = contentOverLevel({shownAs(1, roofs(1))}, {}).whole;
+    for (const double ratio : {-157.0, -20.5, 150.5, 180.0}) {
+        NprResult result = roofs(1);
+        result.points[30].npr = ratio;
+        const PlotContent content = contentOverLevel({shownAs(1, result)}, {});
+        QCOMPARE(content.whole.yLow, usual.yLow);
+        QCOMPARE(content.whole.yHigh, usual.yHigh);
+        QCOMPARE(content.lines.constFirst().points.size(), 41);
+    }
+    NprResult deep = roofs(1);
+    deep.points[30].npr = -19.0;
+    QVERIFY(contentOverLevel({shownAs(1, deep)}, {}).whole.yLow <= -19.0);
+}
+
+void TestPlotContent::aRatioThatNoBenchReadsIsHeldWhenThereAreNoOthers()
+{
+    NprResult result = roofs(1, -20.0, -18.0);
+    for (NprPoint& point : result.points) {
+        point.npr = 200.0 + point.level;
+    }
+    result.curves.clear();
+    const PlotSpan span = contentOverLevel({shownAs(1, result)}, {}).whole;
+    QVERIFY(span.yLow <= 180.0 && span.yLow > 170.0);
+    QVERIFY(span.yHigh >= 182.0 && span.yHigh < 190.0);
+}
+
+void TestPlotContent::aPointBeyondTheAxisIsReadAtTheEdge()
+{
+    NprResult result = roofs(1);
+    result.points[30].npr = -157.0; // -10 dBm, 300 pixels from the left
+    const PlotContent content = contentOverLevel({shownAs(1, result)}, {});
+    QCOMPARE(seenPosition({-10.0, -157.0}, frame), QPointF(300.0, 400.0));
+    QCOMPARE(seenPosition({-10.0, 200.0}, frame), QPointF(300.0, 0.0));
+    QCOMPARE(seenPosition({-10.0, 20.0}, frame), QPointF(300.0, 500.0)); // below, and credible
+    const PlotPlace place = placeNear({302.0, 395.0}, 10.0, content, frame);
+    QCOMPARE(place.point, 30);
+    QVERIFY(readingTexts(place, content)
+                .contains("NPR " + QString(QChar(0x2212)) + "157.00 dB, sigma 0.25 dB"));
+}
+
 void TestPlotContent::aPointWithoutARatioPartsTheLine()
 {
     NprResult result = roofs(1);
@@ -115,6 +160,9 @@ void TestPlotContent::overFrequencyThereIsALineALevel()
     QCOMPARE(loudest.points.at(0).value, QPointF(-10.0, 51.0)); // MHz
     QCOMPARE(loudest.points.at(2).value, QPointF(10.0, 53.0));
     QVERIFY(loudest.detail.contains("20.00 dBm"));
+    QVERIFY(content.xTitle.contains("blue: lowest level, red: highest"));
+    QVERIFY(content.lines.constFirst().colour.blue() > content.lines.constFirst().colour.red());
+    QVERIFY(loudest.colour.red() > loudest.colour.blue());
 }
 
 void TestPlotContent::overFrequencyAHiddenNotchIsPassedOver()
