@@ -58,16 +58,17 @@ void MeasureDialog::connectInputs()
     connect(ui->browse_button, &QPushButton::clicked, this, &MeasureDialog::browse);
     connect(ui->subtract_button, &QPushButton::clicked, this, &MeasureDialog::browseSubtracted);
     connect(ui->copy_button, &QPushButton::clicked, this,
-            [this] { QApplication::clipboard()->setText(ui->command_text->toPlainText()); });
+            [this] { QApplication::clipboard()->setText(commandLineOf(words())); });
     connect(ui->buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(ui->buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
+// All files first: configurations are saved under the name that was typed, often without an ending.
 void MeasureDialog::browse()
 {
     const QString name =
         QFileDialog::getOpenFileName(this, QStringLiteral("Configuration"), QDir::currentPath(),
-                                     QStringLiteral("Config File (*.cfg);;All Files (*)"));
+                                     QStringLiteral("All Files (*);;Config File (*.cfg)"));
     if (!name.isEmpty()) {
         ui->config_input->setText(name);
         ui->notches_input->clear(); // the file has its own
@@ -163,7 +164,8 @@ void MeasureDialog::listTheories()
 // Until the check has come back nothing can be started.
 void MeasureDialog::scheduleCheck()
 {
-    ui->command_text->setPlainText(commandLineOf(words()));
+    constexpr int fitting = 88; // letters; the field itself would break lines within options
+    ui->command_text->setPlainText(commandLinesOf(words(), fitting));
     ui->buttons->button(QDialogButtonBox::Ok)->setEnabled(false);
     ++checks;
     pause.start();

@@ -62,3 +62,24 @@ QString commandLineOf(const QStringList& words)
     }
     return shown.join(' ');
 }
+
+QString commandLinesOf(const QStringList& words, int most)
+{
+    QStringList options{"notchbench-cli"};
+    for (const QString& word : words) {
+        if (word.startsWith(QStringLiteral("--"))) {
+            options << quoted(word);
+        } else {
+            options.last() += ' ' + quoted(word);
+        }
+    }
+    QStringList lines;
+    for (const QString& option : qAsConst(options)) {
+        if (!lines.isEmpty() && lines.constLast().size() + 1 + option.size() <= most) {
+            lines.last() += ' ' + option;
+        } else {
+            lines << option;
+        }
+    }
+    return lines.join(QStringLiteral(" \\\n    "));
+}

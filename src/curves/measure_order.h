@@ -35,3 +35,7 @@ QStringList wordsOf(const MeasureOrder& order);
 
 // For a shell, with what it would take apart in quotes.
 QString commandLineOf(const QStringList& words);
+
+// The same to be read: continued, as a shell allows it, in another line before an option that would
+// make more than so many letters of one.
+QString commandLinesOf(const QStringList& words, int most);

@@ -34,6 +34,7 @@ private slots:
     void emptyFieldsAreLeftOut();
     void instrumentsNeedNoDevice();
     void wordsThatAShellTakesApartAreQuoted();
+    void aLongCommandIsContinuedBeforeOptions();
     void aGoodOrderIsCounted();
     void whatTheCommandRefusesIsRefusedInItsWords_data();
     void whatTheCommandRefusesIsRefusedInItsWords();
@@ -88,6 +89,19 @@ void TestMeasureOrder::wordsThatAShellTakesApartAreQuoted()
 {
     QCOMPARE(commandLineOf({"curve", "my bench.cfg", "it's"}),
              QString("notchbench-cli curve 'my bench.cfg' 'it'\\''s'"));
+}
+
+void TestMeasureOrder::aLongCommandIsContinuedBeforeOptions()
+{
+    const QStringList words = {"curve",   "bench.cfg", "--levels",   "-40:0:1",
+                               "--limit", "30",        "--subtract", "my --own result.json"};
+    QCOMPARE(commandLinesOf(words, 47),
+             QString("notchbench-cli curve bench.cfg --levels -40:0:1 \\\n"
+                     "    --limit 30 --subtract 'my --own result.json'"));
+    QCOMPARE(commandLinesOf(words, 46),
+             QString("notchbench-cli curve bench.cfg \\\n    --levels -40:0:1 --limit 30 \\\n"
+                     "    --subtract 'my --own result.json'"));
+    QCOMPARE(commandLinesOf(words, 1000), commandLineOf(words));
 }
 
 void TestMeasureOrder::aGoodOrderIsCounted()
