@@ -60,7 +60,7 @@ CurvesWindow::CurvesWindow(QWidget* parent)
     setStyleSheet(houseStyleSheet());
     setWindowIcon(QIcon(QStringLiteral(":/Images/Resources/notchbench-curves.png")));
     ui->result_view->setModel(&model);
-    const QVector<int> widths = {130, 90, 135, 125, 45, 55, 110};
+    const QVector<int> widths = {130, 122, 110, 42, 110, 55, 110};
     for (int column = 0; column < widths.size(); ++column) {
         ui->result_view->setColumnWidth(column, widths.at(column));
     }
@@ -71,7 +71,7 @@ CurvesWindow::CurvesWindow(QWidget* parent)
     ui->chart_tabs->setExpanding(false);
     ui->chart_tabs->addTab(QStringLiteral("NPR over level"));
     ui->chart_tabs->addTab(QStringLiteral("NPR over frequency"));
-    ui->splitter->setSizes({490, 690});
+    ui->splitter->setSizes({502, 678});
     ui->splitter->setStretchFactor(1, 1);
     connectActions();
     connectLists();
@@ -143,10 +143,10 @@ void CurvesWindow::connectLists()
     });
 }
 
-// Long names are told apart by more than their ends, but the peak is to be seen beside them.
+// Long names are told apart by more than their ends, but what came out is to be seen beside them.
 void CurvesWindow::widenColumns()
 {
-    const QMap<int, int> widestOf = {{ResultModel::Name, 200}, {ResultModel::Device, 125}};
+    const QMap<int, int> widestOf = {{ResultModel::Name, 198}, {ResultModel::Device, 200}};
     for (const int column : widestOf.keys()) {
         const QAbstractItemView& view = *ui->result_view; // a table keeps its own hint to itself
         const int wanted = view.sizeHintForColumn(column);

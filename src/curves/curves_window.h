@@ -58,6 +58,7 @@ private:
     void take(const QString& path, const ReadResult& read);
     void askForCurve();
     void askToSave();
+    void saveAndTell(const QVector<ShownResult>& results, const QString& path);
     void noteSaved(ShownResult result, const QString& path);
     bool mayLose(const QVector<ShownResult>& results);
     void openDraft(const QString& path);

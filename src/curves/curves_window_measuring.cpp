@@ -16,6 +16,8 @@ void CurvesWindow::askForCurve()
     }
     MeasureDialog dialog(this);
     if (dialog.exec() == QDialog::Accepted) {
+        dismissMessages(); // of what was before
+        ui->result_view->setFocus();
         measure(dialog.words());
     }
 }
@@ -74,19 +76,26 @@ void CurvesWindow::keepRunning(const ShownResult& shown)
 {
     constexpr int interval = 1000; // ms
     const bool isOver = shown.state == ShownResult::State::Unsaved;
+    if (shown.result.points.isEmpty()) {
+        return;
+    }
     if (isOver || !sinceDraft.isValid() || sinceDraft.elapsed() > interval) {
         sinceDraft.start();
         drafts->keep(shown.id, shown.result);
     }
 }
 
+// What ended before its first reading leaves no row.
 void CurvesWindow::endRunning(const QString& failure)
 {
+    const ShownResult* shown = model.find(runningId);
+    const bool hasPoints = shown != nullptr && !shown->result.points.isEmpty();
     if (!failure.isEmpty()) {
-        const QString kept = model.find(runningId) == nullptr
-                                 ? QString()
-                                 : QStringLiteral(" What was measured is kept.");
-        tell("The measurement ended: " + failure + '.' + kept);
+        tell("The measurement ended: " + failure + '.' +
+             (hasPoints ? QStringLiteral(" What was measured is kept.") : QString()));
+    }
+    if (!hasPoints) {
+        model.remove(runningId);
     }
     running.release()->deleteLater(); // it is telling this
     showRunning();

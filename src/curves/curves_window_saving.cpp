@@ -23,6 +23,12 @@ QString withEnding(const QString& name, const QString& filter)
     return name.isEmpty() || !QFileInfo(name).suffix().isEmpty() ? name : name + '.' + ending;
 }
 
+// A time has colons, which not every disk takes.
+QString proposedPath(const ShownResult& result)
+{
+    return QDir::current().filePath(QString(result.name).replace(QChar(':'), QChar('-')) + ".json");
+}
+
 } // namespace
 
 QVector<ShownResult> CurvesWindow::chosenOrShown() const
@@ -47,13 +53,28 @@ void CurvesWindow::askToSave()
         return;
     }
     QString filter;
-    const QString proposed = QString(results.constFirst().name).replace(QChar(':'), QChar('-'));
-    const QString name = QFileDialog::getSaveFileName(this, QStringLiteral("Save"),
-                                                      QDir::current().filePath(proposed + ".json"),
-                                                      savingFilters(), &filter);
+    const QString name = QFileDialog::getSaveFileName(
+        this, QStringLiteral("Save"), proposedPath(results.constFirst()), savingFilters(), &filter);
     if (!name.isEmpty()) {
-        save(results, withEnding(name, filter));
+        dismissMessages(); // of what was before
+        saveAndTell(results, withEnding(name, filter));
     }
+}
+
+// Whoever has saved a picture shall not wonder that the window asks for the result at its end.
+void CurvesWindow::saveAndTell(const QVector<ShownResult>& results, const QString& path)
+{
+    if (!save(results, path)) {
+        return;
+    }
+    QSet<int> saved;
+    for (const ShownResult& result : results) {
+        saved.insert(result.id);
+    }
+    tell("Saved " + path + '.' +
+         (unsaved(saved).isEmpty()
+              ? QString()
+              : QStringLiteral(" The result itself is not saved yet: that takes a .json file.")));
 }
 
 bool CurvesWindow::save(const QVector<ShownResult>& results, const QString& path)
@@ -113,14 +134,16 @@ bool CurvesWindow::mayLose(const QVector<ShownResult>& results)
     }
     const auto answer = QMessageBox::question(
         this, QStringLiteral("Save Results"),
-        QStringLiteral("Not saved: %1.\n\nSave before closing?").arg(names.join(", ")),
+        QStringLiteral("Not saved as a result (.json), which can be opened again: %1.\n\nSave "
+                       "before closing?")
+            .arg(names.join(", ")),
         QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
     if (answer != QMessageBox::Save) {
         return answer == QMessageBox::Discard;
     }
     for (const ShownResult& result : results) {
         const QString name = QFileDialog::getSaveFileName(
-            this, "Save " + result.name, QDir::currentPath(), QStringLiteral("Result (*.json)"));
+            this, "Save " + result.name, proposedPath(result), QStringLiteral("Result (*.json)"));
         if (name.isEmpty() || !save({result}, withEnding(name, "(*.json)"))) {
             return false;
         }

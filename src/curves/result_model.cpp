@@ -56,7 +56,7 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
         return index.column() == Name ? QVariant(row.isShown ? Qt::Checked : Qt::Unchecked)
                                       : QVariant();
     case Qt::DecorationRole: // with several results each has a colour in the chart
-        return index.column() == Device && rows.size() > 1
+        return index.column() == Name && rows.size() > 1
                    ? QVariant(swatch(resultColour(index.row())))
                    : QVariant();
     case Qt::ForegroundRole:
@@ -70,8 +70,8 @@ QVariant ResultModel::data(const QModelIndex& index, int role) const
 
 QVariant ResultModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
-    static const QStringList titles = {"Result", "Device",  "Peak", "Range",
-                                       "Limit",  "Notches", "Date"};
+    static const QStringList titles = {"Result", "Peak",    "Range", "Limit",
+                                       "Device", "Notches", "Date"};
     return orientation == Qt::Horizontal && role == Qt::DisplayRole ? titles.value(section)
                                                                     : QVariant();
 }

@@ -12,7 +12,7 @@ class ResultModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
-    enum Column { Name, Device, Peak, Range, Verdict, Notches, Date, columnTotal };
+    enum Column { Name, Peak, Range, Verdict, Device, Notches, Date, columnTotal };
 
     using QAbstractTableModel::QAbstractTableModel;
 

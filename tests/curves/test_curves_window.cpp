@@ -44,6 +44,7 @@ private slots:
     void anOpenedFileIsListedChosenAndDrawn();
     void severalFilesComeInTheirOrder();
     void aLongNameHasRoom();
+    void peakRangeAndVerdictAreSeenBesideALongName();
     void theColourOfAChosenResultIsThatOfItsLine();
     void theMenuOpensFiles();
     void aBrokenFileIsNamedAndTheOthersOpen();
@@ -103,12 +104,26 @@ void TestCurvesWindow::aLongNameHasRoom()
     QVERIFY(view->columnWidth(0) < 300); // the others are to be seen too
 }
 
+void TestCurvesWindow::peakRangeAndVerdictAreSeenBesideALongName()
+{
+    for (const char* name : {"a.json", "b.json"}) { // so that there are colours too
+        openResult(QString("name ").repeated(30) + name, roofs(1, -100, 60, 1, 50.0));
+    }
+    const auto* view = operate->find<QTableView>("result_view");
+    const QAbstractItemView& cells = *view; // a table keeps its own hint to itself
+    for (const int column : {ResultModel::Peak, ResultModel::Range, ResultModel::Verdict}) {
+        const int right = view->columnViewportPosition(column) + view->columnWidth(column);
+        QVERIFY(right <= view->viewport()->width());
+        QVERIFY(cells.sizeHintForColumn(column) <= view->columnWidth(column)); // not shortened
+    }
+}
+
 void TestCurvesWindow::theColourOfAChosenResultIsThatOfItsLine()
 {
     openResult("a.json", roofs(1));
     openResult("b.json", roofs(1, -40, 0, 1, 8.0));
     const auto* model = operate->find<QTableView>("result_view")->model();
-    const auto icon = model->index(1, ResultModel::Device).data(Qt::DecorationRole).value<QIcon>();
+    const auto icon = model->index(1, ResultModel::Name).data(Qt::DecorationRole).value<QIcon>();
     QCOMPARE(colourOf(icon), resultColour(1));
     QCOMPARE(colourOf(icon, QIcon::Selected), resultColour(1));
 }

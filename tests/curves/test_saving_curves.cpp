@@ -50,6 +50,7 @@ private slots:
 
     void everyFormIsWritten();
     void theMenuSavesTheChosenResult();
+    void aSavedPictureOfAnUnsavedResultIsToldAsSuch();
     void aFormOfOneResultTakesNoTwo();
     void aNameOfNoFormIsRefused();
     void aFolderThatIsMissingIsAMessage();
@@ -103,8 +104,21 @@ void TestSavingCurves::theMenuSavesTheChosenResult()
 {
     openResult("a.json", roofs(2));
     operate->answerFileDialog(path("picture.png"));
+    window->tell("What was before.");
     operate->trigger("action_save");
     QVERIFY(!QImage(path("picture.png")).isNull());
+    QCOMPARE(operate->text("message_text"), "Saved " + path("picture.png") + '.');
+}
+
+void TestSavingCurves::aSavedPictureOfAnUnsavedResultIsToldAsSuch()
+{
+    measure();
+    operate->answerFileDialog(path("early.png"));
+    operate->trigger("action_save");
+    QVERIFY(operate->text("message_text").contains("The result itself is not saved yet"));
+    operate->answerFileDialog(path("early.json"));
+    operate->trigger("action_save");
+    QCOMPARE(operate->text("message_text"), "Saved " + path("early.json") + '.');
 }
 
 void TestSavingCurves::aFormOfOneResultTakesNoTwo()
