@@ -77,6 +77,7 @@ private slots:
     void theWheelGivesNoFocus();
     void theWheelTurnsTheInputWithTheFocus();
     void theListOfAChoiceShowsAllItsRows();
+    void aChoiceKeepsItsHeightWithTheFocus();
     void theHintOfAChoiceIsPalerThanItsText();
     void theHeaderOfAFileDialogCanBeRead();
 
@@ -182,6 +183,21 @@ void TestHouseLook::theListOfAChoiceShowsAllItsRows()
     QCOMPARE(list.visualRect(list.model()->index(0, 0)).top(), 0);
     QVERIFY(list.visualRect(list.model()->index(5, 0)).bottom() < list.viewport()->height());
     choice.hidePopup();
+}
+
+void TestHouseLook::aChoiceKeepsItsHeightWithTheFocus()
+{
+    form->setStyleSheet(houseStyleSheet());
+    const auto wantedHeight = [this] { // which is reckoned anew
+        form->choice->setSizeAdjustPolicy(QComboBox::AdjustToContents);
+        form->choice->setSizeAdjustPolicy(QComboBox::AdjustToContentsOnFirstShow);
+        return form->choice->sizeHint().height();
+    };
+    QVERIFY(!form->choice->hasFocus());
+    const int before = wantedHeight();
+    form->choice->setFocus();
+    QTRY_VERIFY(form->choice->hasFocus());
+    QCOMPARE(wantedHeight(), before);
 }
 
 void TestHouseLook::theHintOfAChoiceIsPalerThanItsText()
