@@ -12,11 +12,6 @@ namespace {
 constexpr int magicBytes = 8; // with the version
 constexpr quint32 mostHeaderBytes = 1 << 20;
 
-[[noreturn]] void refuse(const QString& path, const QString& why)
-{
-    throw RecordingError{path + ": " + why};
-}
-
 struct ArrayType
 {
     const char* descr;
@@ -40,25 +35,26 @@ Head readHead(QFile& file)
 {
     const QByteArray magic = file.read(magicBytes);
     if (magic.size() < magicBytes || !magic.startsWith("\x93NUMPY")) {
-        refuse(file.fileName(), QStringLiteral("it is no NumPy array"));
+        refuseFile(file.fileName(), QStringLiteral("it is no NumPy array"));
     }
     const int version = static_cast<unsigned char>(magic.at(6));
     if (version < 1 || version > 3) {
-        refuse(file.fileName(), QStringLiteral("version %1 of its form isn't known").arg(version));
+        refuseFile(file.fileName(),
+                   QStringLiteral("version %1 of its form isn't known").arg(version));
     }
     const int sizeBytes = version == 1 ? 2 : 4;
     const QByteArray size = file.read(sizeBytes);
     if (size.size() < sizeBytes) {
-        refuse(file.fileName(), QStringLiteral("it ends in its head"));
+        refuseFile(file.fileName(), QStringLiteral("it ends in its head"));
     }
     const quint32 length = version == 1 ? qFromLittleEndian<quint16>(size.constData())
                                         : qFromLittleEndian<quint32>(size.constData());
     if (length > mostHeaderBytes) {
-        refuse(file.fileName(), QStringLiteral("its head claims %1 bytes").arg(length));
+        refuseFile(file.fileName(), QStringLiteral("its head claims %1 bytes").arg(length));
     }
     const QByteArray text = file.read(length);
     if (text.size() < static_cast<int>(length)) {
-        refuse(file.fileName(), QStringLiteral("it ends in its head"));
+        refuseFile(file.fileName(), QStringLiteral("it ends in its head"));
     }
     return {QString::fromUtf8(text), file.pos()};
 }
@@ -68,7 +64,7 @@ QString entryOf(const Head& head, const char* pattern, const QString& path, cons
     const QRegularExpressionMatch match =
         QRegularExpression(QLatin1String(pattern)).match(head.text);
     if (!match.hasMatch()) {
-        refuse(path, QStringLiteral("its head has no plain \"%1\"").arg(QLatin1String(name)));
+        refuseFile(path, QStringLiteral("its head has no plain \"%1\"").arg(QLatin1String(name)));
     }
     return match.captured(1);
 }
@@ -80,7 +76,7 @@ QVector<qint64> shapeOf(const QString& text, const QString& path)
         bool isNumber = false;
         const qint64 count = word.trimmed().toLongLong(&isNumber);
         if (!isNumber || count < 0) {
-            refuse(path, "its shape (" + text + ") isn't one");
+            refuseFile(path, "its shape (" + text + ") isn't one");
         }
         shape << count;
     }
@@ -90,7 +86,7 @@ QVector<qint64> shapeOf(const QString& text, const QString& path)
 const SampleType* sampleTypeOf(const QString& descr, bool isPaired, const QString& path)
 {
     if (descr.startsWith('>')) {
-        refuse(path, "its numbers are big-endian (" + descr + "); save it as little-endian");
+        refuseFile(path, "its numbers are big-endian (" + descr + "); save it as little-endian");
     }
     for (const ArrayType& type : arrayTypes) {
         const char* const name = isPaired ? type.paired : type.single;
@@ -98,9 +94,9 @@ const SampleType* sampleTypeOf(const QString& descr, bool isPaired, const QStrin
             return sampleTypeOf(QString(name));
         }
     }
-    refuse(path, "an array of " + descr + (isPaired ? " in two columns" : "") +
-                     " isn't taken; save complex64, complex128, float32, float64 or int16, the "
-                     "last three in two columns too");
+    refuseFile(path, "an array of " + descr + (isPaired ? " in two columns" : "") +
+                         " isn't taken; save complex64, complex128, float32, float64 or int16, the "
+                         "last three in two columns too");
 }
 
 } // namespace
@@ -109,7 +105,7 @@ Recording openNpy(const QString& path)
 {
     QFile file(path);
     if (!openRegular(file)) {
-        refuse(path, file.errorString());
+        refuseFile(path, file.errorString());
     }
     const Head head = readHead(file);
     const QString descr = entryOf(head, R"('descr'\s*:\s*'([^']*)')", path, "descr");
@@ -119,11 +115,12 @@ Recording openNpy(const QString& path)
         shapeOf(entryOf(head, R"('shape'\s*:\s*\(([^)]*)\))", path, "shape"), path);
     const bool isPaired = shape.size() == 2 && shape.at(1) == 2;
     if (shape.size() != 1 && !isPaired) {
-        refuse(path, QStringLiteral("its shape is neither (N,) nor (N, 2)"));
+        refuseFile(path, QStringLiteral("its shape is neither (N,) nor (N, 2)"));
     }
     if (isPaired && order == "True") {
-        refuse(path, QStringLiteral("its columns lie one behind the other (Fortran order); save "
-                                    "numpy.ascontiguousarray of it"));
+        refuseFile(path,
+                   QStringLiteral("its columns lie one behind the other (Fortran order); save "
+                                  "numpy.ascontiguousarray of it"));
     }
     Recording recording;
     recording.name = path;

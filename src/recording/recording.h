@@ -14,6 +14,11 @@ struct RecordingError
     QString text;
 };
 
+[[noreturn]] inline void refuseFile(const QString& path, const QString& why)
+{
+    throw RecordingError{path + ": " + why};
+}
+
 struct Recording
 {
     QString name;      // as it was given

@@ -12,25 +12,20 @@ namespace {
 
 constexpr qint64 mostMetadata = 64 << 20; // bytes
 
-[[noreturn]] void refuse(const QString& path, const QString& why)
-{
-    throw RecordingError{path + ": " + why};
-}
-
 QJsonObject metadataOf(const QString& path)
 {
     QFile file(path);
     if (!openRegular(file)) {
-        refuse(path, file.exists() ? file.errorString() : QString("there is no such file"));
+        refuseFile(path, file.exists() ? file.errorString() : QString("there is no such file"));
     }
     const QByteArray text = file.read(mostMetadata + 1);
     if (text.size() > mostMetadata) {
-        refuse(path, QStringLiteral("it is too long for metadata"));
+        refuseFile(path, QStringLiteral("it is too long for metadata"));
     }
     QJsonParseError error{};
     const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError || !document.isObject()) {
-        refuse(path, "it is no JSON: " + error.errorString());
+        refuseFile(path, "it is no JSON: " + error.errorString());
     }
     return document.object();
 }
@@ -43,7 +38,7 @@ qint64 countOf(const QJsonObject& object, const char* name, const QString& path)
     constexpr double most = 1LL << 53;
     if (!(value.isUndefined() || value.isDouble()) || !(number >= 0.0 && number <= most) ||
         number != std::floor(number)) {
-        refuse(path, QStringLiteral("\"%1\" is no count").arg(QLatin1String(name)));
+        refuseFile(path, QStringLiteral("\"%1\" is no count").arg(QLatin1String(name)));
     }
     return static_cast<qint64>(number);
 }
@@ -52,15 +47,16 @@ const SampleType* datatypeOf(const QJsonObject& global, const QString& path)
 {
     const QString name = global[QLatin1String("core:datatype")].toString();
     if (name.endsWith("_be")) {
-        refuse(path, "its samples are big-endian (" + name + "); save them as little-endian");
+        refuseFile(path, "its samples are big-endian (" + name + "); save them as little-endian");
     }
     const QString plain = name.endsWith("_le") ? name.left(name.size() - 3) : name;
     const SampleType* const type = sampleTypeOf(plain);
     const bool needsOrder = type != nullptr && type->integerBits != 8;
     if (type == nullptr || needsOrder == (plain == name)) {
-        refuse(path, "samples of \"core:datatype\" \"" + name +
-                         "\" aren't taken; cf32_le, cf64_le, ci16_le, ci8, rf32_le, rf64_le and "
-                         "ri16_le are");
+        refuseFile(path,
+                   "samples of \"core:datatype\" \"" + name +
+                       "\" aren't taken; cf32_le, cf64_le, ci16_le, ci8, rf32_le, rf64_le and "
+                       "ri16_le are");
     }
     return type;
 }
@@ -72,7 +68,7 @@ QString dataPathOf(const QString& metaPath, const QJsonObject& global)
         return metaPath.left(metaPath.size() - 4) + "data";
     }
     if (other.contains('/') || other.contains('\\')) {
-        refuse(metaPath, "\"core:dataset\" " + other + " isn't beside it");
+        refuseFile(metaPath, "\"core:dataset\" " + other + " isn't beside it");
     }
     return QFileInfo(metaPath).path() + '/' + other;
 }
@@ -90,7 +86,7 @@ void takeCapture(const QJsonObject& global, const QJsonArray& captures, qint64 d
         (dataBytes - header - countOf(global, "core:trailing_bytes", recording.name)) / bytes -
         start;
     if (start < 0 || recording.samples <= 0) {
-        refuse(recording.name, QStringLiteral("its data ends before the first capture begins"));
+        refuseFile(recording.name, QStringLiteral("its data ends before the first capture begins"));
     }
     recording.offset = header + start * bytes;
     if (captures.size() > 1) {
@@ -111,7 +107,7 @@ void requireOneChannel(const QJsonObject& global, const QString& path)
 {
     if (global.contains(QLatin1String("core:num_channels")) &&
         countOf(global, "core:num_channels", path) != 1) {
-        refuse(path, QStringLiteral("it has several channels; save one"));
+        refuseFile(path, QStringLiteral("it has several channels; save one"));
     }
 }
 
@@ -128,7 +124,7 @@ Recording openSigmf(const QString& path)
     recording.type = datatypeOf(global, metaPath);
     const QString dataPath = dataPathOf(metaPath, global);
     if (!QFileInfo(dataPath).isFile()) {
-        refuse(metaPath, "its samples are missing: there is no file " + dataPath);
+        refuseFile(metaPath, "its samples are missing: there is no file " + dataPath);
     }
     recording.paths = QStringList{dataPath};
     const double rate = global[QLatin1String("core:sample_rate")].toDouble();

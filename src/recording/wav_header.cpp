@@ -8,11 +8,6 @@
 
 namespace {
 
-[[noreturn]] void refuse(const QString& path, const QString& why)
-{
-    throw RecordingError{path + ": " + why};
-}
-
 const QLatin1String pairEnding(".i.wav"); // or that of Q, as long
 
 struct WavHead
@@ -41,7 +36,7 @@ void readFormat(QFile& file, quint32 size, WavHead& head)
     constexpr int extensible = 0xFFFE; // the format stands in the first word of its identifier
     const QByteArray format = file.read(std::min<quint32>(size, 40));
     if (format.size() < 16) {
-        refuse(file.fileName(), QStringLiteral("its \"fmt \" is cut short"));
+        refuseFile(file.fileName(), QStringLiteral("its \"fmt \" is cut short"));
     }
     head.format = wordAt(format, 0);
     head.channels = wordAt(format, 2);
@@ -56,7 +51,7 @@ WavHead readHead(QFile& file)
 {
     const QByteArray riff = file.read(12);
     if (riff.size() < 12 || !riff.startsWith("RIFF") || riff.mid(8) != "WAVE") {
-        refuse(file.fileName(), QStringLiteral("it is no waveform audio file"));
+        refuseFile(file.fileName(), QStringLiteral("it is no waveform audio file"));
     }
     WavHead head;
     for (QByteArray chunk = file.read(8); chunk.size() == 8; chunk = file.read(8)) {
@@ -75,18 +70,19 @@ WavHead readHead(QFile& file)
             break;
         }
     }
-    refuse(file.fileName(), QStringLiteral("it has no \"data\""));
+    refuseFile(file.fileName(), QStringLiteral("it has no \"data\""));
 }
 
 void requirePcm(const WavHead& head, int channels, const QString& path)
 {
     constexpr int pcm = 1;
     if (head.format != pcm || head.bits != 16 || head.channels != channels) {
-        refuse(path, QStringLiteral("%1 channels of %2 bits in format %3 aren't taken; save two "
-                                    "channels of 16-bit integers")
-                         .arg(head.channels)
-                         .arg(head.bits)
-                         .arg(head.format));
+        refuseFile(path,
+                   QStringLiteral("%1 channels of %2 bits in format %3 aren't taken; save two "
+                                  "channels of 16-bit integers")
+                       .arg(head.channels)
+                       .arg(head.bits)
+                       .arg(head.format));
     }
 }
 
@@ -94,7 +90,7 @@ WavHead headOf(const QString& path)
 {
     QFile file(path);
     if (!openRegular(file)) {
-        refuse(path, file.exists() ? file.errorString() : QString("there is no such file"));
+        refuseFile(path, file.exists() ? file.errorString() : QString("there is no such file"));
     }
     return readHead(file);
 }
@@ -125,7 +121,7 @@ Recording openPair(const QString& path, const WavHead& head)
     requirePcm(qHead, 1, qPath);
     if (iHead.dataBytes != qHead.dataBytes || iHead.dataBegin != qHead.dataBegin ||
         iHead.sampleRate != qHead.sampleRate) {
-        refuse(path, "I and Q differ in length or rate: " + iPath + ", " + qPath);
+        refuseFile(path, "I and Q differ in length or rate: " + iPath + ", " + qPath);
     }
     Recording recording = recordingOf(path, head);
     recording.paths = QStringList{iPath, qPath};
@@ -145,9 +141,9 @@ Recording openWav(const QString& path)
     }
     requirePcm(head, 2, path);
     if (head.dataBytes < head.claimedBytes && head.claimedBytes != unknownSize) {
-        refuse(path, QStringLiteral("it is cut short: it claims %1 bytes of samples and has %2")
-                         .arg(head.claimedBytes)
-                         .arg(head.dataBytes));
+        refuseFile(path, QStringLiteral("it is cut short: it claims %1 bytes of samples and has %2")
+                             .arg(head.claimedBytes)
+                             .arg(head.dataBytes));
     }
     Recording recording = recordingOf(path, head);
     recording.samples = head.dataBytes / recording.type->bytes;
