@@ -59,8 +59,9 @@ Powers sourceLines(const SignalData& signal, double sourceNotch)
 void shapeByRipple(Powers& lines, const Ripple& ripple, double spacing)
 {
     if (ripple.peakToPeak > 0.0) {
+        const int carrier = lines.size() / 2;
         for (int k = 0; k < lines.size(); ++k) {
-            lines[k] *= milliwatts(ripple.gain((k - lines.size() / 2) * spacing));
+            lines[k] *= milliwatts(ripple.gain((k - carrier) * spacing));
         }
     }
 }
