@@ -89,7 +89,8 @@ void StatusServer::takeClientOf(QTcpServer* from)
     watch(socket);
     client = socket;
     requestWaits = false;
-    if (!socket->isOpen()) { // it went while it waited to be taken
+    // A socket stays open when its other end goes; this one went while it waited to be taken.
+    if (socket->state() != QAbstractSocket::ConnectedState) {
         clientLeft(socket);
         return;
     }

@@ -65,6 +65,7 @@ private slots:
     void evenOneByteSentBeforeTheGreetingIsRead();
     void clientMayBeTakenAtOnce();
     void clientThatWentBeforeItWasGreetedLeavesNothing();
+    void clientWhoseEndIsKnownBeforeItIsTakenLeavesNothing();
     void unheardBytesWaitAtTheSender_data();
     void unheardBytesWaitAtTheSender();
     void secondClientTakesThePlaceOfTheFirst();
@@ -291,6 +292,24 @@ void TestStatusServer::clientThatWentBeforeItWasGreetedLeavesNothing()
     QTRY_VERIFY(settled());
     QTRY_VERIFY(peers().isEmpty());
     QCOMPARE(reports->constLast().constFirst().toBool(), false);
+}
+
+void TestStatusServer::clientWhoseEndIsKnownBeforeItIsTakenLeavesNothing()
+{
+    {
+        const QObject untilItHasGone;
+        const auto* listening = owner->findChild<QTcpServer*>();
+        connect(listening, &QTcpServer::newConnection, &untilItHasGone, [listening] {
+            QVERIFY(listening->findChild<QTcpSocket*>()->waitForDisconnected(5000));
+        });
+        QTcpSocket hasty;
+        hasty.connectToHost(QStringLiteral("127.0.0.1"), server->port());
+        QVERIFY(hasty.waitForConnected(5000));
+        hasty.abort();
+        QTRY_COMPARE(*reports, QList<QVariantList>{{false}});
+    }
+    QTRY_VERIFY(peers().isEmpty());
+    QVERIFY(greetedClient()->isSilentBeforeIdentity());
 }
 
 void TestStatusServer::unheardBytesWaitAtTheSender_data()
