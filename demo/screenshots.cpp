@@ -161,7 +161,7 @@ bool showTrace(const QDir& folder)
 {
     const QTemporaryDir place;
     MeasurementSetup setup;
-    setup.signal.length = setup.fftLength();
+    setup.signal.length = static_cast<qint32>(setup.fftLength());
     writeTrace(place.filePath(QStringLiteral("path.txt")), setup.sampleRate);
     auto* dialog = new LoadTraceDialog(place.filePath(QStringLiteral("path.txt")), &setup);
     dialog->show();

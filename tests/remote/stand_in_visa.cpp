@@ -1,6 +1,7 @@
 // A VISA library for the tests: records every call with its arguments and fails any of them as
 // it is told. Any thread may call it, as several instruments talk at once. Built twice, the second
 // time without one name that the program never calls.
+#include <algorithm>
 #include <condition_variable>
 #include <cstdint>
 #include <cstring>
@@ -186,7 +187,7 @@ Status viRead(Session session, unsigned char* buffer, std::uint32_t count, std::
     std::unique_lock<std::mutex> lock(mutex());
     awaitRelease(lock, session);
     const std::string& answer = bench().answers[bench().lastWritten[session]];
-    std::memcpy(buffer, answer.data(), answer.size() < count ? answer.size() : count);
+    std::copy_n(answer.begin(), std::min<std::size_t>(answer.size(), count), buffer);
     return record("viRead", list(session, count, read == nullptr ? "null" : "counted"));
 }
 Status viGpibControlREN(Session session, std::uint16_t mode)
