@@ -42,10 +42,10 @@ QVector<PlotLine> manyLines()
                             lineOf(3, {{-20.0, 10.0}, {-20.0, 80.0}}),
                             lineOf(4, {{-10.0, 50.0}}),
                             lineOf(5, {{-38.0, 58.0}, {-37.9, 31.0}, {-1.0, 59.9}}, true, 3.0)};
-    lines << lineOf(6, waves);
-    lines.last().kind = PlotLine::Kind::Theory;
     lines << lineOf(7, {{-35.0, 45.0}, {-34.5, -157.0}, {-5.0, 50.0}, {-0.1, 300.0}}, true);
     lines << lineOf(8, {{-25.0, -157.0}});
+    lines << lineOf(6, waves);
+    lines.last().kind = PlotLine::Kind::Theory;
     return lines;
 }
 
