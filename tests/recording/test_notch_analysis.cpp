@@ -113,7 +113,8 @@ void TestNotchAnalysis::gainShiftAndConstantOffsetDontMatter()
         request.center = offset * rate / length;
         const Wave plain = noisy(repeated(signal.period(1), 0, 40000));
         Wave changed = plain;
-        std::rotate(changed.begin(), changed.begin() + 4 * length + 311, changed.end() - 64);
+        std::rotate(changed.begin(), changed.begin() + 4 * std::ptrdiff_t{length} + 311,
+                    changed.end() - 64);
         changed = shifted(changed, offset / length);
         for (Complex& sample : changed) {
             sample = 0.01 * sample * std::polar(1.0, 1.2) + Complex(0.3, -0.2);
