@@ -148,7 +148,7 @@ void CurvesWindow::widenColumns()
 {
     const QMap<int, int> widestOf = {{ResultModel::Name, 198}, {ResultModel::Device, 200}};
     for (const int column : widestOf.keys()) {
-        constexpr int frame = 2; // of the current cell
+        constexpr int frame = 2;                          // of the current cell
         const QAbstractItemView& view = *ui->result_view; // a table keeps its own hint to itself
         const int wanted = view.sizeHintForColumn(column) + frame;
         const int present = ui->result_view->columnWidth(column);
