@@ -198,6 +198,7 @@ void TestLoadingDuringConversations::duringContinuousMeasurement()
     analyzer->answer(acpQuery, "7,7,7\n", 800);
     const int passes = analyzer->count(acpQuery);
     QTRY_COMPARE(analyzer->count(acpQuery), passes + 1); // the first, or the second slow one
+    QCoreApplication::processEvents(); // of the pass before, which may just have ended
     const QString before = operate->text("signal_power");
     load();
     QCOMPARE(operate->text("measure_mode"), QString("Single"));
