@@ -9,6 +9,7 @@ namespace {
 
 // Fewer tell too little of how they scatter.
 constexpr int fewestForScatter = 4;
+
 } // namespace
 
 void PointSums::add(const BenchReading& reading, bool isNewStimulus)
