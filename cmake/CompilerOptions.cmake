@@ -40,6 +40,13 @@ function(notchbench_library name)
         PRIVATE notchbench_options ${ARG_PRIVATE_DEPENDS})
 endfunction()
 
+# In the programs themselves, where no file needs to be found or read.
+if(NOTCHBENCH_SANITIZER MATCHES "address")
+    add_library(notchbench_known_leaks OBJECT cmake/known_leaks.cpp)
+    target_sources(notchbench_options INTERFACE
+        $<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:$<TARGET_OBJECTS:notchbench_known_leaks>>)
+endif()
+
 # Before the libraries of Qt, whose functions it catches.
 if(NOTCHBENCH_SANITIZER MATCHES "thread")
     add_library(notchbench_thread_edges SHARED cmake/thread_sanitizer_edges.cpp)

@@ -1,13 +1,6 @@
 include(${CMAKE_CURRENT_LIST_DIR}/OwnNetwork.cmake)
 include(${CMAKE_CURRENT_LIST_DIR}/TestProgram.cmake)
 
-# Whole call stacks are needed to tell a leak of Qt's plugins, which are listed, from one
-# of ours.
-if(NOTCHBENCH_SANITIZER MATCHES "address")
-    set(NOTCHBENCH_SANITIZER_ENVIRONMENT
-        "ASAN_OPTIONS=fast_unwind_on_malloc=0"
-        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/leaks.supp:print_suppressions=0")
-endif()
 if(NOTCHBENCH_SANITIZER MATCHES "thread")
     set(NOTCHBENCH_SANITIZER_ENVIRONMENT
         "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/cmake/races.supp:ignore_noninstrumented_modules=1:history_size=4")
