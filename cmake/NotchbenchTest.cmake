@@ -45,6 +45,7 @@ function(notchbench_test_entry entry name)
     endif()
     if(NOTCHBENCH_SANITIZER) # several times slower
         math(EXPR ARG_TIMEOUT "4 * ${ARG_TIMEOUT}")
+        list(APPEND environment QTEST_FUNCTION_TIMEOUT=${ARG_TIMEOUT}000) # milliseconds
     endif()
     set(cost 0)
     if(ARG_LONG)
