@@ -1,6 +1,7 @@
 // A configuration is loaded while an instrument of the former one still talks.
 #include "kit/heartbeat.h"
 #include "kit/instrument_window_test.h"
+#include "kit/instrumented.h"
 
 #include <QTemporaryDir>
 
@@ -195,7 +196,8 @@ void TestLoadingDuringConversations::duringContinuousMeasurement()
     pickNextNotch();
     operate->pick("measure_mode", 0);
     QTRY_COMPARE(operate->text("signal_power"), QString("-10.13"));
-    analyzer->answer(acpQuery, "7,7,7\n", 800);
+    // Long enough for the load to begin meanwhile, and shorter than the program waits.
+    analyzer->answer(acpQuery, "7,7,7\n", isInstrumented ? 2500 : 800);
     const int passes = analyzer->count(acpQuery);
     QTRY_COMPARE(analyzer->count(acpQuery), passes + 1); // the first, or the second slow one
     QCoreApplication::processEvents(); // of the pass before, which may just have ended
