@@ -182,7 +182,8 @@ def fetch_signal(host: str = "localhost", port: int = 1000, timeout: float = 10.
 
 @dataclass(frozen=True)
 class Points:
-    """Points of a result as arrays of one length; what each means is told in docs/result.md.
+    """Points of a result as arrays of one length; what each means is told in the manual's page
+    "Results in files".
 
     Levels and powers are in dBm, or in dBFS for a recording whose level nobody told; those in the
     other unit are NaN. passed holds None for points without a limit.

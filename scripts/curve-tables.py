@@ -9,7 +9,7 @@ import sys
 
 program, page = sys.argv[1], pathlib.Path(sys.argv[2])
 
-# What stands in the table, device, levels in dBm, readings a point. Saturation and full scale are 0 dBm.
+# What stands in the table, device, levels in dBm, readings per point. Saturation and full scale are 0 dBm.
 CURVES = [
     ("Rapp 1", "rapp,saturation=0,smoothness=1", "-12:0:3", 4),
     ("Rapp 2", "rapp,saturation=0", "-12:0:3", 4),

@@ -1,4 +1,5 @@
-// Results as JSON files. The form is described in docs/result.md and docs/result.schema.json.
+// Results as JSON files. The form is described in docs/manual/results.html and
+// docs/result.schema.json.
 //
 // To add a member: its line in the writer, its line in the reader, its property in the schema. A
 // reader passes over members that it doesn't know.

@@ -3,6 +3,7 @@
 from __future__ import annotations
 
 import html
+import json
 import os
 import re
 from pathlib import Path
@@ -49,3 +50,23 @@ def test_code_of_a_document_runs(
     assert len(names["signal"].samples) == 16384
     assert len(names["result"].points) >= 3
     assert "[" in capsys.readouterr().out  # the arrays that are printed
+
+
+def test_a_result_is_read_as_the_manual_shows_without_the_module(
+    bench: None, capsys: pytest.CaptureFixture[str]
+) -> None:
+    page = (ROOT / "docs/manual/results.html").read_text(encoding="utf-8")
+    (code,) = preformatted_code(page)
+    exec(code, {})
+    shown = [[float(number) for number in line.split()] for line in capsys.readouterr().out.splitlines()]
+    points = notchbench.read_result("device.json").points
+    assert shown == [list(row) for row in zip(points.level_dbm, points.notch, points.npr_db)]
+
+
+def test_the_manual_explains_every_member_of_a_point() -> None:
+    schema = json.loads((ROOT / "docs/result.schema.json").read_text(encoding="utf-8"))
+    page = (ROOT / "docs/manual/results.html").read_text(encoding="utf-8")
+    members = schema["properties"]["points"]["items"]["properties"]
+    assert "npr_db" in members
+    explained = set(re.findall(r"\w+", " ".join(re.findall(r"<tr><td>(.*?)</td>", page))))
+    assert {re.sub("_dbfs$", "_dbm", name) for name in members} <= explained
