@@ -129,6 +129,7 @@ class TestShownCommands : public QObject
 private slots:
     void commandsRun_data();
     void commandsRun();
+    void theFirstReadingComesOutAsItsPageSays();
     void theManPageOfTheSimulatorTellsEveryOption();
 };
 
@@ -179,6 +180,31 @@ void TestShownCommands::commandsRun()
             // 1 says that a limit or a target was missed, by a device that stands in for another.
             QVERIFY2(run.status == 0 || run.status == 1, qPrintable(command + '\n' + run.err));
         }
+    }
+}
+
+// By the program without a window, in place of window and simulator; scripts/run starts the same
+// device as the page.
+void TestShownCommands::theFirstReadingComesOutAsItsPageSays()
+{
+    const QString page = textOfFile(root + QString("docs/manual/first_measurement.html"));
+    QVERIFY(page.contains("notchbench-simulator --dut rapp --saturation 10<"));
+    QVERIFY(textOfFile(root + QString("scripts/run"))
+                .contains("notchbench-simulator --dut rapp --saturation 10 "));
+    const QStringList told = allMatches(page, "about\\s+&#8722;([\\d.]+)&#160;dB");
+    QCOMPARE(told.size(), 2); // at 0 and at 3 dBm
+    CliProcess cli;
+    const CliRun run = cli.run({"curve", "default", "--set", "NPR/NBW/SRate=0.8", "--notches",
+                                "3,2e6,-100,0", "--notch", "2", "--simulate", "rapp,saturation=10",
+                                "--levels", "0:3:3", "--csv", "first.csv"});
+    QVERIFY2(run.status == 0, qPrintable(run.err));
+    const QStringList lines = textOfFile(cli.path("first.csv")).split('\n', Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), 3);
+    const int column = lines.first().split(',').indexOf("npr_db");
+    for (int row = 0; row < told.size(); ++row) {
+        const double npr = lines.at(row + 1).split(',').at(column).toDouble();
+        // 1966 lines scatter by 0.1 dB, and a reader compares no closer than half a dB.
+        QVERIFY2(qAbs(npr - told.at(row).toDouble()) < 0.5, qPrintable(lines.at(row + 1)));
     }
 }
 
