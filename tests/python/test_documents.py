@@ -27,11 +27,14 @@ def preformatted_code(text: str) -> list[str]:
 
 @pytest.fixture
 def bench(folder: Path, program: str, monkeypatch: pytest.MonkeyPatch) -> None:
-    """bench.cfg, device.json and a notchbench-cli whose instruments are simulated."""
+    """bench.cfg, device.json and a notchbench-cli that simulates where it isn't told to."""
     (folder / "bench.cfg").write_text("[NPR]\nFFT Len = 16384\nNBW/SRate = 0.8\n")
-    simulated = "--notches 3,2e6,-100,0 --simulate adc,bits=8,full-scale=0"
     stand_in = folder / "notchbench-cli"
-    stand_in.write_text(f'#!/bin/sh\nexec {program} "$@" {simulated}\n')
+    stand_in.write_text(
+        '#!/bin/sh\n'
+        'case "$*" in *--simulate*) ;; *) set -- "$@" --simulate adc,bits=8,full-scale=0 ;; esac\n'
+        f'exec {program} "$@" --notches 3,2e6,-100,0\n'
+    )
     stand_in.chmod(0o755)
     monkeypatch.setenv("PATH", str(folder) + os.pathsep + os.environ["PATH"])
     notchbench.run("measure", "bench.cfg", "--json", "device.json")
