@@ -48,6 +48,7 @@ private slots:
     void everyPictureIsThere();
     void everyTextOfTheMainWindowIsExplained();
     void everyMisleadingReadingHasCauseAndRemedy();
+    void everyMarkOfAPointIsExplained();
 
 private:
     QString project;
@@ -153,6 +154,20 @@ void TestManual::everyMisleadingReadingHasCauseAndRemedy()
         groupLeft = span.isEmpty() ? qMax(0, groupLeft - 1) : span.first().toInt() - 1;
     }
     QCOMPARE(groupLeft, 0);
+}
+
+void TestManual::everyMarkOfAPointIsExplained()
+{
+    const QString source =
+        textOfFile(QStringLiteral(NOTCHBENCH_SOURCE_DIR "/src/campaign/npr_result.cpp"));
+    const QString words = source.section("namespace PointMark {", 1).section("\n}", 0, 0);
+    const QStringList marks = allMatches(words, "QStringLiteral\\(\"([^\"]*)\"\\)");
+    QVERIFY(marks.contains("few-peaks"));
+    const QString table =
+        pages["decision.html"].section("id=\"marks\"", 1).section("</table>", 0, 0);
+    for (const QString& mark : marks) {
+        QVERIFY2(table.contains("<td><code>" + mark + "</code></td>"), qPrintable(mark));
+    }
 }
 
 QTEST_APPLESS_MAIN(TestManual)
