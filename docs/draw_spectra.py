@@ -144,7 +144,7 @@ def channels():
     return picture(720, 350, *parts)
 
 
-INTERCEPT, NOISE = 20.0, -120 + 10 * math.log10(80e6)  # dBm, the latter in the band
+INTERCEPT, NOISE = 20.0, -120 + 10 * math.log10(100e6)  # dBm, the latter in the band
 
 
 def fills(level):
