@@ -105,5 +105,21 @@ class Package(Scripts):
         self.assertEqual([file.name for file in folder.iterdir()], ["notchbench_2_arm64.deb"])
 
 
+class Fuzz(Scripts):
+    def test_what_was_kept_under_the_name_of_a_search_is_listed(self):
+        self.bring("fuzz")
+        self.stand_in("bin/cmake")
+        corpus = self.tree / "fuzz/corpus/pmc"
+        corpus.mkdir(parents=True)
+        (corpus / "sign-without-digits").touch()
+        (self.tree / "build/fuzz/fuzz").mkdir(parents=True)
+        found = "regression-crash-" + 20 * "0f"
+        self.stand_in("build/fuzz/fuzz/fuzz_pmc", f"touch fuzz/corpus/pmc/{found}\n")
+        run, _ = self.run_script("fuzz", "pmc")
+        self.assertEqual(run.returncode, 0, run.stderr)
+        self.assertEqual(run.stdout.splitlines()[-1], f"  fuzz/corpus/pmc/{found}")
+        self.assertNotIn("sign-without-digits", run.stdout)
+
+
 if __name__ == "__main__":
     unittest.main()
