@@ -17,6 +17,17 @@ QString installedManual()
     return QCoreApplication::applicationDirPath() + "/../share/notchbench/manual";
 }
 
+// A file of 64 samples: words around the zero of 8192, no bin of their spectrum zero.
+QByteArray sampleWords()
+{
+    QByteArray words;
+    for (int i = 0; i < 64; ++i) {
+        const int word = 8192 + 100 * i * i % 5000;
+        words.append(static_cast<char>(word & 0xFF)).append(static_cast<char>(word >> 8));
+    }
+    return words;
+}
+
 // The manual's folder, for as long as this lives.
 struct InstalledManual
 {
@@ -36,6 +47,8 @@ private slots:
     void cleanup();
     void savedConfigurationLoadsAgain();
     void cancelledDialogsKeepEverything();
+    void fileDialogsStartWhereTheirKindDoes_data();
+    void fileDialogsStartWhereTheirKindDoes();
     void missingConfigurationGivesDefaults();
     void loadingForgetsTheSignal();
     void typedCellsWorkAfterALoad();
@@ -44,7 +57,8 @@ private slots:
     void waveformOfAnotherEndingIsNotSaved();
     void magnitudePhaseFileIsPickedAndUsed();
     void sampleFilesArePickedAndUsed();
-    void failedPickKeepsTheField();
+    void aPickedFileInvalidatesAndACancelledPickDoesNot_data();
+    void aPickedFileInvalidatesAndACancelledPickDoesNot();
     void theSweepDialogBlocksTheWindowAndUsesItsSettings();
     void helpStartsTheViewerWithTheCollection();
     void helpShowsTheInstalledManual();
@@ -91,17 +105,14 @@ void TestMainWindowMenus::savedConfigurationLoadsAgain()
     operate->type("notch_count_input", "3");
     operate->type("notch_offset_input", "0");
     operate->click("autocalc_notches_button");
-    QString title;
-    operate->answerFileDialog(folder->filePath("a.cfg"), &title);
+    operate->answerFileDialog(folder->filePath("a.cfg"));
     operate->trigger("actionSave_Cfg_File");
-    QCOMPARE(title, QStringLiteral("Save Cfg File"));
     QVERIFY(readFile("a.cfg").contains("SRate = 6.144e+07\n"));
 
     operate->type("sample_rate_input", "10");
     operate->pick("nc_combobox", 1);
-    operate->answerFileDialog(folder->filePath("a.cfg"), &title);
+    operate->answerFileDialog(folder->filePath("a.cfg"));
     operate->trigger("actionLoad_Cfg_File");
-    QCOMPARE(title, QStringLiteral("Load Cfg File"));
     QCOMPARE(operate->text("sample_rate_input"), QStringLiteral("61.440000"));
     QCOMPARE(operate->text("nc_combobox"), QStringLiteral("Notch"));
     QCOMPARE(operate->rowCount(), 3);
@@ -122,6 +133,51 @@ void TestMainWindowMenus::cancelledDialogsKeepEverything()
     }
     QCOMPARE(operate->text("sample_rate_input"), QStringLiteral("61.440000"));
     QCOMPARE(operate->rowCount(), rows);
+}
+
+void TestMainWindowMenus::fileDialogsStartWhereTheirKindDoes_data()
+{
+    QTest::addColumn<QByteArray>("source"); // the button that brings the field up
+    QTest::addColumn<QByteArray>("button"); // or action
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("filters");
+    QTest::addColumn<QString>("selected");
+    const auto row = [](const char* source, const char* button, const char* title,
+                        const QStringList& filters) {
+        QTest::newRow(title) << QByteArray(source) << QByteArray(button) << QString(title)
+                             << filters << filters.last();
+    };
+    row("", "actionLoad_Cfg_File", "Load Cfg File", {"Config File (*.cfg)"});
+    row("", "actionSave_Cfg_File", "Save Cfg File", {"Config File (*.cfg)"});
+    row("", "actionLoad_SAN_Mag", "Load SAN Mag", {"Text File(*.txt)"});
+    row("", "actionSave_Waveform", "Save Waveform",
+        {"I/Q Files (*.i;*.q)", "Wave Files (*.i.wav;*.q.wav)", "Kelmar WV File (*.wv)"});
+    row("mp_load_ratio_button", "le_custom_file_button", "Load Magnitue / Phase File",
+        {"Magnitude/Phase File (*.pmc)"});
+    row("iq_load_ratio_button", "i_file_button", "Load I File", {"WAV File (*.wav)"});
+    row("iq_load_ratio_button", "q_file_button", "Load Q File", {"WAV File (*.wav)"});
+}
+
+// Those of the menu in the present folder, those of the fields in the home.
+void TestMainWindowMenus::fileDialogsStartWhereTheirKindDoes()
+{
+    QFETCH(QByteArray, source);
+    QFETCH(QByteArray, button);
+    operate->pick("fft_length_input", 16);
+    calculate();
+    QVERIFY(QDir::setCurrent(folder->path()));
+    WindowDriver::FileDialogLook look;
+    operate->answerFileDialog(QString(), &look);
+    if (source.isEmpty()) {
+        operate->trigger(button);
+    } else {
+        operate->click(source);
+        operate->click(button);
+    }
+    QCOMPARE(QDir(look.folder), source.isEmpty() ? QDir::current() : QDir::home());
+    QTEST(look.title, "title");
+    QTEST(look.filters, "filters");
+    QTEST(look.selectedFilter, "selected");
 }
 
 void TestMainWindowMenus::missingConfigurationGivesDefaults()
@@ -180,10 +236,8 @@ void TestMainWindowMenus::waveformIsSavedInThreeForms()
     operate->click("calc_fft_button");
     QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
 
-    QString title;
-    operate->answerFileDialog(folder->filePath("text.i"), &title);
+    operate->answerFileDialog(folder->filePath("text.i"));
     operate->trigger("actionSave_Waveform");
-    QCOMPARE(title, QStringLiteral("Save Waveform"));
     QCOMPARE(readFile("text.i").count('\n'), 64);
     QCOMPARE(readFile("text.q").count('\n'), 64);
 
@@ -212,10 +266,8 @@ void TestMainWindowMenus::magnitudePhaseFileIsPickedAndUsed()
 {
     writeFile("line.pmc", "4\n3 0.0 2.0\n");
     operate->click("mp_load_ratio_button");
-    QString title;
-    operate->answerFileDialog(folder->filePath("line.pmc"), &title);
+    operate->answerFileDialog(folder->filePath("line.pmc"));
     operate->click("le_custom_file_button");
-    QCOMPARE(title, QStringLiteral("Load Magnitue / Phase File"));
     QCOMPARE(operate->text("le_custom_file"), folder->filePath("line.pmc"));
     operate->click("calc_fft_button");
     QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
@@ -230,22 +282,14 @@ void TestMainWindowMenus::magnitudePhaseFileIsPickedAndUsed()
 
 void TestMainWindowMenus::sampleFilesArePickedAndUsed()
 {
-    // Words 1, 2, 3 ... offset by the zero of 8192, so that no bin of the spectrum is zero.
-    QByteArray words;
-    for (int i = 0; i < 64; ++i) {
-        const int word = 8192 + 100 * i * i % 5000;
-        words.append(static_cast<char>(word & 0xFF)).append(static_cast<char>(word >> 8));
-    }
+    const QByteArray words = sampleWords();
     writeFile("i.wav", words);
     writeFile("q.wav", words);
     operate->click("iq_load_ratio_button");
-    QString title;
-    operate->answerFileDialog(folder->filePath("i.wav"), &title);
+    operate->answerFileDialog(folder->filePath("i.wav"));
     operate->click("i_file_button");
-    QCOMPARE(title, QStringLiteral("Load I File"));
-    operate->answerFileDialog(folder->filePath("q.wav"), &title);
+    operate->answerFileDialog(folder->filePath("q.wav"));
     operate->click("q_file_button");
-    QCOMPARE(title, QStringLiteral("Load Q File"));
     QCOMPARE(operate->text("i_file"), folder->filePath("i.wav"));
     QCOMPARE(operate->text("q_file"), folder->filePath("q.wav"));
     operate->click("calc_fft_button");
@@ -256,12 +300,40 @@ void TestMainWindowMenus::sampleFilesArePickedAndUsed()
     QTRY_COMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
 }
 
-void TestMainWindowMenus::failedPickKeepsTheField()
+void TestMainWindowMenus::aPickedFileInvalidatesAndACancelledPickDoesNot_data()
 {
-    operate->click("mp_load_ratio_button");
+    QTest::addColumn<QByteArray>("source"); // its row in a configuration
+    QTest::addColumn<QByteArray>("field");
+    QTest::addColumn<QString>("file");
+    QTest::newRow("magnitude and phase")
+        << QByteArray("1") << QByteArray("le_custom_file") << QString("line.pmc");
+    QTest::newRow("I") << QByteArray("2") << QByteArray("i_file") << QString("i.wav");
+    QTest::newRow("Q") << QByteArray("2") << QByteArray("q_file") << QString("q.wav");
+}
+
+void TestMainWindowMenus::aPickedFileInvalidatesAndACancelledPickDoesNot()
+{
+    QFETCH(QByteArray, source);
+    QFETCH(QByteArray, field);
+    QFETCH(QString, file);
+    const QByteArray place = folder->path().toLocal8Bit() + '/';
+    writeFile("line.pmc", "4\n3 0.0 2.0\n");
+    writeFile("i.wav", sampleWords());
+    writeFile("q.wav", sampleWords());
+    writeFile("files.cfg", "[NPR]\nCustom = " + source + "\n\n[User]\nPhaseMag File = \"" + place +
+                               "line.pmc\"\nI File = \"" + place + "i.wav\"\nQ File = \"" + place +
+                               "q.wav\"\n\n");
+    operate->answerFileDialog(folder->filePath("files.cfg"));
+    operate->trigger("actionLoad_Cfg_File");
+    calculate();
     operate->answerFileDialog(QString());
-    operate->click("le_custom_file_button");
-    QCOMPARE(operate->text("le_custom_file"), QString());
+    operate->click(field + "_button");
+    QCOMPARE(operate->text(field), folder->filePath(file));
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    operate->answerFileDialog(folder->filePath(file)); // it may hold something else by now
+    operate->click(field + "_button");
+    QCOMPARE(operate->text(field), folder->filePath(file));
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
 }
 
 void TestMainWindowMenus::theSweepDialogBlocksTheWindowAndUsesItsSettings()

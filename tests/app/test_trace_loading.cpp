@@ -47,6 +47,7 @@ private slots:
     void aTiltIsUndoneInTheFetchedSamples();
     void aLoadedTraceSwitchesCompensationOnAndInvalidates();
     void aSecondTraceInvalidatesToo();
+    void switchingTheCorrectionInvalidates();
     void cancelLeavesTheWindowAsItWas();
     void aCorrectionLiesIdleAtAnotherLength();
     void loadingAConfigurationClearsTheCorrection();
@@ -85,10 +86,8 @@ void TestTraceLoading::openTrace(int points)
                    QByteArray::number(pathGain(place), 'g', 15) + ";\n");
     }
     file.close();
-    QString title;
-    operate->answerFileDialog(file.fileName(), &title);
+    operate->answerFileDialog(file.fileName());
     operate->trigger("actionLoad_SAN_Mag");
-    QCOMPARE(title, QStringLiteral("Load SAN Mag"));
     dialog = window->findChild<LoadTraceDialog*>();
     QVERIFY(!dialog.isNull());
     QVERIFY(dialog->isVisible());
@@ -163,6 +162,18 @@ void TestTraceLoading::aSecondTraceInvalidatesToo()
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
     take("load_direct_button");
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+}
+
+void TestTraceLoading::switchingTheCorrectionInvalidates()
+{
+    openTrace(lineCount);
+    take("load_direct_button");
+    for (const bool on : {false, true}) {
+        calculate();
+        operate->click("compensate_checkbox");
+        QCOMPARE(operate->find<QAbstractButton>("compensate_checkbox")->isChecked(), on);
+        QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
+    }
 }
 
 void TestTraceLoading::cancelLeavesTheWindowAsItWas()

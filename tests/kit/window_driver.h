@@ -132,12 +132,21 @@ public:
         timer->start();
     }
 
-    // The next file dialog gets the name typed in and is accepted; an empty name cancels it.
-    void answerFileDialog(const QString& name, QString* title = nullptr) const
+    struct FileDialogLook
     {
-        onNext<QFileDialog>([name, title](QFileDialog* dialog) {
-            if (title != nullptr) {
-                *title = dialog->windowTitle();
+        QString title;
+        QString folder;
+        QStringList filters;
+        QString selectedFilter;
+    };
+
+    // The next file dialog gets the name typed in and is accepted; an empty name cancels it.
+    void answerFileDialog(const QString& name, FileDialogLook* look = nullptr) const
+    {
+        onNext<QFileDialog>([name, look](QFileDialog* dialog) {
+            if (look != nullptr) {
+                *look = {dialog->windowTitle(), dialog->directory().path(), dialog->nameFilters(),
+                         dialog->selectedNameFilter()};
             }
             if (name.isEmpty()) {
                 dialog->reject();
