@@ -5,6 +5,7 @@
 #include "kit/instrumented.h"
 #include "kit/process_memory.h"
 #include "kit/system_limits.h"
+#include "setup/config_text.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -255,10 +256,16 @@ private slots:
     void lineEndsOfEveryKindAreRead_data();
     void lineEndsOfEveryKindAreRead();
     void sectionNamedAfterANotchCounts();
+    void rowsAreInsertedAtTheirNumberCountedFromZero();
+    void theRowNumberedZeroStandsFirst();
+    void aValueThatIsNotNamedStaysFromTheRowReadBefore();
     void valueThatTheFirstRowDoesNotNameIsZero();
     void unknownSectionsAndKeysAreIgnored();
+    void aFileThatExistsHasItsLineInTheLog();
     void missingFileGivesDefaults();
     void anyBytesGiveARecord();
+    void anEmptiedAddressComesBackAsTheLocalOne();
+    void aSettingThatIsNoNumberEndsItsSection();
     void unwritablePlaceChangesNothing();
     void aSaveReplacesTheFormerFile();
     void diskThatFillsWithTheLastBytesLeavesTheFormerFile_data();
@@ -469,6 +476,54 @@ void TestConfigFile::sectionNamedAfterANotchCounts()
     QCOMPARE(setup.notches->items.at(0).startIndex, 4);
 }
 
+// Twenty rows numbered 1. The first one read stays first, and each later one pushes those after it
+// along. Sections are read in the order of the hash.
+void TestConfigFile::rowsAreInsertedAtTheirNumberCountedFromZero()
+{
+    QByteArray text;
+    for (int row = 0; row < 20; ++row) {
+        text += "[" + QByteArray(1, char('a' + row)) +
+                " Notch 1]\nStart = " + QByteArray::number(row) + "\n\n";
+    }
+    QVector<qint32> expected;
+    const QStringList read = parseConfigText(text).keys();
+    for (const QString& name : read) {
+        expected.insert(qMin(1, expected.size()), name.at(0).unicode() - u'a');
+    }
+    QVector<qint32> actual;
+    const MeasurementSetup setup = load(text);
+    for (const Notch& notch : qAsConst(setup.notches->items)) {
+        actual.append(notch.startIndex);
+    }
+    QCOMPARE(actual, expected);
+}
+
+void TestConfigFile::theRowNumberedZeroStandsFirst()
+{
+    QByteArray text = "[Notch 0]\nStart = 77\n\n";
+    for (char name = 'a'; name < 'u'; ++name) {
+        text += "[" + QByteArray(1, name) + " Notch 9]\nStart = 9\n\n";
+    }
+    const MeasurementSetup setup = load(text);
+    QCOMPARE(setup.notches->items.size(), 21);
+    QCOMPARE(setup.notches->items.at(0).startIndex, 77);
+}
+
+// Both are appended, so the one read first stands first.
+void TestConfigFile::aValueThatIsNotNamedStaysFromTheRowReadBefore()
+{
+    const MeasurementSetup setup =
+        load("[Notch 8]\nStart = 4\nfcenter = 5\n\n[Notch 9]\nStop = 6\nfspan = 7\n\n");
+    QCOMPARE(setup.notches->items.size(), 2);
+    const Notch& first = setup.notches->items.at(0);
+    const Notch& second = setup.notches->items.at(1);
+    QCOMPARE(first.startIndex == 4, first.stopIndex == 0); // either may be the first
+    QCOMPARE(second.startIndex, 4);
+    QCOMPARE(second.center, 5.0);
+    QCOMPARE(second.stopIndex, 6);
+    QCOMPARE(second.width, 7.0);
+}
+
 void TestConfigFile::valueThatTheFirstRowDoesNotNameIsZero()
 {
     const MeasurementSetup setup = load("[Notch 1]\nfcenter = 5\nStart = 4\n");
@@ -489,6 +544,12 @@ void TestConfigFile::unknownSectionsAndKeysAreIgnored()
     QCOMPARE(setup.seed, 7U);
 }
 
+void TestConfigFile::aFileThatExistsHasItsLineInTheLog()
+{
+    QTest::ignoreMessage(QtDebugMsg, "File Exists"); // fails without it
+    QCOMPARE(load("").seed, 1U);
+}
+
 void TestConfigFile::missingFileGivesDefaults()
 {
     const MeasurementSetup setup = loadConfig(folder->filePath("missing.cfg"));
@@ -503,6 +564,36 @@ void TestConfigFile::anyBytesGiveARecord()
         bytes.append(static_cast<char>(i));
     }
     QCOMPARE(load(bytes).seed, 5U);
+}
+
+// An empty text is written, and not found again.
+void TestConfigFile::anEmptiedAddressComesBackAsTheLocalOne()
+{
+    MeasurementSetup setup;
+    setup.analyzer.ipAddress.clear();
+    setup.analyzer.rs232Port = 3; // behind it
+    saveConfig(setup, path());
+    QVERIFY(contentOf(path()).contains("\nIP Addr = \"\"\n"));
+    const MeasurementSetup loaded = loadConfig(path());
+    QCOMPARE(loaded.analyzer.ipAddress, QString("127.0.0.1"));
+    QCOMPARE(loaded.analyzer.rs232Port, 3U);
+}
+
+void TestConfigFile::aSettingThatIsNoNumberEndsItsSection()
+{
+    for (const double value : {qInf(), -qInf(), qQNaN()}) {
+        MeasurementSetup setup;
+        setup.sampleRate = 5e6; // before it
+        setup.notchDepth = value;
+        setup.seed = 9; // behind it
+        setup.tcpPort = 5000;
+        saveConfig(setup, path());
+        const MeasurementSetup loaded = loadConfig(path());
+        QCOMPARE(loaded.sampleRate, 5e6);
+        QCOMPARE(loaded.notchDepth, -100.0);
+        QCOMPARE(loaded.seed, 1U);
+        QCOMPARE(loaded.tcpPort, quint16{5000});
+    }
 }
 
 void TestConfigFile::unwritablePlaceChangesNothing()
