@@ -13,6 +13,7 @@ private slots:
     void lettersBringTheOldTextBackAndInvalidate();
     void startAboveTheStopIsSwapped();
     void carrierCellsMoveTheLine();
+    void aNotchWithoutRoomLeavesTheScreenAsItWas();
     void cellsHaveNoEffectAfterANotchFoundNoRoom();
     void longTableStaysWhereItWasScrolledTo();
     void anOpenEditorSurvivesARefresh();
@@ -82,6 +83,22 @@ void TestMainWindowTable::carrierCellsMoveTheLine()
     QCOMPARE(operate->cell(1, 0), QStringLiteral("9.765625"));
     operate->typeCell(1, 0, "-5");
     QCOMPARE(operate->cell(1, 4), QStringLiteral("-51"));
+}
+
+void TestMainWindowTable::aNotchWithoutRoomLeavesTheScreenAsItWas()
+{
+    fillThreeNotches();
+    operate->type("notch_offset_input", "30"); // the third notch has no room left
+    calculate();
+    operate->click("autocalc_notches_button");
+    QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+    QCOMPARE(operate->rowCount(), 3);
+    QCOMPARE(operate->text("notch_count_input"), QStringLiteral("3"));
+    QCOMPARE(operate->find<QSpinBox>("measure_notch")->maximum(), 3);
+    operate->type("seed_input", "9"); // the next refresh shows what it made
+    QCOMPARE(operate->rowCount(), 2);
+    QCOMPARE(operate->text("notch_count_input"), QStringLiteral("2"));
+    QCOMPARE(operate->find<QSpinBox>("measure_notch")->maximum(), 2);
 }
 
 void TestMainWindowTable::cellsHaveNoEffectAfterANotchFoundNoRoom()
