@@ -19,6 +19,8 @@ private slots:
 
     void defaultsAreShown();
     void aChangeIsStoredAtOnce();
+    void eachTabStoresIntoItsOwnInstrument_data();
+    void eachTabStoresIntoItsOwnInstrument();
     void frequenciesAreShownInMegahertz();
     void whatIsNoNumberIsDropped();
     void whatIsBeingTypedSurvivesARefresh();
@@ -33,7 +35,9 @@ private slots:
     void rowsThatDoNotExistLeaveTheRecordAlone();
     void portsRepeatWithEverySetup();
     void aSavedPortSurvivesTheFilling();
-    void theLinkOpensTheSerialDialog();
+    void theLinkOpensTheSerialDialogOfItsTab_data();
+    void theLinkOpensTheSerialDialogOfItsTab();
+    void otherLinksDoNothing_data();
     void otherLinksDoNothing();
     void initConnectsAndShowsTheAnswer();
     void aFailedInitShowsWhy();
@@ -46,6 +50,33 @@ private slots:
 
 private:
     void showTab(int tab) const { operate->find<QTabWidget>("tabWidget")->setCurrentIndex(tab); }
+    Instrument& instrument(int tab) const
+    {
+        Instrument* const all[] = {&setup->generator, &setup->analyzer, &setup->microwave};
+        return *all[tab];
+    }
+    void showPage(int tab, InterfaceKind kind) const
+    {
+        instrument(tab).interfaceKind = kind;
+        dialog->notifyPropertyChanged();
+    }
+    static void addTabs()
+    {
+        QTest::addColumn<int>("tab");
+        QTest::addColumn<QByteArray>("prefix");
+        QTest::newRow("generator") << 0 << QByteArray("g_");
+        QTest::newRow("analyzer") << 1 << QByteArray("a_");
+        QTest::newRow("microwave") << 2 << QByteArray("m_");
+    }
+    static QWidget* shownSerialDialog()
+    {
+        for (QWidget* each : QApplication::topLevelWidgets()) {
+            if (each->windowTitle() == "RS232 Configuration" && each->isVisible()) {
+                return each;
+            }
+        }
+        return nullptr;
+    }
     void typeText(const char* name, const QString& text) const
     {
         auto* edit = operate->find<QLineEdit>(name);
@@ -120,6 +151,36 @@ void TestDevicesDialog::aChangeIsStoredAtOnce()
     QCOMPARE(setup->microwave.attenuation, 30U);
     operate->click("m_if_input");
     QCOMPARE(setup->microwave.ifInput, false);
+}
+
+void TestDevicesDialog::eachTabStoresIntoItsOwnInstrument_data()
+{
+    addTabs();
+}
+
+void TestDevicesDialog::eachTabStoresIntoItsOwnInstrument()
+{
+    QFETCH(int, tab);
+    QFETCH(QByteArray, prefix);
+    dialog->setSetup(setup.get(), {"ttyS0", "ttyUSB0"});
+    showTab(tab);
+    operate->pick(prefix + "type", 1);
+    typeText(prefix + "frequency", "2400");
+    operate->type(prefix + "level", "-3.5");
+    showPage(tab, InterfaceKind::Gpib0);
+    operate->type(prefix + "gpib_addr", "7");
+    showPage(tab, InterfaceKind::Rs232);
+    operate->pick(prefix + "port", 1);
+    showPage(tab, InterfaceKind::LanSocket);
+    typeText(prefix + "address", "10.0.0.8");
+    const QVariantList before = {0U, 0.0, -20.0, 20U, 0U, "127.0.0.1"};
+    const QVariantList typed = {1U, 2.4e9, -3.5, 7U, 1U, "10.0.0.8"};
+    for (int each = 0; each < 3; ++each) {
+        const Instrument& of = instrument(each);
+        const QVariantList stored = {of.device,      of.frequency, of.level,
+                                     of.gpibAddress, of.rs232Port, of.ipAddress};
+        QCOMPARE(stored, each == tab ? typed : before);
+    }
 }
 
 void TestDevicesDialog::frequenciesAreShownInMegahertz()
@@ -311,32 +372,46 @@ void TestDevicesDialog::aSavedPortSurvivesTheFilling()
     QCOMPARE(setup->generator.rs232Port, 0U);
 }
 
-void TestDevicesDialog::theLinkOpensTheSerialDialog()
+void TestDevicesDialog::theLinkOpensTheSerialDialogOfItsTab_data()
 {
-    setup->generator.interfaceKind = InterfaceKind::Rs232;
-    dialog->notifyPropertyChanged();
-    auto* link = operate->find<QLabel>("g_rs232configure");
-    QCOMPARE(link->text(), QString("<a href=\"#g_rs232configure\">configure</a>"));
+    addTabs();
+}
+
+void TestDevicesDialog::theLinkOpensTheSerialDialogOfItsTab()
+{
+    QFETCH(int, tab);
+    QFETCH(QByteArray, prefix);
+    showTab(tab);
+    showPage(tab, InterfaceKind::Rs232);
+    auto* link = operate->find<QLabel>(prefix + "rs232configure");
+    QCOMPARE(link->text(), "<a href=\"#" + QString(prefix) + "rs232configure\">configure</a>");
     QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(10, link->height() / 2));
-    QWidget* serial = nullptr;
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->windowTitle() == "RS232 Configuration" && each->isVisible()) {
-            serial = each;
-        }
-    }
+    QWidget* serial = shownSerialDialog();
     QVERIFY(serial != nullptr);
     const WindowDriver other(*serial);
     other.pick("parity", 1);
-    QCOMPARE(setup->generator.rs232Parity, 2);
-    QCOMPARE(setup->analyzer.rs232Parity, 0);
+    for (int each = 0; each < 3; ++each) {
+        QCOMPARE(instrument(each).rs232Parity, each == tab ? 2 : 0);
+    }
     serial->close();
+}
+
+void TestDevicesDialog::otherLinksDoNothing_data()
+{
+    addTabs();
 }
 
 void TestDevicesDialog::otherLinksDoNothing()
 {
-    dialog->on_a_rs232configure_linkActivated("#g_rs232configure");
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        QVERIFY(each->windowTitle() != "RS232 Configuration" || !each->isVisible());
+    QFETCH(int, tab);
+    QFETCH(QByteArray, prefix);
+    auto* link = operate->find<QLabel>(prefix + "rs232configure");
+    const QStringList links = {"#g_rs232configure", "#a_rs232configure", "#m_rs232configure"};
+    for (int other = 0; other < 3; ++other) {
+        if (other != tab) {
+            emit link->linkActivated(links.at(other));
+            QVERIFY(shownSerialDialog() == nullptr);
+        }
     }
 }
 

@@ -62,6 +62,9 @@ void TestDevicesDialogForm::titleTabsAndSize()
     QCOMPARE(dialog->minimumSize(), dialog->maximumSize());
     QVERIFY(!dialog->isModal());
     QVERIFY(dialog->parent() == nullptr);
+    // Qt adds the system menu to a close button.
+    QCOMPARE(dialog->windowFlags() & ~Qt::WindowType_Mask,
+             Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowSystemMenuHint);
 }
 
 void TestDevicesDialogForm::devicesAreListed()

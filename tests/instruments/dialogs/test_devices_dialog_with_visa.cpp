@@ -1,8 +1,10 @@
 // The instruments' window on a machine with a VISA library.
 #include "instruments/dialogs/devices_dialog.h"
 
-#include <QComboBox>
+#include "kit/window_driver.h"
+
 #include <QStandardItemModel>
+#include <QTabWidget>
 #include <QtTest>
 
 class TestDevicesDialogWithVisa : public QObject
@@ -11,6 +13,7 @@ class TestDevicesDialogWithVisa : public QObject
 
 private slots:
     void onlyOneVisaRowIsUnselectable();
+    void aPickedInterfaceIsStoredAndTurnsItsPage();
 };
 
 void TestDevicesDialogWithVisa::onlyOneVisaRowIsUnselectable()
@@ -23,6 +26,28 @@ void TestDevicesDialogWithVisa::onlyOneVisaRowIsUnselectable()
             QVERIFY(model->item(row)->isEnabled());
         }
         QVERIFY(!model->item(2)->isEnabled());
+    }
+}
+
+void TestDevicesDialogWithVisa::aPickedInterfaceIsStoredAndTurnsItsPage()
+{
+    MeasurementSetup setup;
+    DevicesDialog dialog;
+    dialog.setSetup(&setup, {});
+    dialog.show();
+    const WindowDriver operate(dialog);
+    const Instrument* const instruments[] = {&setup.generator, &setup.analyzer, &setup.microwave};
+    for (int tab = 0; tab < 3; ++tab) {
+        operate.find<QTabWidget>("tabWidget")->setCurrentIndex(tab);
+        const QByteArray prefix = QByteArray("gam").mid(tab, 1);
+        auto* box = operate.find<QComboBox>(prefix + "_interface");
+        const auto* pages = operate.find<QStackedWidget>(prefix + "_stacked_widget");
+        QTest::keyClick(box, Qt::Key_Home);
+        for (const int row : {0, 1, 3, 4, 5}) {
+            QCOMPARE(static_cast<int>(instruments[tab]->interfaceKind), row);
+            QCOMPARE(pages->currentIndex(), row < 2 ? 0 : 1);
+            QTest::keyClick(box, Qt::Key_Down);
+        }
     }
 }
 

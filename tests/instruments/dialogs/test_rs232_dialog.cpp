@@ -82,6 +82,9 @@ void TestRs232Dialog::titleAndRows()
     QCOMPARE(operate->rowTexts("flowcontrol").join(' '), QString("None Hardware Software"));
     QCOMPARE(dialog->minimumSize(), dialog->maximumSize());
     QVERIFY(!dialog->isModal());
+    // Qt adds the system menu to a close button.
+    QCOMPARE(dialog->windowFlags() & ~Qt::WindowType_Mask,
+             Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowSystemMenuHint);
 }
 
 void TestRs232Dialog::defaultsAreShown()
