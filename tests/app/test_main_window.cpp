@@ -18,6 +18,8 @@ private slots:
     void inputsThatOnlyPrepareDoNotInvalidate();
     void changeDuringACalculationFreesTheButtonAndEndsValid();
     void twoCalculationsRunBesideEachOther();
+    void everyClickHasItsLineInTheLog_data();
+    void everyClickHasItsLineInTheLog();
     void sourceButtonsTurnThePages();
     void seedIsKeptWhileItIsDisabled();
     void sinxCompensationIsKeptWhileItIsDisabled();
@@ -28,8 +30,6 @@ private slots:
     void noNotchNoMeasurement();
     void settingsAreFoundAgainAtTheNextStart();
     void rowsWithoutANameSurviveTheWindow();
-
-private:
 };
 
 void TestMainWindow::init()
@@ -46,6 +46,11 @@ void TestMainWindow::firstStartShowsDefaults()
 {
     QCOMPARE(window->windowTitle(), QStringLiteral("Notchbench"));
     QCOMPARE(window->size(), QSize(829, 449));
+    // Qt adds the title and the system menu to buttons.
+    QCOMPARE(window->windowFlags() & ~Qt::WindowType_Mask,
+             Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
+                 Qt::WindowContextHelpButtonHint | Qt::WindowCloseButtonHint | Qt::WindowTitleHint |
+                 Qt::WindowSystemMenuHint);
     QCOMPARE(QDir::currentPath(), QDir::homePath());
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data invalid"));
     QCOMPARE(operate->text("tcp_status_label"), QStringLiteral("not connected"));
@@ -182,6 +187,34 @@ void TestMainWindow::twoCalculationsRunBesideEachOther()
     operate->click("calc_fft_button");
     QTRY_COMPARE_WITH_TIMEOUT(ended.count(), 2, 60000);
     QCOMPARE(operate->text("fft_status_label"), QStringLiteral("Data valid"));
+}
+
+void TestMainWindow::everyClickHasItsLineInTheLog_data()
+{
+    QTest::addColumn<Deed>("deed");
+    QTest::addColumn<QByteArray>("line");
+    const auto row = [](const char* line, Deed deed) {
+        QTest::newRow(line) << deed << QByteArray(line);
+    };
+    row("FFT Length Changed To:  64",
+        [](const WindowDriver& o) { o.pick("fft_length_input", 16); });
+    row("Notch Count Changed", [](const WindowDriver& o) { o.type("notch_count_input", "4"); });
+    row("AutoCalc Notches Clicked",
+        [](const WindowDriver& o) { o.click("autocalc_notches_button"); });
+    row("Cell Changed 6 1", [](const WindowDriver& o) { o.typeCell(1, 6, "-40"); });
+    row("Device Window Opened", [](const WindowDriver& o) { o.trigger("actionDevices"); });
+    row("Quit Clicked", [](const WindowDriver& o) { o.click("quit_button"); });
+}
+
+void TestMainWindow::everyClickHasItsLineInTheLog()
+{
+    QFETCH(Deed, deed);
+    QFETCH(QByteArray, line);
+    operate->type("notch_count_input", "3");
+    operate->type("notch_offset_input", "0");
+    operate->click("autocalc_notches_button");
+    QTest::ignoreMessage(QtDebugMsg, line); // fails without it
+    deed(*operate);
 }
 
 void TestMainWindow::sourceButtonsTurnThePages()

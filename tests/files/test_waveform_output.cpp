@@ -31,6 +31,7 @@ private slots:
     void textFormOfZeroIsNotANumber();
     void wavFormHasItsHeaderAndUsesTheWiderSpan_data();
     void wavFormHasItsHeaderAndUsesTheWiderSpan();
+    void wavFormTellsItsSizesInTheLog();
     void wavFormKeepsTheLowBitsOfHugeSamples();
     void wavFormOfAConstantSignalHasUndefinedSamplesButItsSize();
     void wvFormHasItsTagsAndFullScale();
@@ -95,6 +96,13 @@ void TestWaveformOutput::wavFormHasItsHeaderAndUsesTheWiderSpan()
     QFETCH(QByteArray, qWords);
     QCOMPARE(read(".i.wav"), header + iWords);
     QCOMPARE(read(".q.wav"), header + qWords);
+}
+
+void TestWaveformOutput::wavFormTellsItsSizesInTheLog()
+{
+    QTest::ignoreMessage(QtDebugMsg, "I File Size: 50"); // fails without it
+    QTest::ignoreMessage(QtDebugMsg, "Q File Size: 50");
+    writeIQWaveFiles(signalOf({1.0, 2.0, 3.0}, {1.0, 2.0, 3.0}), base(), 1);
 }
 
 void TestWaveformOutput::wavFormKeepsTheLowBitsOfHugeSamples()
