@@ -24,6 +24,7 @@ private slots:
     void cleanup();
     void bandIsOutlinedAndTheCarrierGreen();
     void hoveredNotchIsHighlighted();
+    void aNotchBesideTheBandIsPaintedOver();
     void carrierModeDrawsACombAndIgnoresTheMouse();
     void bodyDragMovesBothEdges();
     void edgeDragMovesOneEdge();
@@ -80,6 +81,17 @@ void TestGraphWidget::hoveredNotchIsHighlighted()
     QCOMPARE(operate->pixel(216, 60), QColor(50, 50, 50));
     operate->moveTo({300, 60});
     QCOMPARE(operate->pixel(216, 60), QColor(Qt::black));
+}
+
+// The band ends at bin -128, pixel 192; the notch stands on pixels 156 to 176.
+void TestGraphWidget::aNotchBesideTheBandIsPaintedOver()
+{
+    operate->setup.nbwSrate = 0.25;
+    operate->addNotch(-200, -160, -52.0);
+    operate->moveTo({166, 60});
+    QCOMPARE(operate->pixel(192, 100), QColor(Qt::yellow)); // the band's edge
+    QCOMPARE(operate->pixel(166, 60), QColor(Qt::black));   // no highlight
+    QCOMPARE(operate->pixel(166, 99), QColor(Qt::black));   // no outline
 }
 
 void TestGraphWidget::carrierModeDrawsACombAndIgnoresTheMouse()
@@ -156,7 +168,14 @@ void TestGraphWidget::depthSticksAtZeroAndHasNoFloor()
 void TestGraphWidget::rubberBandAddsANotch()
 {
     QSignalSpy changed(&operate->graph, &GraphWidget::graphChanged);
-    operate->drag({266, 5}, {286, 100});
+    operate->press({266, 5});
+    operate->moveTo({286, 100}, Qt::LeftButton);
+    const QColor outline = operate->pixel(266, 60); // white, shared with the pixel beside it
+    QVERIFY2(outline.red() > 100 && outline.red() == outline.green() &&
+                 outline.red() == outline.blue(),
+             qPrintable(outline.name()));
+    QCOMPARE(operate->pixel(276, 60), QColor(Qt::black)); // inside
+    operate->release({286, 100});
     QCOMPARE(operate->count(), 1);
     QCOMPARE(operate->notch().startIndex, 20);
     QCOMPARE(operate->notch().stopIndex, 60);
