@@ -1,6 +1,7 @@
 // The bottom row of the window with an instrument at the other end of the line.
 #include "app/remote_failure_box.h"
 #include "kit/background_jobs.h"
+#include "kit/bench_instrument.h"
 #include "kit/main_window_test.h"
 #include "kit/scripted_instrument.h"
 #include "remote/ko_remote_exception.h"
@@ -312,11 +313,15 @@ void TestMainWindowMeasurement::aFailedPresetOpensNoBox()
 
 void TestMainWindowMeasurement::aPresetKeepsAConnectionMadeMeanwhile()
 {
-    ScriptedInstrument microwave(5025, "127.0.0.2");
+    device.reset();
+    BenchInstrument slow("127.0.0.1");
+    BenchInstrument microwave("127.0.0.2");
+    QVERIFY(slow.isListening() && microwave.isListening());
+    slow.answer("*IDN?", "slow\n");
+    slow.hold("*IDN?");
     microwave.answer("*IDN?", "MW\n");
-    device->answer("*IDN?", {{600, "slow\n"}}); // asked four times by a preset
     operate->click("preset_button");
-    QTRY_VERIFY(device->connectionCount() > 0);
+    QTRY_COMPARE(slow.count("*IDN?"), 1);
     const WindowDriver devices = devicesDriver();
     devices.find<QTabWidget>("tabWidget")->setCurrentIndex(2);
     devices.pick("m_type", 2);
@@ -327,12 +332,16 @@ void TestMainWindowMeasurement::aPresetKeepsAConnectionMadeMeanwhile()
     QTest::keyClick(address, Qt::Key_Return);
     devices.click("m_init");
     QTRY_COMPARE(devices.text("m_message"), QString("MW"));
+    QCOMPARE(slow.count("*IDN?"), 1); // the preset is still where it was
+    slow.release();
     QVERIFY(backgroundJobsEnd(10000));
     devices.click("m_if_input"); // a preset is followed by no refresh of its own
     QCOMPARE(devices.text("g_message"), QString("slow"));
     QCOMPARE(devices.text("m_message"), QString("MW"));
     QVERIFY(devices.isEnabled("m_set"));
     QCOMPARE(microwave.openConnections(), 1);
+    closeWindow(); // before the instruments
+    waitForBackgroundJobs();
 }
 
 void TestMainWindowMeasurement::aFailureOnTheMainThreadOpensABox()
