@@ -64,7 +64,6 @@ private slots:
     void theMeasurementBlockHasItsCells();
     void eachSourceHasItsPage();
     void theSplitterHoldsTheTableAboveTheGraph();
-    void theWindowIsTheGrandparentOfTheGraphsParent();
 
 private:
     QGridLayout* grid(const char* name) const
@@ -244,13 +243,6 @@ void TestMainWindowLayout::theSplitterHoldsTheTableAboveTheGraph()
     QCOMPARE(ui->splitter->widget(1), ui->graph_widget);
     QVERIFY(!ui->main_table->showGrid());
     QVERIFY(!ui->main_table->alternatingRowColors()); // the model shades its rows
-}
-
-void TestMainWindowLayout::theWindowIsTheGrandparentOfTheGraphsParent()
-{
-    // The graph takes the window from the grandparent of its own parent, the splitter.
-    QCOMPARE(ui->graph_widget->parentWidget(), ui->splitter);
-    QCOMPARE(ui->splitter->parentWidget()->parentWidget(), window.get());
 }
 
 QTEST_MAIN(TestMainWindowLayout)
