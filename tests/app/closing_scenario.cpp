@@ -1,6 +1,7 @@
 // A program with the real window that closes at a chosen moment; test_closing runs it as a
 // process of its own and judges how it ends.
 #include "app/main_window.h"
+#include "base/worker_threads.h"
 #include "kit/background_jobs.h"
 #include "kit/bench_instrument.h"
 #include "kit/full_listener.h"
@@ -16,11 +17,16 @@
 
 namespace {
 
+void say(const char* line)
+{
+    std::puts(line);
+    std::fflush(stdout);
+}
+
 // From here on the process has two seconds; test_closing measures them.
 void closeNow(MainWindow& window)
 {
-    std::puts("closing");
-    std::fflush(stdout);
+    say("closing");
     window.close();
 }
 
@@ -66,11 +72,18 @@ void closeAndWaitForTheCalculation(MainWindow& window, const WindowDriver& opera
     window.close();
 }
 
+// The end of the calculation is told by another thread, as the window's should hang by then.
 void forceTheCloseOfARunningCalculation(MainWindow& window, const WindowDriver& operate)
 {
     startCalculating(operate);
-    operate.onNext<QMessageBox>(
-        [](QMessageBox* box) { QTest::mouseClick(box->buttons().constFirst(), Qt::LeftButton); });
+    operate.onNext<QMessageBox>([](QMessageBox* box) {
+        QTest::mouseClick(box->buttons().constFirst(), Qt::LeftButton);
+        say("forced");
+        std::thread([] {
+            WorkerThreads::ofProcess().waitForDone();
+            say("calculated");
+        }).detach();
+    });
     window.close();
 }
 
@@ -245,8 +258,7 @@ void closeDuringACallOfVisa(MainWindow& window, const WindowDriver& operate)
     }
     std::thread([] {
         (void)std::getchar();
-        std::puts("released");
-        std::fflush(stdout);
+        say("released");
         visa.release();
     }).detach();
     closeNow(window);

@@ -1,4 +1,4 @@
-// What the threads of this process do, as the system tells it.
+// What the threads of a process do, as the system tells it.
 #pragma once
 
 #include <QFile>
@@ -11,13 +11,28 @@ inline long ownThreadId()
     return syscall(SYS_gettid);
 }
 
-// 'S' for one that sleeps; '?' where the system doesn't tell.
-inline char stateOfThread(long id)
+// The fields behind the name of a thread, which may hold anything; none where the system doesn't
+// tell.
+inline QByteArrayList threadFields(const QString& process, long id)
 {
-    QFile file(QStringLiteral("/proc/self/task/%1/stat").arg(id));
+    QFile file(QStringLiteral("/proc/%1/task/%2/stat").arg(process).arg(id));
     if (!file.open(QIODevice::ReadOnly)) {
-        return '?';
+        return {};
     }
     const QByteArray text = file.readAll();
-    return text.at(text.lastIndexOf(')') + 2);
+    return text.mid(text.lastIndexOf(')') + 2).split(' ');
+}
+
+// 'S' for a thread of this process that sleeps; '?' where the system doesn't tell.
+inline char stateOfThread(long id)
+{
+    return threadFields(QStringLiteral("self"), id).value(0, "?").at(0);
+}
+
+// Processor time of a thread of another process; 0 where the system doesn't tell.
+inline double secondsOfThread(qint64 process, long id)
+{
+    const QByteArrayList fields = threadFields(QString::number(process), id);
+    const double ticks = fields.value(11).toDouble() + fields.value(12).toDouble();
+    return ticks / double(sysconf(_SC_CLK_TCK));
 }
