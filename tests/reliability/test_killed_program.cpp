@@ -1,5 +1,5 @@
-// The program is killed 200 times at random moments of a save and of a close. What is found
-// afterwards is the former configuration or the new one, whole.
+// The program is killed 200 times at random moments of a save and of a close, half of them a little
+// after its end. What is found afterwards is the former configuration or the new one, whole.
 #include "kit/file_content.h"
 #include "setup/config_file.h"
 
@@ -13,6 +13,7 @@
 
 namespace {
 
+constexpr int killCount = 20;
 constexpr int rowCount = 300; // a file of more than 20 kB, so that a moment of the write is hit
 
 QByteArray textOf(quint32 seed, const QTemporaryDir& folder)
@@ -55,7 +56,10 @@ private:
     static void rounds(int count);
     QByteArray config() const;
     void put(const QByteArray& text) const;
-    bool killAtARandomMoment(const char* scenario, int withinMicroseconds);
+    void start(QProcess& program, const char* scenario) const;
+    double nanosecondsOf(const char* scenario) const;
+    bool killAt(double nanoseconds, const char* scenario) const;
+    QVector<double> moments(const char* scenario, int seed) const;
 
     std::unique_ptr<QTemporaryDir> folder;
     QByteArray one;
@@ -66,9 +70,9 @@ private:
 // slowly.
 void TestKilledProgram::rounds(int count)
 {
-    QTest::addColumn<int>("kills");
-    for (int round = 1; round <= count; ++round) {
-        QTest::addRow("round %d", round) << 20;
+    QTest::addColumn<int>("seed");
+    for (int seed = 1; seed <= count; ++seed) {
+        QTest::addRow("seed %d", seed) << seed;
     }
 }
 
@@ -94,50 +98,86 @@ void TestKilledProgram::put(const QByteArray& text) const
     QCOMPARE(file.write(text), qint64{text.size()});
 }
 
-bool TestKilledProgram::killAtARandomMoment(const char* scenario, int withinMicroseconds)
+void TestKilledProgram::start(QProcess& program, const char* scenario) const
 {
-    QProcess program;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("XDG_DATA_HOME", folder->path());
     program.setProcessEnvironment(environment);
     program.setStandardErrorFile(QProcess::nullDevice());
     program.start(SAVING_PROGRAM, {scenario});
+}
+
+// How long the scenario takes when it is left alone.
+double TestKilledProgram::nanosecondsOf(const char* scenario) const
+{
+    QProcess program;
+    start(program, scenario);
+    QByteArrayList lines;
+    while (lines.size() < 2 && (program.canReadLine() || program.waitForReadyRead(60000))) {
+        lines << program.readLine();
+    }
+    program.kill();
+    program.waitForFinished(60000);
+    return 1e3 * lines.value(1).toDouble();
+}
+
+bool TestKilledProgram::killAt(double nanoseconds, const char* scenario) const
+{
+    QProcess program;
+    start(program, scenario);
     const bool hasCome = program.waitForReadyRead(60000);
-    const qint64 moment = 1000LL * QRandomGenerator::global()->bounded(withinMicroseconds);
     QElapsedTimer timer;
     timer.start();
-    while (timer.nsecsElapsed() < moment) { // finer than the system's timers
+    while (double(timer.nsecsElapsed()) < nanoseconds) { // finer than the system's timers
     }
     ::kill(pid_t(program.processId()), SIGKILL);
     return program.waitForFinished(60000) && hasCome;
 }
 
+// Drawn one from each of as many equal parts of twice the time that the scenario takes.
+QVector<double> TestKilledProgram::moments(const char* scenario, int seed) const
+{
+    const double part = 2.0 * nanosecondsOf(scenario) / killCount;
+    QRandomGenerator random(static_cast<quint32>(seed));
+    QVector<double> drawn;
+    for (int i = 0; i < killCount; ++i) {
+        drawn << part * (i + random.generateDouble());
+    }
+    return drawn;
+}
+
 void TestKilledProgram::killedWhileSavingLeavesAWholeConfiguration()
 {
-    QFETCH(int, kills);
+    QFETCH(int, seed);
     put(one);
-    for (int kill = 0; kill < kills; ++kill) {
-        QVERIFY(killAtARandomMoment("save", 8000));
+    const QVector<double> drawn = moments("save", seed);
+    put(one);
+    int saved = 0;
+    for (const double moment : drawn) {
+        QVERIFY(killAt(moment, "save"));
         const QByteArray found = config();
-        QVERIFY2(withoutOrder(found) == withoutOrder(one) ||
-                     withoutOrder(found) == withoutOrder(two),
-                 found.constData());
+        const bool isNew = withoutOrder(found) == withoutOrder(two);
+        QVERIFY2(isNew || withoutOrder(found) == withoutOrder(one), found.constData());
+        saved += isNew ? 1 : 0;
     }
+    QVERIFY2(saved > 0 && saved < killCount, QByteArray::number(saved));
 }
 
 void TestKilledProgram::killedWhileClosingLeavesAWholeConfiguration()
 {
-    QFETCH(int, kills);
+    QFETCH(int, seed);
+    put(one);
+    const QVector<double> drawn = moments("close", seed);
     int saved = 0;
-    for (int kill = 0; kill < kills; ++kill) {
+    for (const double moment : drawn) {
         put(one);
-        QVERIFY(killAtARandomMoment("close", 60000));
+        QVERIFY(killAt(moment, "close"));
         const QByteArray found = config();
         const bool isNew = withoutOrder(found) == withoutOrder(two);
         QVERIFY2(isNew || found == one, found.constData());
         saved += isNew ? 1 : 0;
     }
-    qInfo("%d of %d had saved", saved, kills);
+    QVERIFY2(saved > 0 && saved < killCount, QByteArray::number(saved));
 }
 
 QTEST_GUILESS_MAIN(TestKilledProgram)
