@@ -293,12 +293,10 @@ QVector<NprPoint> theoryOf(const Task& task, const QVector<NprPoint>& points)
 
 void requireSubtractable(const Task& task, const NprResult& result)
 {
-    if (task.request.without) {
-        CampaignPlan plan;
-        plan.levels = task.request.levels;
-        plan.notches = task.chosen;
-        requireSubtractable(*task.request.without, result, plan, task.session.arguments);
-    }
+    CampaignPlan plan;
+    plan.levels = task.request.levels;
+    plan.notches = task.chosen;
+    requireSubtractable(task.request.without, result, plan, task.session.arguments);
 }
 
 ResultContext contextOf(const Task& task, const NprResult& result)

@@ -98,10 +98,13 @@ MeasuringRequest requestOf(const Arguments& arguments)
     return request;
 }
 
-void requireSubtractable(const NprResult& without, const NprResult& result,
+void requireSubtractable(const std::optional<NprResult>& without, const NprResult& wanted,
                          const CampaignPlan& plan, const Arguments& arguments)
 {
-    const QString objection = objectionToSubtracting(without, result, plan);
+    if (!without) {
+        return;
+    }
+    const QString objection = objectionToSubtracting(*without, wanted, plan);
     if (!objection.isEmpty()) {
         failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
                   "; measure it with the same notches, levels and bandwidth");

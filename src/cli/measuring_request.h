@@ -32,9 +32,9 @@ struct MeasuringRequest
 // Throws Failure.
 MeasuringRequest requestOf(const Arguments& arguments);
 
-// Why a result measured without the device can't be subtracted from what is measured of the plan
-// with the settings of result ends the command, before anything is measured. Throws Failure.
-void requireSubtractable(const NprResult& without, const NprResult& result,
+// Before hours of measuring, not after them: throws Failure when the result of "--subtract" lacks a
+// point of the plan, or was measured otherwise than the wanted result is to be. Any thread.
+void requireSubtractable(const std::optional<NprResult>& without, const NprResult& wanted,
                          const CampaignPlan& plan, const Arguments& arguments);
 
 // Throws Failure in carrier mode and without a notch.

@@ -102,19 +102,6 @@ ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& r
 
 } // namespace
 
-void requireSubtractable(const MeasuringRequest& request, const NprResult& wanted,
-                         const CampaignPlan& plan, const Arguments& arguments)
-{
-    if (!request.without) {
-        return;
-    }
-    const QString objection = objectionToSubtracting(*request.without, wanted, plan);
-    if (!objection.isEmpty()) {
-        failUsage("--subtract " + arguments.value("subtract") + ": " + objection +
-                  "; measure it with the same notches, levels and bandwidth");
-    }
-}
-
 PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
                                    Console& console)
 {
@@ -136,9 +123,7 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     if (!ready.request.simulated) {
         warnOfFrequencies(setup, ready.plan, console);
     }
-    if (ready.request.without) {
-        requireSubtractable(*ready.request.without, ready.result, ready.plan, arguments);
-    }
+    requireSubtractable(ready.request.without, ready.result, ready.plan, arguments);
     ready.context = contextOf(setup, ready.request, ready.plan, arguments, wanted);
     ready.hasCurves = !wanted.levels.isEmpty();
     return ready;

@@ -31,11 +31,6 @@ struct PreparedMeasuring
 PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
                                    Console& console);
 
-// Before hours of measuring, not after them: throws Failure when the result of "--subtract" lacks a
-// point of the plan, or was measured otherwise than the wanted result is to be. Any thread.
-void requireSubtractable(const MeasuringRequest& request, const NprResult& wanted,
-                         const CampaignPlan& plan, const Arguments& arguments);
-
 // What so many points are worth: marks, subtraction, limit, curves. Any thread.
 NprResult resultOf(const PreparedMeasuring& ready, const QVector<NprPoint>& points,
                    const BenchNames& bench, const QVector<quint32>& seeds);

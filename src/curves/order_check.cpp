@@ -100,7 +100,7 @@ void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& che
     requireNotchMode(setup);
     setup.signal.length = expectedLength(setup);
     const CampaignPlan plan = planOf(setup, request, wanted.levels, arguments);
-    requireSubtractable(request, newResult(setup), plan, arguments);
+    requireSubtractable(request.without, newResult(setup), plan, arguments);
     check.readings = plan.readingCount();
     check.seconds = request.simulated ? simulatedSeconds(plan, setup.signal.length)
                                       : InstrumentBench(setup).expectedSeconds(plan);
