@@ -4,15 +4,14 @@
 #include "campaign/recorded_points.h"
 #include "campaign/subtraction.h"
 #include "campaign/theory.h"
+#include "cli/analyze_request.h"
 #include "cli/made_signal.h"
 #include "cli/measuring_request.h"
 #include "cli/new_result.h"
 #include "cli/progress.h"
-#include "cli/result_input.h"
 #include "cli/result_output.h"
 #include "cli/setup_arguments.h"
 #include "cli/theory_argument.h"
-#include "cli/values.h"
 #include "recording/notch_analysis.h"
 #include "recording/recording_file.h"
 
@@ -22,89 +21,7 @@
 
 namespace {
 
-struct Request
-{
-    QStringList files;
-    QVector<double> levels; // dBm, one a file, or none
-    const SampleType* type = nullptr;
-    std::optional<double> sampleRate;
-    std::optional<double> center;
-    double skipSeconds = 0.0;
-    QVector<double> thresholds;
-    std::optional<double> limit;
-    std::optional<Chain> theory;
-    std::optional<NprResult> without; // the device
-
-    LevelUnit unit() const { return levels.isEmpty() ? LevelUnit::Dbfs : LevelUnit::Dbm; }
-};
-
-void checkFiles(const Request& request)
-{
-    if (request.files.isEmpty()) {
-        failUsage(QStringLiteral("analyze needs a recording behind CONFIG"));
-    }
-    if (!request.levels.isEmpty() && request.levels.size() != request.files.size()) {
-        failUsage(QStringLiteral("--level is given %1 times for %2 recordings; give it once for "
-                                 "each, in their order, or not at all")
-                      .arg(request.levels.size())
-                      .arg(request.files.size()));
-    }
-}
-
-// Of the request's files and levels.
-void takeComparisons(const Arguments& arguments, Request& request)
-{
-    if (arguments.has("theory")) {
-        request.theory = theoryChain(arguments.value("theory"), std::nullopt, request.unit());
-    }
-    if (arguments.has("subtract") && request.levels.isEmpty()) {
-        failUsage(QStringLiteral("--subtract needs --level for each recording, here and in what is "
-                                 "subtracted: levels in dBFS are never quite the same"));
-    }
-    if (arguments.has("subtract")) {
-        request.without = readResult(arguments.value("subtract"));
-    }
-}
-
-const SampleType* typeOf(const QString& name)
-{
-    const SampleType* const type = sampleTypeOf(name);
-    if (type == nullptr) {
-        failUsage("--type takes " + sampleTypeNames().join('|') + ", not \"" + name + '"');
-    }
-    return type;
-}
-
-Request analyzeRequestOf(const Arguments& arguments)
-{
-    Request request;
-    checkResultOptions(arguments);
-    request.files = arguments.positional().mid(1);
-    for (const QString& level : arguments.values("level")) {
-        request.levels << numberOf(level, "--level", {-300.0, 300.0, "dBm"});
-    }
-    for (const QString& threshold : arguments.values("threshold")) {
-        request.thresholds << thresholdOf(threshold);
-    }
-    if (arguments.has("type")) {
-        request.type = typeOf(arguments.value("type"));
-    }
-    if (arguments.has("rate")) {
-        request.sampleRate = numberOf(arguments.value("rate"), "--rate", {1e-3, 1e12, "Hz"});
-    }
-    if (arguments.has("limit")) {
-        request.limit = numberOf(arguments.value("limit"), "--limit", {-300.0, 300.0, "dB"});
-    }
-    if (arguments.has("center")) {
-        request.center = numberOf(arguments.value("center"), "--center", {-1e12, 1e12, "Hz"});
-    }
-    request.skipSeconds = numberOr(arguments, "skip", {0.0, 1e9, "seconds"}, 0.0);
-    checkFiles(request);
-    takeComparisons(arguments, request);
-    return request;
-}
-
-double sampleRateOf(const Recording& recording, const Request& request)
+double sampleRateOf(const Recording& recording, const AnalyzeRequest& request)
 {
     if (!request.sampleRate && !recording.sampleRate) {
         failUsage(recording.name + " doesn't tell its sample rate; give --rate HZ");
@@ -114,7 +31,7 @@ double sampleRateOf(const Recording& recording, const Request& request)
 
 // Where the carrier lies: as told, or by the frequencies of CONFIG and recording where both have
 // one.
-double centerOf(const Recording& recording, const Request& request, double carrier)
+double centerOf(const Recording& recording, const AnalyzeRequest& request, double carrier)
 {
     if (request.center) {
         return *request.center;
@@ -126,7 +43,7 @@ double centerOf(const Recording& recording, const Request& request, double carri
 struct Task
 {
     const Session& session;
-    const Request& request;
+    const AnalyzeRequest& request;
     QVector<NumberedNotch> notches; // all
     QVector<NumberedNotch> chosen;  // of them
     RecordingRequest wanted;        // but for rate and center
@@ -134,7 +51,7 @@ struct Task
     double carrier = 0.0;           // of CONFIG, Hz
 };
 
-Task taskOf(const Session& session, const Request& request, MeasurementSetup& setup)
+Task taskOf(const Session& session, const AnalyzeRequest& request, MeasurementSetup& setup)
 {
     if (!(setup.sampleRate > 0.0)) {
         failUsage(QStringLiteral("CONFIG's sample rate is %1 Hz; --set \"NPR/SRate=1e8\" makes it "
@@ -252,16 +169,50 @@ void addRecording(const Task& task, const QString& file, std::optional<double> l
     result.recordings.last().file = file;
 }
 
-void addRecordings(const Task& task, NprResult& result)
+// How reading the recording with this index ended. One that can't be read leaves nothing in the
+// result.
+ExitStatus tryRecording(const Task& task, int index, NprResult& result)
 {
     const QVector<double>& levels = task.request.levels;
-    for (int k = 0; k < task.request.files.size(); ++k) {
-        addRecording(task, task.request.files.at(k),
-                     levels.isEmpty() ? std::nullopt : std::make_optional(levels.at(k)), result);
+    const bool hasOthers = task.request.files.size() > 1;
+    Console& console = task.session.console;
+    const auto leaveOut = [&](const QString& reason) {
+        console.message(hasOthers ? reason + "; it is left out" : reason);
+        return ExitStatus::FileFailed;
+    };
+    try {
+        addRecording(task, task.request.files.at(index),
+                     levels.isEmpty() ? std::nullopt : std::make_optional(levels.at(index)),
+                     result);
+    } catch (const RecordingError& error) {
+        return leaveOut(error.text);
+    } catch (const ReadingStopped&) {
+        return statusOfSignal(task.session.stop.received());
+    } catch (const Failure& failure) {
+        if (failure.status == ExitStatus::FileFailed) {
+            return leaveOut(failure.text);
+        }
+        console.message(failure.text);
+        return failure.status;
     }
+    return ExitStatus::Done;
 }
 
-void conclude(const Request& request, NprResult& result)
+// All that can be read, up to a signal or to what no other recording mends, such as wrong usage.
+ExitStatus addRecordings(const Task& task, NprResult& result)
+{
+    ExitStatus all = ExitStatus::Done;
+    for (int k = 0; k < task.request.files.size(); ++k) {
+        const ExitStatus its = tryRecording(task, k, result);
+        if (its != ExitStatus::Done && its != ExitStatus::FileFailed) {
+            return its;
+        }
+        all = its == ExitStatus::Done ? all : its;
+    }
+    return all;
+}
+
+void conclude(const AnalyzeRequest& request, NprResult& result)
 {
     result.bench.analyzer = QStringLiteral("recordings");
     for (NprPoint& point : result.points) {
@@ -299,21 +250,26 @@ void requireSubtractable(const Task& task, const NprResult& result)
     requireSubtractable(task.request.without, result, plan, task.session.arguments);
 }
 
-ResultContext contextOf(const Task& task, const NprResult& result)
+// A signal ends the work on theory too, and decides the status; what was read is put out without.
+ResultContext contextOf(const Task& task, const NprResult& result, ExitStatus& status)
 {
     ResultContext context;
     context.limit = task.request.limit;
     context.thresholds = task.request.thresholds;
-    if (task.theory) {
-        context.theoryName = "theory " + task.session.arguments.value("theory");
-        context.theory = theoryOf(task, result.points);
+    try {
+        if (task.theory) {
+            context.theory = theoryOf(task, result.points);
+            context.theoryName = "theory " + task.session.arguments.value("theory");
+        }
+    } catch (const Failure& failure) {
+        status = failure.status;
     }
     return context;
 }
 
 ExitStatus run(const Session& session)
 {
-    const Request request = analyzeRequestOf(session.arguments);
+    const AnalyzeRequest request = analyzeRequestOf(session.arguments);
     MeasurementSetup setup = readSetup(session.arguments, session.console, Further::Taken);
     requireNotchMode(setup);
     makeSignal(setup);
@@ -324,16 +280,17 @@ ExitStatus run(const Session& session)
     result.signal = figuresOf(setup, statistics);
     const Task task = taskOf(session, request, setup);
     requireSubtractable(task, result);
-    try {
-        addRecordings(task, result);
-    } catch (const RecordingError& error) {
-        failFile(error.text);
-    } catch (const ReadingStopped&) {
-        return statusOfSignal(session.stop.received());
+    ExitStatus status = addRecordings(task, result);
+    if (result.recordings.isEmpty()) {
+        return status;
     }
     conclude(request, result);
-    putOut(result, contextOf(task, result), session.arguments, session.console);
-    return hasMissedLimit(result.points) ? ExitStatus::LimitMissed : ExitStatus::Done;
+    const ResultContext context = contextOf(task, result, status);
+    if (status == ExitStatus::Done && hasMissedLimit(result.points)) {
+        status = ExitStatus::LimitMissed;
+    }
+    putOut(status, result, context, session.arguments, session.console);
+    return status;
 }
 
 } // namespace

@@ -75,20 +75,6 @@ ExitStatus statusOf(const CampaignOutcome& outcome, const NprResult& result,
     return hasMissedLimit(result.points) ? ExitStatus::LimitMissed : ExitStatus::Done;
 }
 
-// Writes what was measured whatever the campaign's end; the first failure decides the status.
-void putOutAfter(ExitStatus status, const NprResult& result, const ResultContext& context,
-                 const Session& session)
-{
-    try {
-        putOut(result, context, session.arguments, session.console);
-    } catch (const Failure& failure) {
-        if (status == ExitStatus::Done || status == ExitStatus::LimitMissed) {
-            throw;
-        }
-        session.console.message(failure.text);
-    }
-}
-
 } // namespace
 
 ExitStatus measure(const Session& session, const Measuring& wanted)
@@ -103,6 +89,6 @@ ExitStatus measure(const Session& session, const Measuring& wanted)
     }
     const NprResult result = resultOf(ready, outcome.points, outcome.bench, outcome.seeds);
     const ExitStatus status = statusOf(outcome, result, ready.request, session);
-    putOutAfter(status, result, ready.context, session);
+    putOut(status, result, ready.context, session.arguments, session.console);
     return status;
 }

@@ -4,7 +4,6 @@
 #include "campaign/result_csv.h"
 #include "campaign/result_json.h"
 #include "chart/chart_file.h"
-#include "cli/exit_status.h"
 #include "cli/recording_table.h"
 #include "cli/text_table.h"
 
@@ -123,6 +122,21 @@ void printTables(const NprResult& result, const ResultContext& context, Console&
     }
 }
 
+void putOutAll(const NprResult& result, const ResultContext& context, const Arguments& arguments,
+               Console& console)
+{
+    QStringList unwritten = writeForms(result, arguments, console);
+    for (const QString& file : arguments.values("plot")) {
+        if (!saveChart(chartOf(result, context), file)) {
+            unwritten << file;
+        }
+    }
+    if (!takesStandardOutput(arguments)) {
+        printTables(result, context, console);
+    }
+    requireWritten(unwritten);
+}
+
 } // namespace
 
 Options jsonOption()
@@ -189,19 +203,17 @@ void writeChart(const NprChartData& chart, const QString& file)
     }
 }
 
-void putOut(const NprResult& result, const ResultContext& context, const Arguments& arguments,
-            Console& console)
+void putOut(ExitStatus status, const NprResult& result, const ResultContext& context,
+            const Arguments& arguments, Console& console)
 {
-    QStringList unwritten = writeForms(result, arguments, console);
-    for (const QString& file : arguments.values("plot")) {
-        if (!saveChart(chartOf(result, context), file)) {
-            unwritten << file;
+    try {
+        putOutAll(result, context, arguments, console);
+    } catch (const Failure& failure) {
+        if (status == ExitStatus::Done || status == ExitStatus::LimitMissed) {
+            throw;
         }
+        console.message(failure.text);
     }
-    if (!takesStandardOutput(arguments)) {
-        printTables(result, context, console);
-    }
-    requireWritten(unwritten);
 }
 
 QString pointTable(const NprResult& result, const QVector<NprPoint>& theory, const Console& console)

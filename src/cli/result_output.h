@@ -4,6 +4,7 @@
 #include "campaign/npr_result.h"
 #include "cli/arguments.h"
 #include "cli/console.h"
+#include "cli/exit_status.h"
 #include "cli/option.h"
 #include "cli/result_chart.h"
 
@@ -24,9 +25,11 @@ void writeResult(const NprResult& result, const Arguments& arguments, Console& c
 void writeBytes(const QByteArray& bytes, const QString& file, Console& console);
 void writeChart(const NprChartData& chart, const QString& file);
 
-// The same with the pictures of --plot; the tables unless standard output got one of them.
-void putOut(const NprResult& result, const ResultContext& context, const Arguments& arguments,
-            Console& console);
+// The same with the pictures of --plot, and the tables unless standard output got one of them,
+// after work that ended so. The first failure decides the program's status: throws Failure only
+// where all went well before, and otherwise tells it.
+void putOut(ExitStatus status, const NprResult& result, const ResultContext& context,
+            const Arguments& arguments, Console& console);
 
 // The points, a line each, numbers rounded to their sigma, beside theory if there is any.
 QString pointTable(const NprResult& result, const QVector<NprPoint>& theory,

@@ -68,6 +68,10 @@ private slots:
     void wrongUsageIsToldBeforeAnythingIsRead();
     void filesThatCantBeReadAreTold_data();
     void filesThatCantBeReadAreTold();
+    void aRecordingThatCantBeReadIsLeftOut();
+    void whatCameBeforeAMistakeIsKept();
+    void whatCameBeforeAnInterruptionIsKept_data();
+    void whatCameBeforeAnInterruptionIsKept();
     void resultsInOtherUnitsAreNotDrawnTogether();
     void gigabytesTakeLittleMemoryAndCanBeLeft();
 
@@ -388,6 +392,79 @@ void TestCliAnalyze::filesThatCantBeReadAreTold()
     const CliRun run = analyze(words);
     QVERIFY2(run.status == 3, qPrintable(run.err));
     QVERIFY2(run.errLines().last().contains(message), qPrintable(run.err));
+}
+
+// One of 8 bits that is missing, one that is empty, and one at a rate with no notch in it.
+void TestCliAnalyze::aRecordingThatCantBeReadIsLeftOut()
+{
+    const QString good = quantised("good.ci8", 4.0);
+    QFile empty(cli.path("empty.ci8"));
+    QVERIFY(empty.open(QIODevice::WriteOnly));
+    const CliRun run = analyze({"missing.ci8", good, "empty.ci8", good, "--rate", "1e8", "--level",
+                                "-9", "--level=-8", "--level=-7", "--level=-6", "--limit", "99",
+                                "--json", "kept.json", "--csv", "kept.csv"});
+    QCOMPARE(run.status, 3);
+    QCOMPARE(run.errLines().size(), 2);
+    QVERIFY2(run.errLines().constFirst().contains("missing.ci8: there is no such file; it is left"),
+             qPrintable(run.err));
+    QVERIFY2(run.errLines().constLast().contains("empty.ci8 holds no sample; it is left out"),
+             qPrintable(run.err));
+    QVERIFY2(run.out.contains("peak/dB"), qPrintable(run.out));
+    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("kept.json"))));
+    QCOMPARE(numbersOf(result, "level_dbm"), (QVector<double>{-8, -8, -8, -6, -6, -6}));
+    QCOMPARE(numbersOf(result, "recording"), (QVector<double>{0, 0, 0, 1, 1, 1}));
+    QCOMPARE(result["recordings"].toArray().size(), 2);
+    QCOMPARE(contentOf(cli.path("kept.csv")).count('\n'), 7);
+}
+
+// The second recording doesn't tell its rate; the third one isn't read.
+void TestCliAnalyze::whatCameBeforeAMistakeIsKept()
+{
+    const CliRun run = analyze({"noise.sigmf-meta", "noise.npy", "noise.sigmf-meta", "--json",
+                                "before.json", "--json", "no/folder.json"});
+    QCOMPARE(run.status, 2);
+    QCOMPARE(run.errLines().size(), 2);
+    QVERIFY2(run.errLines().constFirst().contains("noise.npy doesn't tell its sample rate"),
+             qPrintable(run.err));
+    QVERIFY2(run.errLines().constLast().contains("can't write no/folder.json"),
+             qPrintable(run.err));
+    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("before.json"))));
+    QCOMPARE(numbersOf(result, "recording"), (QVector<double>{0, 0, 0}));
+}
+
+void TestCliAnalyze::whatCameBeforeAnInterruptionIsKept_data()
+{
+    QTest::addColumn<QStringList>("words");
+    QTest::newRow("alone") << QStringList{};
+    QTest::newRow("with theory") << QStringList{"--theory", "adc,bits=12"};
+}
+
+// The second recording is the signal and a hole, long enough to be caught in.
+void TestCliAnalyze::whatCameBeforeAnInterruptionIsKept()
+{
+#ifdef Q_OS_UNIX
+    QFETCH(QStringList, words);
+    QFile file(cli.path("hole.cf32"));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(file.write(contentOf(cli.path("noise.cf32"))) > 0);
+    QVERIFY(file.resize(qint64{5} << 30));
+    file.close();
+    QFile::remove(cli.path("left.json"));
+    cli.process.start(NOTCHBENCH_CLI, QStringList{"analyze"} + config +
+                                          QStringList{"noise.cf32", "hole.cf32", "--rate", "1e8",
+                                                      "--json", "left.json"} +
+                                          words);
+    QTRY_VERIFY_WITH_TIMEOUT(bytesReadBy(cli.process.processId()) > 40000000, 60000);
+    cli.process.terminate();
+    QVERIFY(cli.process.waitForFinished(30000));
+    QVERIFY(file.remove());
+    QCOMPARE(cli.process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(cli.process.exitCode(), 143);
+    QVERIFY(cli.process.readAllStandardOutput().contains("NPR/dB"));
+    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("left.json"))));
+    QCOMPARE(numbersOf(result, "notch"), (QVector<double>{1, 2, 3}));
+    QCOMPARE(result["recordings"].toArray().size(), 1);
+#endif
 }
 
 void TestCliAnalyze::resultsInOtherUnitsAreNotDrawnTogether()
