@@ -42,6 +42,10 @@ const Column columns[] = {
 
 // Of points from recordings, behind the others.
 const Column recordedColumns[] = {
+    {"recording",
+     [](const NprPoint& p) {
+         return p.recorded ? QString::number(p.recorded->recording) : QString();
+     }},
     {"lines",
      [](const NprPoint& p) { return p.recorded ? QString::number(p.recorded->lines) : QString(); }},
     {"noise_density_dbfs_hz",

@@ -234,11 +234,11 @@ void TestResultFiles::csvOfRecordingsHasTheirColumns()
 {
     const QByteArray csv = pointsToCsv(recordedResult());
     QCOMPARE(csv, QByteArray("level_dbfs,notch,center_hz,width_hz,power_dbfs,npr_db,sigma_db,"
-                             "evm_percent,marks,passed,lines,noise_density_dbfs_hz,"
+                             "evm_percent,marks,passed,recording,lines,noise_density_dbfs_hz,"
                              "distortion_npr_db\n"
                              "-20.5,1,-31999969.482421875,1e+06,-39.75,20,0.125,10,"
-                             "margin few-peaks,true,1311,-120.5,21.5\n"
-                             "0.1,2,0,2.5,,,,,below-zero,,4,,\n"));
+                             "margin few-peaks,true,0,1311,-120.5,21.5\n"
+                             "0.1,2,0,2.5,,,,,below-zero,,1,4,,\n"));
 }
 
 QTEST_APPLESS_MAIN(TestResultFiles)
