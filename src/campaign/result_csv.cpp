@@ -20,6 +20,14 @@ QString truth(std::optional<bool> value)
     return !value ? QString() : *value ? QStringLiteral("true") : QStringLiteral("false");
 }
 
+// RFC 4180
+QString quoted(QString text)
+{
+    const bool isPlain = std::none_of(text.cbegin(), text.cend(),
+                                      [](QChar c) { return QString(",\"\r\n").contains(c); });
+    return isPlain ? text : '"' + text.replace('"', QLatin1String("\"\"")) + '"';
+}
+
 struct Column
 {
     const char* name; // without its unit where that is the result's
@@ -36,7 +44,7 @@ const Column columns[] = {
     {"npr_db", [](const NprPoint& p) { return number(p.npr); }},
     {"sigma_db", [](const NprPoint& p) { return number(p.sigma); }},
     {"evm_percent", [](const NprPoint& p) { return number(p.evmPercent()); }},
-    {"marks", [](const NprPoint& p) { return p.marks.join(QLatin1Char(' ')); }},
+    {"marks", [](const NprPoint& p) { return quoted(p.marks.join(QLatin1Char(' '))); }},
     {"passed", [](const NprPoint& p) { return truth(p.passed); }},
 };
 
@@ -100,14 +108,6 @@ QByteArray linesOf(const Columns& all, const QVector<NprPoint>& points,
             all, [&point](const Column& column) { return column.text(point); }, more);
     }
     return lines;
-}
-
-// RFC 4180
-QString quoted(QString text)
-{
-    const bool isPlain = std::none_of(text.cbegin(), text.cend(),
-                                      [](QChar c) { return QString(",\"\r\n").contains(c); });
-    return isPlain ? text : '"' + text.replace('"', QLatin1String("\"\"")) + '"';
 }
 
 } // namespace

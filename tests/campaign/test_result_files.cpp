@@ -104,6 +104,7 @@ private slots:
     void otherFilesAreRefused_data();
     void otherFilesAreRefused();
     void csvHasALineAPoint();
+    void marksOfOthersStayOneField();
     void recordingsTellTheirOwnUnitAndHowTheyWereRead();
     void csvOfRecordingsHasTheirColumns();
 };
@@ -205,6 +206,14 @@ void TestResultFiles::csvHasALineAPoint()
                    "marks,passed\n"
                    "-20.5,1,-31999969.482421875,1e+06,-39.75,20,0.125,10,margin few-peaks,true\n"
                    "0.1,2,0,2.5,,,,,below-zero,\n"));
+}
+
+void TestResultFiles::marksOfOthersStayOneField()
+{
+    NprResult made = result();
+    made.points = {goodPoint()};
+    made.points[0].marks = QStringList{"cold, \"wet\"", "windy"};
+    QVERIFY(pointsToCsv(made).endsWith(",\"cold, \"\"wet\"\" windy\",true\n"));
 }
 
 void TestResultFiles::recordingsTellTheirOwnUnitAndHowTheyWereRead()
