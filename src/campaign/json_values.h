@@ -76,6 +76,15 @@ struct Member
         }
         return static_cast<int>(found);
     }
+    qint64 count() const
+    {
+        constexpr double most = 1LL << 53;
+        const double found = number();
+        if (!(found >= 0.0 && found <= most) || found != std::floor(found)) {
+            refuse("count");
+        }
+        return static_cast<qint64>(found);
+    }
     quint32 seed() const
     {
         const double found = number();

@@ -27,9 +27,9 @@ RecordingFacts factsFrom(const Member& json)
     facts.file = json["file"].text();
     facts.sampleRate = json["sample_rate_hz"].number();
     facts.center = json["center_hz"].number();
-    facts.samples = static_cast<qint64>(json["samples"].number());
+    facts.samples = json["samples"].count();
     facts.hasWholePeriods = json["way"].text() == wholePeriods;
-    facts.averages = static_cast<qint64>(json["averages"].number());
+    facts.averages = json["averages"].count();
     facts.segmentLength = json["segment_length"].whole();
     facts.level = json["level_dbfs"].numberOrNone().value_or(-HUGE_VAL);
     facts.peak = json["peak_dbfs"].numberOrNone().value_or(-HUGE_VAL);

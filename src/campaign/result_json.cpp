@@ -98,9 +98,14 @@ SignalFigures signalFrom(const Member& json)
     signal.sampleRate = json["sample_rate_hz"].number();
     signal.crestFactor = json["crest_factor_db"].numberOrNone().value_or(0.0);
     signal.peakBetweenSamples = json["peak_between_samples_db"].numberOrNone().value_or(0.0);
-    json["ccdf_db"].forEachMember([&signal](const QString& share, const Member& level) {
+    json["ccdf_db"].forEachMember([&signal](const QString& name, const Member& level) {
+        bool isNumber = false;
+        const double share = name.toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(share)) {
+            level.refuse("share of time");
+        }
         if (const std::optional<double> known = level.numberOrNone()) {
-            signal.ccdf[share.toDouble()] = *known;
+            signal.ccdf[share] = *known;
         }
     });
     signal.noiseLike = json["noise_like"].yes();

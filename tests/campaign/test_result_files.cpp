@@ -188,6 +188,15 @@ void TestResultFiles::otherFilesAreRefused_data()
     QTest::newRow("half a notch") << spoilt("\"notch\": 2", "\"notch\": 2.5") << "whole number";
     QTest::newRow("no points") << spoilt("\"points\"", "\"dots\"") << "points";
     QTest::newRow("seed") << spoilt("4294967295", "4294967296") << "seeds[1]";
+    QTest::newRow("share") << spoilt("\"0.1\"", "\"nan\"") << "ccdf_db.nan\" is no share of time";
+    const QByteArray recorded = resultToJson(recordedResult());
+    const auto miscounted = [&recorded](const char* to) {
+        return QByteArray(recorded).replace("\"samples\": 5000000000", to);
+    };
+    QVERIFY(miscounted("") != recorded);
+    QTest::newRow("count beyond all bounds")
+        << miscounted("\"samples\": 1e300") << "samples\" is no";
+    QTest::newRow("negative count") << miscounted("\"samples\": -1") << "recordings[0].samples";
     QTest::newRow("no list") << spoilt("\"seeds\": [", "\"seeds\": 1, \"s\": [") << "seeds";
 }
 
