@@ -251,7 +251,7 @@ QString curveTable(const NprResult& result, const Console& console)
     for (const NprRange& range : result.curves.constFirst().ranges) {
         const QString threshold = QString::number(range.threshold);
         columns << Align::Right << Align::Right << Align::Right;
-        headings << "from/" + unit << "to/" + unit << "over " + threshold + " dB/dB";
+        headings << "over " + threshold + " dB: from/" + unit << "to/" + unit << "range/dB";
     }
     TextTable table(columns, headings);
     for (const NprCurve& curve : result.curves) {

@@ -165,7 +165,7 @@ void TestCliMeasure::aCurveHasItsPeakAndRanges()
                                  "--levels", "-36:-5:1", "--threshold", "41", "--average", "16",
                                  "--json", cli->path("r.json"), "--csv", cli->path("r.csv")});
     QCOMPARE(run.status, 0);
-    QVERIFY(run.out.contains("over 41 dB"));
+    QVERIFY2(run.out.contains("  over 41 dB: from/dBm  to/dBm  range/dB\n"), qPrintable(run.out));
     const QJsonObject result = jsonOf(contentOf(cli->path("r.json")));
     const QJsonObject found = result["curves"].toArray()[0].toObject();
     QVERIFY(std::abs(found["peak_npr_db"].toDouble() - 62.71) < 0.5);
