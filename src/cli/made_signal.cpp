@@ -81,6 +81,6 @@ void printSignal(const MeasurementSetup& setup, const StimulusStatistics& statis
 void warnUnlessNoiseLike(const StimulusStatistics& statistics, Console& console)
 {
     if (!statistics.isNoiseLike) {
-        console.warn("the signal isn't noise-like: what it measures is no NPR");
+        console.warn("the signal isn't noise-like; what you measure with it isn't NPR");
     }
 }

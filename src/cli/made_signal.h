@@ -12,5 +12,5 @@ void makeSignal(MeasurementSetup& setup);
 void printSignal(const MeasurementSetup& setup, const StimulusStatistics& statistics,
                  Console& console);
 
-// One line on standard error for a signal that measures no NPR.
+// One line on standard error for a signal that isn't noise-like.
 void warnUnlessNoiseLike(const StimulusStatistics& statistics, Console& console);

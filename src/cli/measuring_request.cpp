@@ -63,7 +63,7 @@ Options measuringOptions()
                     deviceHelp()},
                notchOption(),
                {"average", "N",
-                "Readings a point; powers are averaged. Simulated, each takes the next seed."},
+                "Readings per point; powers are averaged. Simulated, each takes the next seed."},
                {"settle", "SECONDS",
                 "Wait after each change of level; 0 in simulation, 0.1 otherwise."},
                {"limit", "DB", "A reading below it fails, and the status is 1."},

@@ -75,7 +75,7 @@ Command trimCommand()
             "trim default --target 9 --out trimmed.pmc",
             Options{{"target", "DB",
                      "Peak of the envelope over its mean, between the samples too. Below 8 dB the "
-                     "signal is no noise any more, and what it measures no NPR."},
+                     "signal is no longer noise, and what you measure with it isn't NPR."},
                     {"out", "FILE.pmc",
                      "Where phases and magnitudes go. Load the file with the same notches, or with "
                      "none. A target that can't be reached ends with status 1; the best signal "

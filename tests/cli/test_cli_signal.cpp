@@ -122,8 +122,8 @@ void TestCliSignal::aSignalThatIsNoNoiseIsTold()
     const CliRun run = cli->run({"signal", "default", "--set", "NPR/Phase Mode=2"});
     QCOMPARE(run.status, 0);
     QVERIFY(QRegularExpression("\nnoise-like +no\n").match(run.out).hasMatch());
-    QCOMPARE(run.err, QString("notchbench-cli: warning: the signal isn't noise-like: what it "
-                              "measures is no NPR\n"));
+    QCOMPARE(run.err, QString("notchbench-cli: warning: the signal isn't noise-like; what you "
+                              "measure with it isn't NPR\n"));
 }
 
 void TestCliSignal::aTrimmedSignalIsReadBackAsItWasWritten()
@@ -152,7 +152,7 @@ void TestCliSignal::aTargetThatCannotBeIsToldAndStatusOne()
     const CliRun run = cli->run({"trim", "default", "--set", "NPR/FFT Len=256", "--set",
                                  "NPR/NBW/SRate=0.8", "--target", "0.2", "--out", "t.pmc"});
     QCOMPARE(run.status, 1);
-    QCOMPARE(run.errLines().size(), 2); // the other one: no noise any more
+    QCOMPARE(run.errLines().size(), 2); // the other one: no longer noise
     QVERIFY2(run.errLines().at(1).contains("the target of 0.20 dB can't be reached; t.pmc has "),
              qPrintable(run.err));
     QVERIFY(QFile::exists(cli->path("t.pmc")));
