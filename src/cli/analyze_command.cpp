@@ -322,7 +322,7 @@ Command analyzeCommand()
                  "A result of recordings without the device, at the same --level, whose distortion "
                  "and noise are subtracted."},
                 {"threshold", "DB",
-                 "Tell the span of levels around the peak over which NPR stays above it.", true},
+                 "Report the range of levels around the peak where NPR stays above this.", true},
                 {"limit", "DB", "A reading below it fails, and the status is 1."}} +
             resultOptions() + Options{{"quiet", "", "No progress line."}} + setupOptions(),
         run};

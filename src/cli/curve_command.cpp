@@ -57,7 +57,7 @@ Command curveCommand()
         "-40:0:1 --threshold 41",
         Options{{"levels", "FROM:TO:STEP", "Levels in dBm, both ends included."},
                 {"threshold", "DB",
-                 "Tell the span of levels around the peak over which NPR stays above it.", true}} +
+                 "Report the range of levels around the peak where NPR stays above this.", true}} +
             measuringOptions(),
         run};
 }

@@ -32,7 +32,7 @@ void requireLines(const QVector<NumberedNotch>& notches)
 Option notchOption()
 {
     return {"notch", "all|N,N...",
-            "Rows of the notch table, numbered from 1 by rising centre; all by default."};
+            "Notches to measure, such as 1,3, numbered from the lowest centre up; all by default."};
 }
 
 QVector<NumberedNotch> chosenNotches(const Arguments& arguments, const QVector<NumberedNotch>& all)

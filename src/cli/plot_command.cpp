@@ -152,8 +152,8 @@ Command plotCommand()
                      "result as their last column; - is standard output.",
                      true},
                     {"threshold", "DB",
-                     "Mark the span of levels over which NPR stays above it; those of the results "
-                     "when none is given.",
+                     "Mark the range of levels where NPR stays above this; by default those of the "
+                     "results.",
                      true},
                     {"theory", "DEVICE[,KEY=VALUE...]|same",
                      "Add the closed form of a device, or of the one that each result simulated."}},

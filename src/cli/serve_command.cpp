@@ -15,8 +15,8 @@ void serve(MeasurementSetup& setup, const Session& session)
     StatusServer server(setup, &parent);
     server.listen(setup.tcpPort);
     if (server.port() == 0) {
-        failFile(QStringLiteral("port %1 can't be had: another program has it, or it is below 1024 "
-                                "and for privileged ones; choose one with --port")
+        failFile(QStringLiteral("can't listen on port %1: another program uses it, or ports below "
+                                "1024 are reserved for root; choose another with --port")
                      .arg(setup.tcpPort));
     }
     session.console.print(QStringLiteral("serving %1 samples at %2 Hz on port %3\n")

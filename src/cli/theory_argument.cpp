@@ -11,7 +11,7 @@ Chain theoryChain(const QString& text, const std::optional<Chain>& simulated, Le
     }
     Chain chain = text == "same" ? *simulated : chainOf(text, "--theory");
     if (!Theory::isIn(chain.device)) {
-        failUsage("--theory: there is none of " + chain.device.name);
+        failUsage("--theory: " + chain.device.name + " makes no distortion and has no closed form");
     }
     const bool isConverter = chain.device.name == "adc";
     const bool hasScale =

@@ -33,7 +33,7 @@ void HashCheck::requireMatch() const
 {
     if (!wanted.isEmpty() && hash.result().toHex() != wanted) {
         throw RecordingError{name + ": its samples in " + file.fileName() +
-                             " were changed since it was written, for their SHA-512 isn't that of "
-                             "\"core:sha512\"; remove that line to read them as they are"};
+                             " were changed after the metadata were written: the SHA-512 differs; "
+                             "remove \"core:sha512\" to read them anyway"};
     }
 }

@@ -109,8 +109,8 @@ void Pass::requireNumbers(const LevelSums& levels, qint64 stretch) const
 {
     if (!levels.isFinite()) {
         const qint64 first = segments.first + stretch * perStretch * segments.hop;
-        throw RecordingError{QStringLiteral("%1 holds what is no number, or one beyond all bounds, "
-                                            "behind sample %2")
+        throw RecordingError{QStringLiteral("%1 holds a value that is not finite or too large, "
+                                            "after sample %2")
                                  .arg(reader.recording().name)
                                  .arg(first)};
     }

@@ -342,7 +342,7 @@ void TestCliMeasure::mistakesAreStatusTwo_data()
     const auto theory = [](const char* text) {
         return measuring(rapp + QStringList{"--theory", text});
     };
-    QTest::newRow("no theory") << theory("linear") << "there is none of linear";
+    QTest::newRow("no theory") << theory("linear") << "linear makes no distortion";
     QTest::newRow("theory's scale") << theory("adc,bits=8") << "full-scale";
     QTest::newRow("same of nothing") << measuring({"--theory", "same"}) << "--simulate";
     QTest::newRow("plot") << measuring(rapp + QStringList{"--plot", "a.pdf"}) << ".svg";

@@ -114,7 +114,7 @@ void TestCliPlot::mistakesAreStatusTwo_data()
     QTest::newRow("threshold") << QStringList{"warm.json", "--csv", "a", "--threshold", "low"}
                                << "--threshold takes";
     QTest::newRow("theory") << QStringList{"warm.json", "--csv", "a", "--theory", "linear"}
-                            << "there is none of linear";
+                            << "linear makes no distortion";
     QTest::newRow("scale") << QStringList{"warm.json", "--csv", "a", "--theory", "adc,bits=8"}
                            << "full-scale";
 }

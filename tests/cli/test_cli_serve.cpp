@@ -91,7 +91,7 @@ void TestCliServe::aPortThatIsTakenIsStatusThree()
         cli.run({"serve", "default", "--set", QString("TCP/IP/Port=%1").arg(other.serverPort())});
     QCOMPARE(run.status, 3);
     QVERIFY(run.err.startsWith(
-        QString("notchbench-cli: port %1 can't be had").arg(other.serverPort())));
+        QString("notchbench-cli: can't listen on port %1: ").arg(other.serverPort())));
 }
 
 QTEST_GUILESS_MAIN(TestCliServe)

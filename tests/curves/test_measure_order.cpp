@@ -150,7 +150,7 @@ void TestMeasureOrder::whatTheCommandRefusesIsRefusedInItsWords_data()
                               << "--settle takes";
     QTest::newRow("theory") << "theory"
                             << "linear"
-                            << "there is none of linear";
+                            << "linear makes no distortion";
     QTest::newRow("no result") << "subtract"
                                << "/missing/cable.json"
                                << "can't read result /missing/cable.json";
