@@ -110,16 +110,14 @@ Chain chainOf(const QString& text, const QString& what)
     return chain;
 }
 
-QString deviceHelp()
+Options deviceKeys()
 {
-    QStringList devices;
-    for (const QString& name : deviceNames()) {
-        QStringList keys;
-        for (const OwnKeys& own : ownKeys()) {
-            keys += own.device == name ? own.keys : QStringList();
-        }
-        devices << (keys.isEmpty() ? name : name + " (" + keys.join(", ") + ')');
+    Options keys;
+    for (const ChainFigure& figure : chainFigures()) {
+        keys << Option{figure.name, figure.unit, figure.description};
     }
-    return "Devices and their keys: " + devices.join("; ") +
-           "; for all of them noise-floor, device-noise, source-notch and ripple=DB:PERIOD_HZ.";
+    return keys << Option{rippleKey, "DB:PERIOD_HZ",
+                          "Ripple of the cables in front of the device: so many dB from top to "
+                          "bottom, once up and down every so many Hz, highest at the carrier "
+                          "(default: none)."};
 }

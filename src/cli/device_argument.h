@@ -1,6 +1,7 @@
 // A simulated device as an option's value: "DEVICE[,KEY=VALUE...]".
 #pragma once
 
+#include "cli/option.h"
 #include "dut/chain.h"
 
 #include <QStringList>
@@ -12,5 +13,5 @@ Chain chainOf(const QString& text, const QString& what);
 // That it may have, its own first; none of a device that isn't known.
 QStringList keysOfDevice(const QString& device);
 
-// Devices and their keys, for help texts.
-QString deviceHelp();
+// Of all devices, for help texts: unit, meaning and default of each.
+Options deviceKeys();

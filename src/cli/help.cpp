@@ -1,6 +1,7 @@
 #include "cli/help.h"
 
 #include "cli/command.h"
+#include "cli/device_argument.h"
 
 #include <QPair>
 
@@ -45,6 +46,21 @@ QString glossary(const QVector<QPair<QString, QString>>& entries)
         all += wrapped(entry.second, column);
     }
     return all;
+}
+
+bool takesDevice(const Command& command)
+{
+    return std::any_of(command.options.begin(), command.options.end(),
+                       [](const Option& option) { return option.valueName.startsWith("DEVICE"); });
+}
+
+QString helpOfDevices()
+{
+    QVector<QPair<QString, QString>> keys;
+    for (const Option& key : deviceKeys()) {
+        keys.append(qMakePair(key.name + '=' + key.valueName, key.help));
+    }
+    return "\nDevices are " + deviceNames().join(", ") + ".\nTheir keys:\n" + glossary(keys);
 }
 
 QString nameOf(const Option& option)
@@ -97,6 +113,6 @@ QString helpOf(const Command& command)
     return "usage: notchbench-cli " + command.name + ' ' + command.positional + " [OPTIONS]\n\n" +
            wrapped(command.summary, 0) + '\n' +
            (command.positional.contains("CONFIG") ? configHelp + QString('\n') : QString()) +
-           "Options:\n" + glossary(options) + "\nExample:\n  " +
-           wrapped("notchbench-cli " + command.example, 2, " \\");
+           "Options:\n" + glossary(options) + (takesDevice(command) ? helpOfDevices() : QString()) +
+           "\nExample:\n  " + wrapped("notchbench-cli " + command.example, 2, " \\");
 }

@@ -59,8 +59,7 @@ Options measuringOptions()
 {
     return Options{
                {"simulate", "DEVICE[,KEY=VALUE...]",
-                "Simulate generator, device and analyzer in place of CONFIG's instruments. " +
-                    deviceHelp()},
+                "Simulate generator, device and analyzer in place of CONFIG's instruments."},
                notchOption(),
                {"average", "N",
                 "Readings per point; powers are averaged. Simulated, each takes the next seed."},

@@ -37,7 +37,7 @@ const std::vector<ChainFigure>& chainFigures()
          -mostDecibels, mostDecibels, false, [](Chain& c, double v) { c.device.fullScale = v; }},
         {"loading", "K",
          "adc: full scale as K times the rms of one component of whatever comes, 0.01 to 1000 "
-         "(default 5, without --full-scale; not both).",
+         "(default 5, without full-scale; not both).",
          0.01, 1000.0, false, [](Chain& c, double v) { c.device.loadingFactor = v; }},
         {"device-noise", "DBM_HZ", "Noise at the device's output in dBm/Hz (default: none).",
          -mostDecibels, mostDecibels, false, [](Chain& c, double v) { c.deviceNoise = v; }},

@@ -33,6 +33,7 @@ class TestCliUsage : public QObject
 private slots:
     void init() { cli = std::make_unique<CliProcess>(); }
     void helpNamesEveryCommandAndEveryOption();
+    void helpTellsUnitAndDefaultOfADevicesKeys();
     void theExamplesOfTheHelpRunAsTheyStand();
     void versionIsOneLine();
     void mistakesAreOneLineAndStatusTwo_data();
@@ -69,6 +70,22 @@ void TestCliUsage::helpNamesEveryCommandAndEveryOption()
         }
     }
     QVERIFY(cli->run({"serve", "--help"}).out.contains("--port N"));
+}
+
+void TestCliUsage::helpTellsUnitAndDefaultOfADevicesKeys()
+{
+    for (const char* command : {"measure", "curve", "analyze", "plot"}) {
+        const QString help = cli->run({command, "--help"}).out;
+        QVERIFY(help.contains("\nDevices are linear, rapp, soft, saleh, cubic, adc.\n"));
+        for (const char* key : {"saturation=DBM", "smoothness=P", "intercept=DBM", "bits=N",
+                                "full-scale=DBM", "loading=K", "device-noise=DBM_HZ",
+                                "noise-floor=DBM_HZ", "source-notch=DB", "ripple=DB:PERIOD_HZ"}) {
+            QVERIFY2(help.contains(QString("\n  %1 ").arg(key)), key);
+        }
+        QVERIFY(help.simplified().contains("give at most this (default 10)."));
+        QVERIFY(help.simplified().contains("resolution in bits, 1 to 24 (default 12)."));
+    }
+    QVERIFY(!cli->run({"trim", "--help"}).out.contains("Devices are"));
 }
 
 // As a shell runs them, one after the other in an empty folder.
