@@ -50,7 +50,7 @@ WholeFile::~WholeFile()
 bool WholeFile::open(OpenMode mode)
 {
     const QFileInfo former(target);
-    if (former.exists() && !(former.isFile() && former.isWritable())) {
+    if (former.exists() && !canStandAt(target)) {
         return false;
     }
     if (openBeside(mode)) {
@@ -61,6 +61,14 @@ bool WholeFile::open(OpenMode mode)
     }
     setFileName(target);
     return former.exists() && QFile::open(mode | Truncate);
+}
+
+bool WholeFile::canStandAt(const QString& path)
+{
+    const QFileInfo former(behindLink(path));
+    const QFileInfo folder(former.path());
+    return former.exists() ? former.isFile() && former.isWritable()
+                           : !former.fileName().isEmpty() && folder.isDir() && folder.isWritable();
 }
 
 bool WholeFile::openBeside(OpenMode mode)

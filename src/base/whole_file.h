@@ -18,6 +18,9 @@ public:
 
     bool open(OpenMode mode) override;
 
+    // Whether open() has a chance: a file that may be written, or a new one in a folder that may.
+    static bool canStandAt(const QString& path);
+
     // Whether everything written so far has been taken. Empties the buffers.
     bool isWhole();
 

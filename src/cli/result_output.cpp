@@ -4,6 +4,7 @@
 #include "campaign/result_csv.h"
 #include "campaign/result_json.h"
 #include "chart/chart_file.h"
+#include "cli/output_files.h"
 #include "cli/recording_table.h"
 #include "cli/text_table.h"
 
@@ -99,11 +100,6 @@ QStringList writeForms(const NprResult& result, const Arguments& arguments, Cons
     return unwritten;
 }
 
-[[noreturn]] void failWriting(const QString& files)
-{
-    failFile("can't write " + files + "; is there such a folder, and room on its disk?");
-}
-
 void requireWritten(const QStringList& unwritten)
 {
     if (!unwritten.isEmpty()) {
@@ -163,7 +159,7 @@ bool takesStandardOutput(const Arguments& arguments)
     });
 }
 
-void checkResultOptions(const Arguments& arguments)
+void checkResultOptions(const Arguments& arguments, const QStringList& furtherFiles)
 {
     int toStandardOutput = 0;
     for (const Form& form : forms) {
@@ -180,6 +176,7 @@ void checkResultOptions(const Arguments& arguments)
     if (toStandardOutput > 1) {
         failUsage(QStringLiteral("standard output takes one result only: give - once"));
     }
+    requireOutputs(arguments, furtherFiles);
 }
 
 void writeResult(const NprResult& result, const Arguments& arguments, Console& console)

@@ -11,8 +11,8 @@
 Options jsonOption();
 Options resultOptions(); // --csv, --json and --plot
 
-// Refuses what can't be meant, before anything is measured.
-void checkResultOptions(const Arguments& arguments);
+// Refuses what can't be meant or written, before anything is measured. Throws Failure.
+void checkResultOptions(const Arguments& arguments, const QStringList& furtherFiles = {});
 
 // Whether one of --csv and --json takes standard output, which then has nothing else.
 bool takesStandardOutput(const Arguments& arguments);

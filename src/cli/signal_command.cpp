@@ -3,6 +3,7 @@
 #include "cli/made_signal.h"
 #include "cli/nearest_name.h"
 #include "cli/new_result.h"
+#include "cli/output_files.h"
 #include "cli/result_output.h"
 #include "cli/setup_arguments.h"
 #include "cli/signal_formats.h"
@@ -43,7 +44,7 @@ QString writeSignal(const MeasurementSetup& setup, const QString& base, const Si
     }
     QString written = files.join(" and ");
     if (!format.write(setup, base)) {
-        failFile("can't write " + written + "; is there such a folder, and room on its disk?");
+        failWriting(written);
     }
     return written;
 }

@@ -2,6 +2,7 @@
 
 #include "cli/made_signal.h"
 #include "cli/new_result.h"
+#include "cli/output_files.h"
 #include "cli/progress.h"
 #include "cli/result_output.h"
 #include "cli/setup_arguments.h"
@@ -32,7 +33,7 @@ ExitStatus run(const Session& session)
     if (!arguments.has("target") || !arguments.has("out")) {
         failUsage("trim needs --target DB and --out FILE.pmc");
     }
-    checkResultOptions(arguments);
+    checkResultOptions(arguments, arguments.values("out"));
     const double target = numberOf(arguments.value("target"), "--target", {0.1, 100.0, "dB"});
     MeasurementSetup setup = readSetup(arguments, session.console);
     makeSignal(setup);
@@ -49,7 +50,7 @@ ExitStatus run(const Session& session)
     warnUnlessNoiseLike(statistics, session.console);
     const QString file = arguments.value("out");
     if (!saveMagnitudePhaseFile(setup.signal, file)) {
-        failFile("can't write " + file + "; is there such a folder, and room on its disk?");
+        failWriting(file);
     }
     if (isForPeople) {
         session.console.print(

@@ -34,6 +34,7 @@ private slots:
     void aFileThatIsCutShortIsDropped();
     void theFileBehindALinkIsReplaced();
     void whatIsNoFileIsNeverWritten();
+    void itCanBeToldBeforehandWhereAFileCanStand();
     void aFileThatMayNotBeWrittenStays();
     void inAFolderThatTakesNoFileTheFormerOneIsWrittenOver();
 
@@ -184,8 +185,24 @@ void TestWholeFile::whatIsNoFileIsNeverWritten()
     for (const QString& path : {folder->filePath("folder"), pipe, QStringLiteral("/dev/null")}) {
         WholeFile file(path);
         QVERIFY2(!file.open(QIODevice::WriteOnly), qPrintable(path));
+        QVERIFY2(!WholeFile::canStandAt(path), qPrintable(path));
     }
     QCOMPARE(names(), QStringList("pipe"));
+}
+
+void TestWholeFile::itCanBeToldBeforehandWhereAFileCanStand()
+{
+    QVERIFY(WholeFile::canStandAt(folder->filePath("new")));
+    save("former", "text");
+    QVERIFY(WholeFile::canStandAt(folder->filePath("former")));
+    QVERIFY(QFile::link(folder->filePath("none yet"), folder->filePath("link")));
+    QVERIFY(WholeFile::canStandAt(folder->filePath("link")));
+    QVERIFY(QFile::link(folder->filePath("no/file"), folder->filePath("astray")));
+    for (const char* path : {"astray", "no/file", "former/file", "no/"}) {
+        QVERIFY2(!WholeFile::canStandAt(folder->filePath(path)), path);
+    }
+    QVERIFY(!WholeFile::canStandAt(QString()));
+    QCOMPARE(content("former"), QByteArray("text"));
 }
 
 void TestWholeFile::aFileThatMayNotBeWrittenStays()
@@ -196,6 +213,7 @@ void TestWholeFile::aFileThatMayNotBeWrittenStays()
     save("file", "former");
     QVERIFY(QFile::setPermissions(folder->filePath("file"), QFile::ReadOwner));
     WholeFile file(folder->filePath("file"));
+    QVERIFY(!WholeFile::canStandAt(folder->filePath("file")));
     QVERIFY(!file.open(QIODevice::WriteOnly));
     QCOMPARE(content("file"), QByteArray("former"));
 }
@@ -212,7 +230,8 @@ void TestWholeFile::inAFolderThatTakesNoFileTheFormerOneIsWrittenOver()
     file.write("new");
     const bool isInPlace = file.putInPlace();
     WholeFile another(folder->filePath("another"));
-    const bool isAnotherOpen = another.open(QIODevice::WriteOnly);
+    const bool isAnotherOpen =
+        another.open(QIODevice::WriteOnly) || WholeFile::canStandAt(folder->filePath("another"));
     QVERIFY(QFile::setPermissions(folder->path(),
                                   QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
     QVERIFY(isOpen && isInPlace && !isAnotherOpen);

@@ -420,14 +420,11 @@ void TestCliAnalyze::aRecordingThatCantBeReadIsLeftOut()
 // The second recording doesn't tell its rate; the third one isn't read.
 void TestCliAnalyze::whatCameBeforeAMistakeIsKept()
 {
-    const CliRun run = analyze({"noise.sigmf-meta", "noise.npy", "noise.sigmf-meta", "--json",
-                                "before.json", "--json", "no/folder.json"});
+    const CliRun run =
+        analyze({"noise.sigmf-meta", "noise.npy", "noise.sigmf-meta", "--json", "before.json"});
     QCOMPARE(run.status, 2);
-    QCOMPARE(run.errLines().size(), 2);
-    QVERIFY2(run.errLines().constFirst().contains("noise.npy doesn't tell its sample rate"),
-             qPrintable(run.err));
-    QVERIFY2(run.errLines().constLast().contains("can't write no/folder.json"),
-             qPrintable(run.err));
+    QCOMPARE(run.errLines().size(), 1);
+    QVERIFY2(run.err.contains("noise.npy doesn't tell its sample rate"), qPrintable(run.err));
     const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("before.json"))));
     QCOMPARE(numbersOf(result, "recording"), (QVector<double>{0, 0, 0}));
 }

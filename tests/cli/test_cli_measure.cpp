@@ -347,6 +347,11 @@ void TestCliMeasure::mistakesAreStatusTwo_data()
     QTest::newRow("same of nothing") << measuring({"--theory", "same"}) << "--simulate";
     QTest::newRow("plot") << measuring(rapp + QStringList{"--plot", "a.pdf"}) << ".svg";
     QTest::newRow("limit") << measuring(rapp + QStringList{"--limit", "x"}) << "--limit";
+    QTest::newRow("one file twice")
+        << measuring(rapp + QStringList{"--csv", "a", "--json", "./a"}) << "written twice";
+    QTest::newRow("a file that is read")
+        << measuring(rapp + QStringList{"--subtract", "a.json", "--json", "b/../a.json"})
+        << "is read and would be written over";
 }
 
 void TestCliMeasure::mistakesAreStatusTwo()
@@ -372,18 +377,21 @@ void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree_data()
                                        << "/nowhere/at/all.png";
 }
 
-// The table is printed all the same: what was measured isn't lost.
+// Before anything is measured.
 void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree()
 {
     QFETCH(QString, option);
     QFETCH(QString, file);
-    const CliRun run = cli->run(measuring(rapp + QStringList{option, file}));
+    const CliRun run = cli->run(measuring(rapp + QStringList{option, file, "--json", "r.json"}));
     QCOMPARE(run.status, 3);
-    QVERIFY(run.err.contains(file));
-    QVERIFY(run.out.contains("NPR/dB"));
+    QCOMPARE(run.err, "notchbench-cli: can't write " + file +
+                          "; is there such a folder, and room on its disk?\n");
+    QCOMPARE(run.out, QString());
+    QVERIFY(!QFile::exists(cli->path("r.json")));
 }
 
-// A limit of 512 or 1024 bytes a file, by the shell, stands for a full disk.
+// The table is printed all the same: what was measured isn't lost. A limit of 512 or 1024 bytes for
+// each file, by the shell, stands for a full disk.
 void TestCliMeasure::aPictureThatFindsNoRoomIsStatusThree()
 {
     for (const char* picture : {"c.png", "c.svg"}) {
