@@ -12,7 +12,8 @@
 class Arguments
 {
 public:
-    // Throws Failure for an option that isn't known, comes twice or lacks its value.
+    // Throws Failure for an option that isn't known, comes twice or lacks its value, which is
+    // never empty.
     Arguments(const QStringList& words, const Options& options);
 
     bool has(const QString& option) const { return given.contains(option); }

@@ -164,9 +164,6 @@ void checkResultOptions(const Arguments& arguments, const QStringList& furtherFi
     int toStandardOutput = 0;
     for (const Form& form : forms) {
         toStandardOutput += arguments.values(form.option).count(standardOutput);
-        if (arguments.values(form.option).contains(QString())) {
-            failUsage(QStringLiteral("--%1 needs the name of a file").arg(form.option));
-        }
     }
     for (const QString& file : arguments.values("plot")) {
         if (!isChartFile(file)) {

@@ -90,6 +90,8 @@ void TestArguments::mistakesAreNamed_data()
                            << "--levels is given twice";
     QTest::newRow("no value") << QStringList{"--levels"}
                               << "--levels needs a value: --levels FROM:TO:STEP";
+    QTest::newRow("empty value") << QStringList{"--json="} << "--json needs a value: --json FILE";
+    QTest::newRow("empty word") << QStringList{"--json", ""} << "--json needs a value: --json FILE";
     QTest::newRow("next option") << QStringList{"--levels", "--quiet"}
                                  << "--levels needs a value: --levels FROM:TO:STEP";
     QTest::newRow("surplus value") << QStringList{"--quiet=yes"} << "--quiet takes no value";
