@@ -152,7 +152,11 @@ void TestCliPlot::whatIsNoResultIsStatusThree()
     QCOMPARE(run.status, 3);
     QVERIFY2(run.err.contains("bad.json") && run.err.contains(says), qPrintable(run.err));
     QVERIFY(!QFile::exists(cli.path("a.csv")));
-    QCOMPARE(cli.run({"plot", "none.json", "--csv", "a.csv"}).status, 3);
+    for (const char* none : {"none.json", ".", "/dev/zero"}) {
+        const CliRun nothing = cli.run({"plot", none, "--csv", "a.csv"});
+        QCOMPARE(nothing.status, 3);
+        QVERIFY2(nothing.err.contains(QString("can't read result %1: ").arg(none)), none);
+    }
     QCOMPARE(cli.run({"plot", "warm.json", "--csv", "no/folder/a.csv"}).status, 3);
 }
 
