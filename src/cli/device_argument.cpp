@@ -97,6 +97,9 @@ Chain chainOf(const QString& text, const QString& what)
             failUsage(what + ": " + chain.device.name + " has no key " + key +
                       didYouMean(key, keys) + "; it has " + keys.join(", "));
         }
+        if (given.contains(key)) {
+            failUsage(what + ": " + key + " is given twice");
+        }
         if (key == rippleKey) {
             storeRipple(value, what, chain);
         } else {

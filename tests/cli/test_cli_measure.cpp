@@ -326,6 +326,7 @@ void TestCliMeasure::mistakesAreStatusTwo_data()
     QTest::newRow("value") << device("adc,bits=99") << "bits takes a whole number";
     QTest::newRow("no value") << device("adc,bits") << "bits";
     QTest::newRow("both scales") << device("adc,full-scale=0,loading=5") << "exclude";
+    QTest::newRow("a key twice") << device("soft,saturation=0,saturation=5") << "is given twice";
     QTest::newRow("ripple") << device("soft,ripple=3") << "DB:PERIOD";
     QTest::newRow("notch 4") << measuring(rapp + QStringList{"--notch", "4"}) << "--notch";
     QTest::newRow("no notch") << (QStringList{"measure", "default"} + rapp) << "--notches";
