@@ -154,6 +154,18 @@ NprCurve curveFrom(const Member& json, LevelUnit unit)
     return curve;
 }
 
+void requireVersion(const Member& whole)
+{
+    if (whole["format"].value != formatName) {
+        throw ResultError{QStringLiteral("its \"format\" isn't \"%1\"").arg(formatName)};
+    }
+    const QJsonValue version = whole["version"].value;
+    if (version != formatVersion) {
+        throw ResultError{QStringLiteral("it is of version %1, and this program reads version %2")
+                              .arg(version.toVariant().toString(), QString::number(formatVersion))};
+    }
+}
+
 } // namespace
 
 QByteArray resultToJson(const NprResult& result)
@@ -190,9 +202,7 @@ NprResult resultFromJson(const QByteArray& json)
                               .arg(error.offset)};
     }
     const Member whole{QString(), document.object()};
-    if (whole["format"].value != formatName || whole["version"].value != formatVersion) {
-        throw ResultError{QStringLiteral("it is no result of version %1").arg(formatVersion)};
-    }
+    requireVersion(whole);
     NprResult result;
     result.program = whole["program"].text();
     result.started = whole["started"].text();

@@ -178,12 +178,14 @@ void TestResultFiles::otherFilesAreRefused_data()
     const QByteArray good = resultToJson(result());
     QTest::newRow("empty") << QByteArray() << "no JSON";
     QTest::newRow("cut off") << good.left(good.size() / 2) << "no JSON";
-    QTest::newRow("a list") << QByteArray("[]") << "version 1";
-    QTest::newRow("another format") << QByteArray(R"({"format": "x", "version": 1})") << "version";
+    QTest::newRow("a list") << QByteArray("[]") << "its \"format\" isn't";
+    QTest::newRow("another format")
+        << QByteArray(R"({"format": "x", "version": 1})") << "isn't \"notchbench-npr\"";
     const auto spoilt = [&good](const char* from, const char* to) {
         return QByteArray(good).replace(from, to);
     };
-    QTest::newRow("another version") << spoilt("\"version\": 1", "\"version\": 2") << "version 1";
+    QTest::newRow("another version") << spoilt("\"version\": 1", "\"version\": 2")
+                                     << "it is of version 2, and this program reads version 1";
     QTest::newRow("text for a number") << spoilt("\"notch\": 2", "\"notch\": \"2\"") << "notch";
     QTest::newRow("half a notch") << spoilt("\"notch\": 2", "\"notch\": 2.5") << "whole number";
     QTest::newRow("no points") << spoilt("\"points\"", "\"dots\"") << "points";
