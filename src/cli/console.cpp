@@ -1,5 +1,6 @@
 #include "cli/console.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include <unistd.h>
@@ -34,6 +35,14 @@ const char* codeOf(Colour colour)
     return "0";
 }
 
+// Names of files and answers of instruments may hold anything, what moves a cursor too.
+QString inOneLine(QString text)
+{
+    const auto isControl = [](QChar c) { return c.category() == QChar::Other_Control; };
+    std::replace_if(text.begin(), text.end(), isControl, QChar('?'));
+    return text;
+}
+
 QString inColour(const QString& text, Colour colour)
 {
     return "\033[" + QLatin1String(codeOf(colour)) + 'm' + text + "\033[0m";
@@ -66,14 +75,19 @@ void Console::printBytes(const QByteArray& bytes)
 
 void Console::message(const QString& text)
 {
-    setProgress({});
-    writeError("notchbench-cli: " + text + '\n');
+    tell({}, text);
 }
 
 void Console::warn(const QString& text)
 {
     const QString word = QStringLiteral("warning:");
-    message((errHasColour ? inColour(word, Colour::Warning) : word) + ' ' + text);
+    tell((errHasColour ? inColour(word, Colour::Warning) : word) + ' ', text);
+}
+
+void Console::tell(const QString& kind, const QString& text)
+{
+    setProgress({});
+    writeError("notchbench-cli: " + kind + inOneLine(text) + '\n');
 }
 
 QString Console::painted(const QString& text, Colour colour) const

@@ -18,7 +18,7 @@ public:
     // Text with its line ends.
     void print(const QString& text);
     void printBytes(const QByteArray& bytes);
-    // "notchbench-cli: TEXT"
+    // "notchbench-cli: TEXT", with question marks for control characters.
     void message(const QString& text);
     void warn(const QString& text);
 
@@ -35,6 +35,7 @@ public:
     bool hasLostReader() const { return lostReader; }
 
 private:
+    void tell(const QString& kind, const QString& text);
     void writeError(const QString& text);
 
     std::FILE* out;

@@ -90,6 +90,7 @@ private slots:
     void aTerminalGetsBoth();
     void noColourWhereItIsNotWanted();
     void messagesTakeThePlaceOfTheProgress();
+    void aMessageIsOneLineWhateverItNames();
     void aFullDiskIsNoticed();
 };
 
@@ -177,6 +178,15 @@ void TestCliText::messagesTakeThePlaceOfTheProgress()
     console.setProgress("half");
     console.message("lost");
     QCOMPARE(terminal.read(), QByteArray("\r\033[Khalf\r\033[Knotchbench-cli: lost\r\n"));
+}
+
+void TestCliText::aMessageIsOneLineWhateverItNames()
+{
+    Outputs outputs;
+    outputs.console.message("can't read a\nb.cfg");
+    outputs.console.warn("\033[2J\tclean\r");
+    QCOMPARE(Outputs::textOf(outputs.err), QByteArray("notchbench-cli: can't read a?b.cfg\n"
+                                                      "notchbench-cli: warning: ?[2J?clean?\n"));
 }
 
 void TestCliText::aFullDiskIsNoticed()
