@@ -53,11 +53,6 @@ struct Task
 
 Task taskOf(const Session& session, const AnalyzeRequest& request, MeasurementSetup& setup)
 {
-    if (!(setup.sampleRate > 0.0)) {
-        failUsage(QStringLiteral("CONFIG's sample rate is %1 Hz; --set \"NPR/SRate=1e8\" makes it "
-                                 "one that can be recorded")
-                      .arg(setup.sampleRate));
-    }
     Task task{session, request, numberedNotches(setup, setup.signal.length), {}, {}, {}, 0.0};
     task.chosen = chosenNotches(session.arguments, task.notches);
     task.wanted.signal = recordedSignalOf(setup, task.notches);
@@ -271,7 +266,7 @@ ExitStatus run(const Session& session)
 {
     const AnalyzeRequest request = analyzeRequestOf(session.arguments);
     MeasurementSetup setup = readSetup(session.arguments, session.console, Further::Taken);
-    requireNotchMode(setup);
+    requireMeasurable(setup);
     makeSignal(setup);
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     warnUnlessNoiseLike(statistics, session.console);

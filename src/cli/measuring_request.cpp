@@ -110,8 +110,13 @@ void requireSubtractable(const std::optional<NprResult>& without, const NprResul
     }
 }
 
-void requireNotchMode(const MeasurementSetup& setup)
+void requireMeasurable(const MeasurementSetup& setup)
 {
+    if (!(setup.sampleRate > 0.0)) {
+        failUsage(QStringLiteral("CONFIG's sample rate is %1 Hz; --set \"NPR/SRate=1e8\" makes it "
+                                 "one that can be measured with")
+                      .arg(setup.sampleRate));
+    }
     if (setup.notchOrCarrier != NotchOrCarrier::Notch) {
         failUsage(QStringLiteral("CONFIG is in carrier mode, where there is no notch to measure "
                                  "in; --set \"NPR/Notch/Carrier=0\" changes to notches"));

@@ -37,8 +37,8 @@ MeasuringRequest requestOf(const Arguments& arguments);
 void requireSubtractable(const std::optional<NprResult>& without, const NprResult& wanted,
                          const CampaignPlan& plan, const Arguments& arguments);
 
-// Throws Failure in carrier mode and without a notch.
-void requireNotchMode(const MeasurementSetup& setup);
+// Throws Failure in carrier mode, without a notch and without a rate.
+void requireMeasurable(const MeasurementSetup& setup);
 
 // Of a setup whose signal was made. Throws Failure for notches that aren't there or can't be read.
 CampaignPlan planOf(const MeasurementSetup& setup, const MeasuringRequest& request,

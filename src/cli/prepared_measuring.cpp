@@ -108,7 +108,7 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     PreparedMeasuring ready;
     ready.request = requestOf(arguments);
     MeasurementSetup setup = readSetup(arguments, console);
-    requireNotchMode(setup);
+    requireMeasurable(setup);
     ready.result = newResult(setup);
     makeSignal(setup);
     const StimulusStatistics statistics = statisticsOf(setup.signal);

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <tuple>
 
 #include <poll.h>
@@ -178,6 +179,20 @@ void makeNotches(const QString& text, MeasurementSetup& setup, Console& console)
     }
 }
 
+// What is beyond all bounds reads as infinite.
+void requireFinite(const ConfigText& config)
+{
+    for (auto section = config.begin(); section != config.end(); ++section) {
+        for (const ConfigKey& key : configKeys(section.key())) {
+            const QString value = section->value(key.name);
+            if (key.kind == ConfigKind::Real && !std::isfinite(value.toDouble())) {
+                failUsage("CONFIG: " + section.key() + '/' + key.name + " takes a number, not " +
+                          value);
+            }
+        }
+    }
+}
+
 // The order of rows in a file says nothing, and the reader's differs from run to run.
 void sortByCenter(QList<Notch>& rows)
 {
@@ -218,6 +233,7 @@ MeasurementSetup readSetup(const Arguments& arguments, Console& console, Further
     for (const QString& word : arguments.values("set")) {
         set(config, word);
     }
+    requireFinite(config);
     MeasurementSetup setup = configOf(config);
     if (arguments.has("notches")) {
         makeNotches(arguments.value("notches"), setup, console);

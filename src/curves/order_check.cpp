@@ -97,7 +97,7 @@ void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& che
     const Measuring wanted = curveOf(arguments);
     const MeasuringRequest request = requestOf(arguments);
     MeasurementSetup setup = readSetup(arguments, console.itself());
-    requireNotchMode(setup);
+    requireMeasurable(setup);
     setup.signal.length = expectedLength(setup);
     const CampaignPlan plan = planOf(setup, request, wanted.levels, arguments);
     requireSubtractable(request.without, newResult(setup), plan, arguments);

@@ -6,6 +6,7 @@
 #include <QPair>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -133,8 +134,8 @@ bool fitsConfigKind(const QString& value, ConfigKind kind)
         return fits;
     }
     case ConfigKind::Real: {
-        value.toDouble(&fits);
-        return fits;
+        const double number = value.toDouble(&fits);
+        return fits && std::isfinite(number);
     }
     case ConfigKind::Text:
         break;

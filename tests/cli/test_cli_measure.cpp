@@ -88,6 +88,8 @@ private slots:
     void whatCannotBeSubtractedIsToldBeforeMeasuring();
     void mistakesAreStatusTwo_data();
     void mistakesAreStatusTwo();
+    void aConfigurationThatCannotBeMeasuredWithIsStatusTwo_data();
+    void aConfigurationThatCannotBeMeasuredWithIsStatusTwo();
     void aFileThatCannotBeWrittenIsStatusThree_data();
     void aFileThatCannotBeWrittenIsStatusThree();
     void aPictureThatFindsNoRoomIsStatusThree();
@@ -364,6 +366,29 @@ void TestCliMeasure::mistakesAreStatusTwo()
     QCOMPARE(run.errLines().size(), 1);
     QVERIFY2(run.err.contains(says), qPrintable(run.err));
     QVERIFY(run.out.isEmpty());
+}
+
+void TestCliMeasure::aConfigurationThatCannotBeMeasuredWithIsStatusTwo_data()
+{
+    QTest::addColumn<QByteArray>("config");
+    QTest::addColumn<QString>("says");
+    const QByteArray row = "[Notch 1]\nfcenter = 0\nfspan = 1e+06\nStart = -5\nStop = 5\n";
+    QTest::newRow("no rate") << "[NPR]\nSRate = 0\n" + row << "CONFIG's sample rate is 0 Hz";
+    QTest::newRow("negative rate") << "[NPR]\nSRate = -1e+08\n" + row << "rate is -1e+08 Hz";
+    QTest::newRow("infinite rate")
+        << "[NPR]\nSRate = 1e+999\n" + row << "NPR/SRate takes a number, not 1e+999";
+    QTest::newRow("infinite row") << row + "[Notch 2]\nfcenter = -1e+999\n"
+                                  << "Notch 2/fcenter takes a number";
+}
+
+void TestCliMeasure::aConfigurationThatCannotBeMeasuredWithIsStatusTwo()
+{
+    QFETCH(QByteArray, config);
+    QFETCH(QString, says);
+    const CliRun run = cli->run(QStringList{"measure", "-"} + rapp, config);
+    QCOMPARE(run.status, 2);
+    QVERIFY2(run.errLines().last().contains(says), qPrintable(run.err));
+    QCOMPARE(run.out, QString());
 }
 
 void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree_data()

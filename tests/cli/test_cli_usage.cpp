@@ -142,6 +142,7 @@ void TestCliUsage::mistakesAreOneLineAndStatusTwo_data()
     setting("section", "NPT/Seed=7", ": unknown key NPT/Seed; did you mean NPR/Seed?");
     setting("row", "Notch 1/fspan=7", ": CONFIG has no [Notch 1]; --notches makes rows");
     setting("number", "NPR/Seed=many", ": NPR/Seed takes a whole number, not \"many\"");
+    setting("infinite", "NPR/SRate=inf", ": NPR/SRate takes a number, not \"inf\"");
     setting("real", "NPR/SRate=fast", ": NPR/SRate takes a number, not \"fast\"");
     row("notches", {"signal", "default", "--notches", "9"},
         "--notches takes COUNT,WIDTH_HZ,DEPTH_DB[,OFFSET_HZ], such as 9,1e6,-100, not \"9\"");

@@ -100,6 +100,11 @@ void TestConfigCheck::valuesOfTheWrongKindAreTold()
         (QStringList{"2: the value of \"SRate\" isn't a number",
                      "3: the value of \"FFT Len\" isn't a whole number",
                      "6: the value of \"I File\" isn't a text in quotes"}));
+    QCOMPARE(complaints("[NPR]\nSRate = 1e+999\n"),
+             QStringList{"2: the value of \"SRate\" isn't a number"});
+    for (const char* other : {"nan", "inf", "-infinity", "1e999"}) {
+        QVERIFY2(!fitsConfigKind(other, ConfigKind::Real), other);
+    }
 }
 
 // The writer's text of a record with a row holds every key but those that are read alone.
