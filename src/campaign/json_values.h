@@ -68,6 +68,9 @@ struct Member
         }
         return value.toDouble();
     }
+    // Far beyond what is measured, and near enough that the axis of a chart still has steps there.
+    double decibels() const { return numberWithin(1e5, "number of dB"); }
+    double hertz() const { return numberWithin(1e15, "frequency"); }
     int whole() const
     {
         const double found = number();
@@ -112,6 +115,10 @@ struct Member
     {
         return isMissing() ? std::nullopt : std::make_optional(number());
     }
+    std::optional<double> decibelsOrNone() const
+    {
+        return isMissing() ? std::nullopt : std::make_optional(decibels());
+    }
     // Calls take(element) for each element of a list.
     template <typename Take> void forEachElement(Take take) const
     {
@@ -133,5 +140,15 @@ struct Member
         for (auto member = object.begin(); member != object.end(); ++member) {
             take(member.key(), Member{path + '.' + member.key(), member.value()});
         }
+    }
+
+private:
+    double numberWithin(double most, const char* what) const
+    {
+        const double found = number();
+        if (!(std::abs(found) <= most)) {
+            refuse(what);
+        }
+        return found;
     }
 };

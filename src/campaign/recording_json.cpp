@@ -31,8 +31,8 @@ RecordingFacts factsFrom(const Member& json)
     facts.hasWholePeriods = json["way"].text() == wholePeriods;
     facts.averages = json["averages"].count();
     facts.segmentLength = json["segment_length"].whole();
-    facts.level = json["level_dbfs"].numberOrNone().value_or(-HUGE_VAL);
-    facts.peak = json["peak_dbfs"].numberOrNone().value_or(-HUGE_VAL);
+    facts.level = json["level_dbfs"].decibelsOrNone().value_or(-HUGE_VAL);
+    facts.peak = json["peak_dbfs"].decibelsOrNone().value_or(-HUGE_VAL);
     facts.clipped = json["clipped_percent"].numberOrNone();
     facts.clockError = json["clock_error_ppm"].numberOrNone();
     if (!json["inverted"].isMissing()) {
@@ -63,8 +63,8 @@ std::optional<RecordedReading> recordedFrom(const Member& point)
         return std::nullopt;
     }
     return RecordedReading{point["recording"].whole(), point["lines"].whole(),
-                           point["noise_density_dbfs_hz"].numberOrNone(),
-                           point["distortion_npr_db"].numberOrNone()};
+                           point["noise_density_dbfs_hz"].decibelsOrNone(),
+                           point["distortion_npr_db"].decibelsOrNone()};
 }
 
 QVector<RecordingFacts> recordingsFrom(const Member& result)

@@ -96,15 +96,15 @@ SignalFigures signalFrom(const Member& json)
     SignalFigures signal;
     signal.length = json["length"].whole();
     signal.sampleRate = json["sample_rate_hz"].number();
-    signal.crestFactor = json["crest_factor_db"].numberOrNone().value_or(0.0);
-    signal.peakBetweenSamples = json["peak_between_samples_db"].numberOrNone().value_or(0.0);
+    signal.crestFactor = json["crest_factor_db"].decibelsOrNone().value_or(0.0);
+    signal.peakBetweenSamples = json["peak_between_samples_db"].decibelsOrNone().value_or(0.0);
     json["ccdf_db"].forEachMember([&signal](const QString& name, const Member& level) {
         bool isNumber = false;
         const double share = name.toDouble(&isNumber);
         if (!isNumber || !std::isfinite(share)) {
             level.refuse("share of time");
         }
-        if (const std::optional<double> known = level.numberOrNone()) {
+        if (const std::optional<double> known = level.decibelsOrNone()) {
             signal.ccdf[share] = *known;
         }
     });
@@ -125,12 +125,12 @@ BenchNames benchFrom(const Member& json)
 NprPoint pointFrom(const Member& json, LevelUnit unit)
 {
     NprPoint point;
-    point.level = json[levelName("level", unit)].number();
+    point.level = json[levelName("level", unit)].decibels();
     point.notch = json["notch"].whole();
-    point.center = json["center_hz"].number();
-    point.width = json["width_hz"].number();
-    point.power = json[levelName("power", unit)].numberOrNone().value_or(-HUGE_VAL);
-    point.npr = json["npr_db"].numberOrNone();
+    point.center = json["center_hz"].hertz();
+    point.width = json["width_hz"].hertz();
+    point.power = json[levelName("power", unit)].decibelsOrNone().value_or(-HUGE_VAL);
+    point.npr = json["npr_db"].decibelsOrNone();
     point.sigma = json["sigma_db"].numberOrNone();
     json["marks"].forEachElement([&point](const Member& mark) { point.addMark(mark.text()); });
     if (!json["passed"].isMissing()) {
@@ -144,12 +144,12 @@ NprCurve curveFrom(const Member& json, LevelUnit unit)
 {
     NprCurve curve;
     curve.notch = json["notch"].whole();
-    curve.peakNpr = json["peak_npr_db"].numberOrNone();
-    curve.peakLevel = json[levelName("peak_level", unit)].numberOrNone();
+    curve.peakNpr = json["peak_npr_db"].decibelsOrNone();
+    curve.peakLevel = json[levelName("peak_level", unit)].decibelsOrNone();
     json["ranges"].forEachElement([&curve, unit](const Member& range) {
-        curve.ranges << NprRange{range["threshold_db"].number(),
-                                 range[levelName("from", unit)].numberOrNone(),
-                                 range[levelName("to", unit)].numberOrNone()};
+        curve.ranges << NprRange{range["threshold_db"].decibels(),
+                                 range[levelName("from", unit)].decibelsOrNone(),
+                                 range[levelName("to", unit)].decibelsOrNone()};
     });
     return curve;
 }

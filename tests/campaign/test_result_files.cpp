@@ -191,6 +191,12 @@ void TestResultFiles::otherFilesAreRefused_data()
     QTest::newRow("no points") << spoilt("\"points\"", "\"dots\"") << "points";
     QTest::newRow("seed") << spoilt("4294967295", "4294967296") << "seeds[1]";
     QTest::newRow("share") << spoilt("\"0.1\"", "\"nan\"") << "ccdf_db.nan\" is no share of time";
+    QTest::newRow("level beyond all bounds")
+        << spoilt("-20.5", "1e17") << "points[0].level_dbm\" is no number of dB";
+    QTest::newRow("ratio beyond all bounds")
+        << spoilt("\"npr_db\": 20", "\"npr_db\": -1e300") << "points[0].npr_db\" is no number of";
+    QTest::newRow("frequency beyond all bounds")
+        << spoilt("\"center_hz\": 0", "\"center_hz\": 1e300") << "center_hz\" is no frequency";
     const QByteArray recorded = resultToJson(recordedResult());
     const auto miscounted = [&recorded](const char* to) {
         return QByteArray(recorded).replace("\"samples\": 5000000000", to);
