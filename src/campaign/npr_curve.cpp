@@ -44,11 +44,22 @@ int highestOf(const Samples& samples)
     return highest;
 }
 
+// Through points of which two lie close together, or at one level, a parabola swings out far above
+// all of them.
+bool areEven(double step, double otherStep)
+{
+    constexpr double mostUneven = 4.0;
+    const auto [least, most] = std::minmax(step, otherStep);
+    return least > 0.0 && most <= mostUneven * least;
+}
+
 Vertex peakOf(const Samples& samples, int highest)
 {
     const auto vertex = [&samples](int k) { return Vertex{samples[k].level, *samples[k].npr}; };
+    const auto step = [&samples](int k) { return samples[k + 1].level - samples[k].level; };
     const bool hasNeighbours = highest > 0 && highest + 1 < samples.size() &&
-                               samples[highest - 1].npr && samples[highest + 1].npr;
+                               samples[highest - 1].npr && samples[highest + 1].npr &&
+                               areEven(step(highest - 1), step(highest));
     return hasNeighbours ? vertexOf(vertex(highest - 1), vertex(highest), vertex(highest + 1))
                          : vertex(highest);
 }

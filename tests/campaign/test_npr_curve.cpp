@@ -40,6 +40,8 @@ class TestNprCurve : public QObject
 private slots:
     void thePeakIsTheVertexOfAParabola();
     void unevenStepsHaveTheSameVertex();
+    void aPeakBesideAPointOfNearlyItsLevelIsItself_data();
+    void aPeakBesideAPointOfNearlyItsLevelIsItself();
     void anEndOfTheCurveIsItsOwnPeak();
     void aPlateauHasItsFirstPointAsPeak();
     void aPointBesideAMissingOneIsItsOwnPeak();
@@ -66,6 +68,25 @@ void TestNprCurve::unevenStepsHaveTheSameVertex()
     const NprCurve found = curve({0, 2, 7}, {41.0, 49.0, 34.0});
     QVERIFY(isClose(found.peakNpr, 50.0));
     QVERIFY(isClose(found.peakLevel, 3.0));
+}
+
+// Two recordings at one level scatter; the parabola through them has its vertex at 307 dB.
+void TestNprCurve::aPeakBesideAPointOfNearlyItsLevelIsItself_data()
+{
+    QTest::addColumn<double>("level");
+    QTest::newRow("a little above") << -9.999;
+    QTest::newRow("at its level") << -10.0;
+    QTest::newRow("a little below") << -10.001;
+}
+
+void TestNprCurve::aPeakBesideAPointOfNearlyItsLevelIsItself()
+{
+    QFETCH(double, level);
+    const NprCurve found = curve({-20, -10, level, 0}, {50.0, 60.0, 59.9, 40.0});
+    QVERIFY(isClose(found.peakNpr, 60.0));
+    QVERIFY(isClose(found.peakLevel, -10.0));
+    const NprCurve alone = curve({level, level, level}, {50.0, 60.0, 59.9});
+    QVERIFY(isClose(alone.peakNpr, 60.0));
 }
 
 void TestNprCurve::anEndOfTheCurveIsItsOwnPeak()
