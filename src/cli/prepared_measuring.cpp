@@ -12,6 +12,7 @@
 #include "transform/decibels.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -45,6 +46,20 @@ ChosenBench chosenBench(const MeasurementSetup& setup, const MeasuringRequest& r
     return {std::make_shared<SimulatedBench>(setup.forOtherThread(), *request.simulated,
                                              request.simulatedText),
             presentLevel};
+}
+
+QVector<double> levelsOf(const Measuring& wanted, double presentLevel)
+{
+    constexpr double most = 300.0; // dBm, the bound of --levels
+    if (!wanted.levels.isEmpty()) {
+        return wanted.levels;
+    }
+    if (!(std::abs(presentLevel) <= most)) {
+        failUsage(QStringLiteral("CONFIG's level is %1 dBm, beyond that of any generator; change "
+                                 "it with --set, such as --set \"Generator1/Level=-20\"")
+                      .arg(presentLevel));
+    }
+    return {presentLevel};
 }
 
 // A reading compares the notch with the channel beside it, whatever that holds.
@@ -116,9 +131,7 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     ready.result.signal = figuresOf(setup, statistics);
     const ChosenBench chosen = chosenBench(setup, ready.request);
     ready.bench = chosen.bench;
-    ready.plan = planOf(
-        setup, ready.request,
-        wanted.levels.isEmpty() ? QVector<double>{chosen.presentLevel} : wanted.levels, arguments);
+    ready.plan = planOf(setup, ready.request, levelsOf(wanted, chosen.presentLevel), arguments);
     warnOfReferences(setup, ready.plan, console);
     if (!ready.request.simulated) {
         warnOfFrequencies(setup, ready.plan, console);

@@ -377,6 +377,8 @@ void TestCliMeasure::aConfigurationThatCannotBeMeasuredWithIsStatusTwo_data()
     QTest::newRow("negative rate") << "[NPR]\nSRate = -1e+08\n" + row << "rate is -1e+08 Hz";
     QTest::newRow("infinite rate")
         << "[NPR]\nSRate = 1e+999\n" + row << "NPR/SRate takes a number, not 1e+999";
+    QTest::newRow("high level") << row + "[Generator1]\nLevel = 1e+09\n"
+                                << "CONFIG's level is 1e+09 dBm";
     QTest::newRow("infinite row") << row + "[Notch 2]\nfcenter = -1e+999\n"
                                   << "Notch 2/fcenter takes a number";
 }
