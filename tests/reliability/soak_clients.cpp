@@ -1,10 +1,12 @@
 // The network of the soak: one client that polls and fetches as fast as it can, and ten that
-// connect, send garbage and vanish. Runs until it is killed. Takes the port.
+// connect, send garbage and vanish. Runs until it is killed. Takes the port, and says a byte for
+// each answer.
 #include <QHostAddress>
 #include <QRandomGenerator>
 #include <QTcpSocket>
 #include <QThread>
 
+#include <cstdio>
 #include <thread>
 #include <vector>
 
@@ -13,7 +15,7 @@ namespace {
 const char* const requests[] = {"GetNewState", "GetSequenceLength", "GetSymbol", "GetSymbolRate",
                                 "GetServerID"};
 
-// Connects anew whenever another client has taken this one along.
+// Connects anew whenever another client has taken this one along, or its place.
 void poll(quint16 port)
 {
     QRandomGenerator random(0);
@@ -24,11 +26,18 @@ void poll(quint16 port)
             QThread::msleep(random.bounded(20U)); // the port is about to change
             continue;
         }
-        for (int round = 0; socket.state() == QAbstractSocket::ConnectedState; ++round) {
+        (void)socket.waitForReadyRead(1000); // the greeting
+        socket.readAll();
+        for (int round = 0;; ++round) {
             socket.write(requests[round % 5]);
-            while (socket.waitForReadyRead(20)) {
-                socket.readAll();
+            if (!socket.waitForReadyRead(500)) {
+                break;
             }
+            do {
+                socket.readAll();
+            } while (socket.waitForReadyRead(20));
+            std::putchar('.');
+            std::fflush(stdout);
         }
     }
 }

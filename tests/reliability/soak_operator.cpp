@@ -30,6 +30,7 @@ const SoakOperator::Action SoakOperator::table[] = {
     {"preset", 3, &SoakOperator::preset},
     {"measure", 5, &SoakOperator::measure},
     {"measure continuously", 2, &SoakOperator::measureContinuously},
+    {"measure from the start", 2, &SoakOperator::measureFromTheStart},
     {"sweep the seeds", 4, &SoakOperator::sweepSeeds},
     {"load a trace", 4, &SoakOperator::loadTrace},
     {"kill the simulator", 1, &SoakOperator::killSimulator},
@@ -48,11 +49,18 @@ SoakOperator::SoakOperator(MainWindow& drivenWindow, const QString& configFolder
     probe.listen(QHostAddress::LocalHost);
     port = probe.serverPort();
     for (QProcess* process : {&clients, &simulator}) {
-        process->setStandardOutputFile(QProcess::nullDevice());
         process->setStandardErrorFile(QProcess::nullDevice());
     }
+    simulator.setStandardOutputFile(QProcess::nullDevice());
+    operate.find<QLabel>("npr_upper")->clear();
+    QObject::connect(&window, &MainWindow::fftFinished, &boxes, [this] {
+        come.madeSignals += operate.text("fft_status_label") == QLatin1String("Data valid") ? 1 : 0;
+    });
     boxes.setInterval(20);
-    QObject::connect(&boxes, &QTimer::timeout, &boxes, [this] { answerBoxes(); });
+    QObject::connect(&boxes, &QTimer::timeout, &boxes, [this] {
+        answerBoxes();
+        observe();
+    });
     boxes.start();
 }
 
@@ -97,13 +105,13 @@ void SoakOperator::makeInputs()
 void SoakOperator::startClients()
 {
     clients.start(SOAK_CLIENTS, {QString::number(port)});
-    clients.waitForStarted();
+    come.missedStarts += clients.waitForStarted() ? 0 : 1;
 }
 
 void SoakOperator::startSimulator()
 {
     simulator.start(SIMULATOR, {"--fast", "--signal-port", QString::number(port)});
-    simulator.waitForStarted();
+    come.missedStarts += simulator.waitForStarted() ? 0 : 1;
 }
 
 void SoakOperator::end(QProcess& process)
@@ -124,6 +132,24 @@ void SoakOperator::answerBoxes()
         (yes != nullptr ? yes : box->buttons().constFirst())->click();
     } else if (QApplication::activePopupWidget() != nullptr) {
         QApplication::activePopupWidget()->close();
+    }
+}
+
+// The clients say a byte for each answer.
+void SoakOperator::observe()
+{
+    if (clients.isOpen()) {
+        come.answers += clients.readAllStandardOutput().size();
+    }
+    auto* reading = operate.find<QLabel>("npr_upper");
+    if (!reading->text().isEmpty()) {
+        ++come.readings;
+        reading->clear(); // so that the next one is seen, too
+    }
+    for (auto* dialog : dialogs<DevicesDialog>()) {
+        const bool isConnected = WindowDriver(*dialog).isEnabled("a_set");
+        come.connections += isConnected && !wasConnected ? 1 : 0;
+        wasConnected = isConnected;
     }
 }
 
@@ -320,6 +346,22 @@ void SoakOperator::measureContinuously()
     operate.type("measure_notch", "1");
     operate.pick("measure_mode", 0);
     QTest::qWait(random.bounded(500));
+}
+
+// The others seldom meet: a preset that has ended, notches, and a simulator that lives.
+void SoakOperator::measureFromTheStart()
+{
+    operate.pick("nc_combobox", 0);
+    operate.type("notch_count_input", "3");
+    operate.type("notch_width_input", "1");
+    operate.type("notch_offset_input", "0");
+    operate.click("autocalc_notches_button");
+    operate.pick("measure_mode", 1);
+    operate.click("preset_button");
+    (void)backgroundJobsEnd(10000);
+    operate.type("measure_notch", "1");
+    operate.click("measure_button");
+    (void)backgroundJobsEnd(10000);
 }
 
 // A sweep of signals of millions of samples would outlast the soak.

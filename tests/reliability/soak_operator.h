@@ -33,6 +33,23 @@ public:
 
     qint64 actions() const { return actionCount; }
 
+    // What came of the actions so far. Where one is missing, the soak has tested nothing.
+    struct Outcome
+    {
+        int madeSignals = 0;
+        int connections = 0; // to the analyzer
+        int readings = 0;
+        int answers = 0;      // to the polling client
+        int missedStarts = 0; // of clients and simulator
+
+        bool isWhole() const
+        {
+            return madeSignals > 0 && connections > 0 && readings > 0 && answers > 0 &&
+                   missedStarts == 0;
+        }
+    };
+    const Outcome& outcome() const { return come; }
+
 private:
     struct Action;
     static const Action table[];
@@ -53,6 +70,7 @@ private:
     void startSimulator();
     void end(QProcess& process);
     void answerBoxes();
+    void observe();
     void load(const QString& path);
     void makeInputs();
 
@@ -68,6 +86,7 @@ private:
     void preset();
     void measure();
     void measureContinuously();
+    void measureFromTheStart();
     void sweepSeeds();
     void loadTrace();
     void loadTraceBy(const char* button, int patience);
@@ -85,4 +104,6 @@ private:
     bool stopped = false;
     quint16 port = 0;
     qint64 actionCount = 0;
+    Outcome come;
+    bool wasConnected = false;
 };

@@ -1,7 +1,8 @@
 // The soak: the real window, used without a pause by a tireless operator, a rude network and
 // instruments that die. Takes the seconds and the folder of configurations to load; ends with
 // status 0 when nothing was lost on the way: as many threads and as much memory as at the start,
-// and no warning but the known ones.
+// and no warning but the known ones; and when signals, connections, readings and answers came of
+// it at all.
 //
 // With a seed as a third argument the window is closed at a random moment of that time, whatever
 // goes on; then a sanitizer judges.
@@ -90,6 +91,14 @@ bool isAsBefore(const Level& start, const Level& first, const Level& last)
             last.memory <= first.memory + first.memory / 10 + kept * ofAConnection);
 }
 
+bool hasOutcome(const SoakOperator::Outcome& outcome)
+{
+    std::printf("%d signals, %d connections, %d readings, %d answers, %d missed starts\n",
+                outcome.madeSignals, outcome.connections, outcome.readings, outcome.answers,
+                outcome.missedStarts);
+    return outcome.isWhole();
+}
+
 void workUntilClosed(int seconds, const QString& configs, quint32 seed)
 {
     MainWindow window;
@@ -130,6 +139,7 @@ int main(int argc, char* argv[])
         const Level first = restedLevel(soakOperator, start.threads);
         soakOperator.work(seconds - toTheFirstLevel);
         isGood = isAsBefore(start, first, restedLevel(soakOperator, start.threads));
+        isGood = hasOutcome(soakOperator.outcome()) && isGood;
         QTimer::singleShot(0, &window, [&window] { window.close(); });
         status = QApplication::exec();
     }
