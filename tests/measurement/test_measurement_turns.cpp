@@ -3,8 +3,29 @@
 
 #include "measurement/usual_device.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QtTest>
+
+#include <utility>
+
+namespace {
+
+// Asks for a turn while a pass waits for its answer, lets the pass end and returns the turn.
+LinkTurn turnAfterThePass(UsualDevice& device, const Analyzer& analyzer)
+{
+    LinkTurn given;
+    QSemaphore come;
+    analyzer.link()->ask([&](LinkTurn turn) {
+        given = std::move(turn);
+        come.release();
+    });
+    device.say("1,2,3\n");
+    come.acquire();
+    return given;
+}
+
+} // namespace
 
 class TestMeasurementTurns : public QObject
 {
@@ -20,14 +41,13 @@ private slots:
 void TestMeasurementTurns::pausingDoesNotWaitForWhomThePassWaitsFor()
 {
     UsualDevice device;
-    device.answer(acpQuery, {{100, "1,2,3\n"}});
     const Analyzer analyzer = connectedAnalyzer();
     NPRMeasurementThread thread;
     QSignalSpy finished(&thread, &NPRMeasurementThread::measurementFinished);
     thread.setAnalyzer(analyzer);
     thread.start(QThread::InheritPriority);
     device.takeReceivedUpTo("ACP\n");
-    LinkTurn other = analyzer.link()->takeTurn();
+    LinkTurn other = turnAfterThePass(device, analyzer);
     QTRY_COMPARE(finished.count(), 1); // and the next pass waits for the other's end
     thread.pause();                    // would never return if it waited for that, too
     bool served = false;
@@ -44,17 +64,19 @@ void TestMeasurementTurns::pausingDoesNotWaitForWhomThePassWaitsFor()
 void TestMeasurementTurns::aTurnDuringAPassComesBeforeTheNext()
 {
     UsualDevice device;
-    device.answer(acpQuery, {{300, "1,2,3\n"}});
     const Analyzer analyzer = connectedAnalyzer();
     NPRMeasurementThread thread;
     thread.setAnalyzer(analyzer);
     device.takeReceivedUpTo("&GTL\n");
     thread.start(QThread::InheritPriority);
+    LinkTurn turn;
     for (int round = 0; round < 3; ++round) {
+        turn.giveBack();
         device.takeReceivedUpTo("ACP\n");
-        const LinkTurn turn = analyzer.link()->takeTurn();
+        turn = turnAfterThePass(device, analyzer);
         // Of the pass in progress the end is left, and no other has begun.
         QCOMPARE(device.takeReceivedUpTo("&GTL\n"), QByteArray("&GTL\n"));
+        QCOMPARE(device.takeReceived(), QByteArray());
     }
     thread.stop();
 }
