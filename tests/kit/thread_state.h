@@ -1,6 +1,7 @@
 // What the threads of a process do, as the system tells it.
 #pragma once
 
+#include <QDir>
 #include <QFile>
 
 #include <sys/syscall.h>
@@ -28,6 +29,34 @@ inline char stateOfThread(long id)
 {
     return threadFields(QStringLiteral("self"), id).value(0, "?").at(0);
 }
+
+// Tells whether what this process has begun since it was made has fallen asleep.
+class NewThreads
+{
+public:
+    bool areAsleep() const
+    {
+        const QStringList all = ids();
+        int asleep = 0;
+        for (const QString& id : all) {
+            if (!before.contains(id)) {
+                if (stateOfThread(id.toLong()) != 'S') {
+                    return false;
+                }
+                ++asleep;
+            }
+        }
+        return asleep > 0;
+    }
+
+private:
+    static QStringList ids()
+    {
+        return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    }
+
+    const QStringList before = ids();
+};
 
 // Processor time of a thread of another process; 0 where the system doesn't tell.
 inline double secondsOfThread(qint64 process, long id)

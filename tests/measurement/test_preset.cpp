@@ -5,6 +5,7 @@
 #include "kit/remote_failure.h"
 #include "kit/scripted_instrument.h"
 #include "kit/system_limits.h"
+#include "kit/thread_state.h"
 #include "measurement/channels.h"
 #include "measurement/npr_measurement_thread.h"
 #include "measurement/usual_device.h"
@@ -193,19 +194,21 @@ void TestPreset::aMeasurementOnTheCallingThreadIsDoneWhenItReturns()
     QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
 }
 
-// Somebody else talks to the analyzer, perhaps for long. The thread is met at different moments, in
-// most of them asleep.
+// Somebody else talks to the analyzer, perhaps for long. The thread is met as it begins and asleep.
 void TestPreset::aStoppedThreadDoesNotWaitForItsTurn()
 {
     const Analyzer analyzer;
     bool hasEnded = true;
-    for (unsigned long delay = 0; delay < 20 && hasEnded; ++delay) {
+    for (int round = 0; round < 20 && hasEnded; ++round) {
         LinkTurn other = analyzer.link()->takeTurn();
         NPRMeasurementThread thread;
+        const NewThreads begun;
         thread.setAnalyzer(analyzer);
         thread.pause();
         thread.start(QThread::InheritPriority);
-        QThread::usleep(100 * delay);
+        if (round % 2 == 1) {
+            QTRY_VERIFY(begun.areAsleep());
+        }
         thread.stop();
         hasEnded = thread.wait(5000);
         other.giveBack();
@@ -219,13 +222,11 @@ void TestPreset::aPausedThreadAsksForNoTurn()
     const Analyzer analyzer;
     LinkTurn other = analyzer.link()->takeTurn();
     NPRMeasurementThread thread;
+    const NewThreads begun;
     thread.setAnalyzer(analyzer);
     thread.pause();
     thread.start(QThread::InheritPriority);
-    for (int i = 0; i < 100; ++i) { // time for it to ask
-        QThread::yieldCurrentThread();
-        QCoreApplication::processEvents();
-    }
+    QTRY_VERIFY(begun.areAsleep()); // it would have asked by then
     std::thread::id served;
     analyzer.link()->ask([&served](const LinkTurn&) { served = std::this_thread::get_id(); });
     other.giveBack(); // to the next one, within this call

@@ -1,6 +1,8 @@
 // The worker of a seed sweep: what it computes, when it stays silent, and what it keeps alive.
 #include "signal/calculation.h"
 
+#include "kit/thread_state.h"
+
 #include <QAbstractEventDispatcher>
 #include <QPointer>
 #include <QtTest>
@@ -101,8 +103,10 @@ void TestCalculation::waitsForItsTurnAndGivesItBack()
 {
     const auto semaphore = std::make_shared<QSemaphore>(0);
     Calculation worker(1, shortSetup(), semaphore);
+    const NewThreads begun;
     worker.start();
-    QVERIFY(!worker.wait(50));
+    QTRY_VERIFY(begun.areAsleep());
+    QVERIFY(worker.isRunning());
     semaphore->release();
     QVERIFY(worker.wait(10000));
     QCOMPARE(semaphore->available(), 1);
