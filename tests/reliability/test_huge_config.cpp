@@ -1,5 +1,6 @@
 // Configurations of the greatest size that is read, full of sections or keys that the program
 // doesn't know, or of rows.
+#include "kit/instrumented.h"
 #include "kit/process_memory.h"
 #include "setup/config_file.h"
 
@@ -56,9 +57,15 @@ public:
         return setup;
     }
 
-    Cost cost = {};
+    // An instrumented program is several times slower and takes memory of its own.
+    bool costsLessThan(const Cost& bound) const
+    {
+        return isInstrumented ? cost.seconds < 10.0 * bound.seconds
+                              : cost.seconds < bound.seconds && cost.megabytes < bound.megabytes;
+    }
 
 private:
+    Cost cost = {};
     QTemporaryFile file;
 };
 
@@ -99,8 +106,7 @@ void TestHugeConfig::whatIsNotKnownCostsLittle()
     QCOMPARE(setup.seed, 7U);
     QCOMPARE(setup.sampleRate, 1e8);
     QVERIFY(setup.notches->items.isEmpty());
-    QVERIFY(file.cost.seconds < 2.0);
-    QVERIFY(file.cost.megabytes < 300.0);
+    QVERIFY(file.costsLessThan({2.0, 300.0}));
 }
 
 void TestHugeConfig::rowsCostWhatTheyAre_data()
@@ -120,8 +126,7 @@ void TestHugeConfig::rowsCostWhatTheyAre()
     const MeasurementSetup setup = file.read();
     QCOMPARE(setup.notches->items.size(), text.count('['));
     QCOMPARE(setup.notches->items.constLast().stopIndex, 1);
-    QVERIFY(file.cost.seconds < 20.0);
-    QVERIFY(file.cost.megabytes < 1000.0);
+    QVERIFY(file.costsLessThan({20.0, 1000.0}));
 }
 
 QTEST_GUILESS_MAIN(TestHugeConfig)

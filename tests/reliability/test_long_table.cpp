@@ -1,17 +1,16 @@
 // A table of a thousand notches, and more rows than anybody types: the window goes on answering.
+// What counts is the time that it calculates, for others may be at work.
 #include "app/main_window.h"
 #include "kit/fresh_home.h"
+#include "kit/heartbeat.h"
+#include "kit/instrumented.h"
 #include "setup/config_file.h"
 
-#include <QElapsedTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 #include <QtTest>
 
-#include <algorithm>
 #include <atomic>
-#include <ctime>
 #include <thread>
 
 namespace {
@@ -41,23 +40,8 @@ int connectAndGo(quint16 port, int clients)
     return greeted;
 }
 
-// How many milliseconds each beat of a 10 ms timer came late while somebody else worked.
-QVector<qint64> delaysDuring(const std::atomic<bool>& work)
-{
-    constexpr int interval = 10; // ms
-    QVector<qint64> delays;
-    QElapsedTimer sinceLast;
-    QTimer timer;
-    timer.setTimerType(Qt::PreciseTimer);
-    QObject::connect(&timer, &QTimer::timeout, &timer,
-                     [&] { delays.append(sinceLast.restart() - interval); });
-    sinceLast.start();
-    timer.start(interval);
-    while (work) {
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return delays;
-}
+// An instrumented program is several times slower.
+constexpr qint64 slowdown = isInstrumented ? 10 : 1;
 
 } // namespace
 
@@ -93,18 +77,19 @@ void TestLongTable::clientsThatComeAndGoDelayNothing()
         greeted = connectAndGo(port, clients);
         working = false;
     });
-    QVector<qint64> delays = delaysDuring(working);
+    Heartbeat heartbeat(300);
+    while (working) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
     peer.join();
     QCOMPARE(greeted, clients);
-    QVERIFY(!delays.isEmpty());
-    std::sort(delays.begin(), delays.end());
-    const qint64 median = delays.at(delays.size() / 2);
-    qInfo("%d beats, median %lld ms late, at most %lld ms", delays.size(), median, delays.last());
-    QVERIFY2(median < 50, QByteArray::number(median).constData());
-    QVERIFY2(delays.last() <= 300, QByteArray::number(delays.last()).constData());
+    QVERIFY(heartbeat.beats > 0);
+    qInfo("%d beats, at most %lld ms of calculation between two", heartbeat.beats,
+          heartbeat.longestOwn);
+    QVERIFY(heartbeat.longestOwn < 12 * slowdown); // 3; 19 where each one makes the rows anew
 }
 
-// After a file of a mebibyte; time of calculation, for others may be at work.
+// After a file of a mebibyte.
 void TestLongTable::windowAnswersBesideFortyThousandRows()
 {
     saveDefaultConfig(withRows(40000), QStringLiteral("Notchbench.cfg"));
@@ -112,13 +97,13 @@ void TestLongTable::windowAnswersBesideFortyThousandRows()
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));
     QCoreApplication::processEvents();
-    const std::clock_t start = std::clock();
+    Heartbeat heartbeat(300);
     for (int refresh = 0; refresh < 10; ++refresh) {
         window.notifyPropertyChanged();
-        QCoreApplication::processEvents();
+        QTRY_VERIFY(heartbeat.beats > refresh);
     }
-    const double seconds = double(std::clock() - start) / CLOCKS_PER_SEC / 10;
-    QVERIFY2(seconds < 0.3, QByteArray::number(seconds).constData());
+    qInfo("at most %lld ms of calculation for a refresh", heartbeat.longestOwn);
+    QVERIFY(heartbeat.longestOwn < 150 * slowdown); // 40; 317 where it makes the rows anew
 }
 
 QTEST_MAIN(TestLongTable)
