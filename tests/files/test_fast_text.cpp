@@ -467,8 +467,8 @@ void TestFastText::textThatIsNotPlainEndsTheLines()
 
 void TestFastText::readingTakesAPartOfThePlainReadersTime()
 {
-    if (isInstrumented) {
-        QSKIP("a sanitizer slows our code down, and not that of Qt");
+    if (isInstrumented || !isOptimised) {
+        QSKIP("our code is slowed down, and not that of Qt");
     }
     const QString path = folder.filePath("long.pmc");
     QFile file(path);
@@ -485,8 +485,8 @@ void TestFastText::readingTakesAPartOfThePlainReadersTime()
 
 void TestFastText::writingTakesAPartOfThePlainLoopsTime()
 {
-    if (isInstrumented) {
-        QSKIP("a sanitizer slows our code down, and not that of Qt");
+    if (isInstrumented || !isOptimised) {
+        QSKIP("our code is slowed down, and not that of Qt");
     }
     const SignalData signal = noise(200000);
     const qint64 plain = leastTime([&] {
