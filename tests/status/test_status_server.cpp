@@ -120,9 +120,10 @@ void TestStatusServer::cleanup()
 std::unique_ptr<StatusClient> TestStatusServer::greetedClient()
 {
     auto client = std::make_unique<StatusClient>();
-    const bool isGreeted = client->connectTo(server->port()) &&
-                           client->take(24) == hex(greetingBytes);
-    return isGreeted ? std::move(client) : nullptr;
+    if (!client->connectTo(server->port()) || client->take(24) != hex(greetingBytes)) {
+        QTest::qFail("the client was not greeted", __FILE__, __LINE__);
+    }
+    return client;
 }
 
 // The server's ends of the connections that it serves.
