@@ -86,7 +86,7 @@ protected:
     void waitForJobs() const
     {
         // The bench fetches the samples from this very thread, so it must go on meanwhile.
-        QVERIFY(backgroundJobsEnd(20000));
+        QVERIFY(backgroundJobsEnd(60000));
     }
 
     void preset()

@@ -37,7 +37,7 @@ public:
     bool isReady() const { return ready; }
 
     // Waits until a line with this text has come since the last call.
-    bool logs(const QByteArray& text, int limitMs = 20000)
+    bool logs(const QByteArray& text, int limitMs = 60000)
     {
         const bool found = eventsBring(
             [&] {
