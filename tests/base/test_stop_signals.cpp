@@ -62,6 +62,9 @@ void TestStopSignals::theFirstIsToldAndKept()
 
 void TestStopSignals::theSecondEndsTheProcessWhereAsked()
 {
+#ifdef __SANITIZE_THREAD__
+    QSKIP("the thread sanitizer holds back a signal that a child sends to itself");
+#endif
     QCOMPARE(statusOf([] {
                  const StopSignals stop(StopSignals::Second::EndsTheProcess);
                  raise(SIGINT);
