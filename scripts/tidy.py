@@ -70,14 +70,20 @@ class Unit:
         self.folders += [folder for folder in folders if folder not in self.folders]
 
 
+def command_of(source, commands):
+    """Its compile command; one that isn't built here has that of the neighbour with most headers."""
+    top = source.split("/")[0]
+    near = max(commands, key=lambda other: (other.split("/")[0] == top,
+                                            commands[other]["command"].count("-isystem")))
+    return commands.get(source, commands[near])
+
+
 def joined(sources, commands):
-    """Units of all sources; one that isn't built here has the flags of a neighbour."""
     units = []
     most = MOST_IN_A_UNIT if len(sources) > FEW else 1
     for source in sources:
         top = source.split("/")[0]
-        near = sorted(commands, key=lambda other: other.split("/")[0] != top)[0]
-        definitions, folders = flags_of(commands.get(source, commands[near]))
+        definitions, folders = flags_of(command_of(source, commands))
         names = own_names((ROOT / source).read_text())
         unit = next((each for each in units if each.takes(top, names, definitions)), None)
         if unit is None:
@@ -101,7 +107,7 @@ def tidy(unit, path):
     write(path, unit)
     flags = [f"-D{name}={value}" for name, value in unit.definitions.items()]
     flags += [word for folder in unit.folders for word in folder]
-    # The sources are headers here: an ending that no header has, and a second main, are wanted.
+    # The sources are included here, with an ending that no header has.
     ran = subprocess.run(
         ["clang-tidy", "--quiet", f"--config-file={ROOT / '.clang-tidy'}",
          "--checks=-bugprone-suspicious-include", f"--header-filter={OURS}", str(path), "--",
