@@ -1,5 +1,6 @@
 // Tells the leak sanitizer what isn't ours to free. Only built into programs of the preset "asan".
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizer's names
 extern "C" {
 const char* __lsan_default_options();
 const char* __lsan_default_suppressions();
@@ -23,3 +24,4 @@ const char* __lsan_default_suppressions()
            "leak:QThread::QThread\n"
            "leak:MainWindow::on_actionHelp_triggered\n";
 }
+// NOLINTEND(bugprone-reserved-identifier)

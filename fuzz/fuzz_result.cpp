@@ -10,9 +10,11 @@
 #include <algorithm>
 #include <cstdlib>
 
-extern "C" {
-[[gnu::weak]] void __lsan_disable(); // null without the sanitizer
+extern "C" { // null without the sanitizer
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizer's names
+[[gnu::weak]] void __lsan_disable();
 [[gnu::weak]] void __lsan_enable();
+// NOLINTEND(bugprone-reserved-identifier)
 }
 
 namespace {

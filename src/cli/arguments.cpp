@@ -34,7 +34,7 @@ QString takeValue(const Option& option, const QString& word, const QStringList& 
         return {};
     }
     const bool isNext = equals < 0 && at < words.size() && !words.at(at).startsWith(dashes);
-    const QString value = isNext ? words.at(at++) : equals >= 0 ? word.mid(equals + 1) : QString();
+    QString value = isNext ? words.at(at++) : equals >= 0 ? word.mid(equals + 1) : QString();
     if (value.isEmpty()) {
         failUsage(QStringLiteral("--%1 needs a value: --%1 %2").arg(option.name, option.valueName));
     }
