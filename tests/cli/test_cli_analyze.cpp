@@ -451,9 +451,10 @@ void TestCliAnalyze::whatCameBeforeAnInterruptionIsKept()
                                           QStringList{"noise.cf32", "hole.cf32", "--rate", "1e8",
                                                       "--json", "left.json"} +
                                           words);
-    QTRY_VERIFY_WITH_TIMEOUT(bytesReadBy(cli.process.processId()) > 40000000, 60000);
+    // The first one takes less than half of that. A sanitizer is slow to a piece's end.
+    QTRY_VERIFY_WITH_TIMEOUT(bytesReadBy(cli.process.processId()) > 3000000, 60000);
     cli.process.terminate();
-    QVERIFY(cli.process.waitForFinished(30000));
+    QVERIFY(cli.process.waitForFinished(120000));
     QVERIFY(file.remove());
     QCOMPARE(cli.process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(cli.process.exitCode(), 143);
