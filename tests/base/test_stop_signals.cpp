@@ -37,7 +37,7 @@ private slots:
     void theSecondIsLikeTheFirstOtherwise();
     void aTerminalThatClosesTwiceEndsNothing();
     void anIgnoredHangupStaysIgnored();
-    void anewOneHasReceivedNothing();
+    void aNewOneHasReceivedNothing();
     void oneThatIsGoneLeavesNothingOpen();
 };
 
@@ -121,7 +121,7 @@ void TestStopSignals::anIgnoredHangupStaysIgnored()
              0);
 }
 
-void TestStopSignals::anewOneHasReceivedNothing()
+void TestStopSignals::aNewOneHasReceivedNothing()
 {
     {
         const StopSignals stop;

@@ -35,15 +35,15 @@ class TestDevicesFollowTheory : public QObject
     Q_OBJECT
 
 private slots:
-    void memorylessDevices_data();
-    void memorylessDevices();
-    void converters_data();
-    void converters();
+    void memorylessDevicesReadWhatTheoryTells_data();
+    void memorylessDevicesReadWhatTheoryTells();
+    void convertersReadWhatTheoryTells_data();
+    void convertersReadWhatTheoryTells();
     void aSingleReadingScattersAsItSays();
     void noiseAndDistortionHaveTheirBestLevel();
 };
 
-void TestDevicesFollowTheory::memorylessDevices_data()
+void TestDevicesFollowTheory::memorylessDevicesReadWhatTheoryTells_data()
 {
     QTest::addColumn<Chain>("chain");
     QTest::addColumn<double>("backOff");
@@ -63,7 +63,7 @@ void TestDevicesFollowTheory::memorylessDevices_data()
     add("cubic, 20 dB", chainOf("cubic"), 20, cubicGain(20), stimulus(0.8, 0.05, false));
 }
 
-void TestDevicesFollowTheory::memorylessDevices()
+void TestDevicesFollowTheory::memorylessDevicesReadWhatTheoryTells()
 {
     QFETCH(Chain, chain);
     QFETCH(double, backOff);
@@ -76,7 +76,7 @@ void TestDevicesFollowTheory::memorylessDevices()
              qPrintable(QString("%1 dB, theory %2 dB").arg(measured.reading).arg(expected)));
 }
 
-void TestDevicesFollowTheory::converters_data()
+void TestDevicesFollowTheory::convertersReadWhatTheoryTells_data()
 {
     QTest::addColumn<int>("bits");
     QTest::addColumn<double>("loading");
@@ -89,7 +89,7 @@ void TestDevicesFollowTheory::converters_data()
     QTest::newRow("16 bits, rounding") << 16 << 8.0 << 1.0;
 }
 
-void TestDevicesFollowTheory::converters()
+void TestDevicesFollowTheory::convertersReadWhatTheoryTells()
 {
     QFETCH(int, bits);
     QFETCH(double, loading);

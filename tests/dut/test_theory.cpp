@@ -39,8 +39,8 @@ class TestTheory : public QObject
     Q_OBJECT
 
 private slots:
-    void knownRatios_data();
-    void knownRatios();
+    void wellKnownDevicesHaveTheirRatios_data();
+    void wellKnownDevicesHaveTheirRatios();
     void aCubicDeviceHasNoHigherOrders();
     void ordersHoldAllOfTheOutput();
     void convertersHaveTheirBestLoadings();
@@ -49,7 +49,7 @@ private slots:
     void clippingIsNotWhiteInANarrowBand();
 };
 
-void TestTheory::knownRatios_data()
+void TestTheory::wellKnownDevicesHaveTheirRatios_data()
 {
     QTest::addColumn<double>("measured");
     QTest::addColumn<double>("expected");
@@ -68,7 +68,7 @@ void TestTheory::knownRatios_data()
     QTest::newRow("Rapp 2, 12 dB") << npr(rappGain(12, 2), 0) << 43.04;
 }
 
-void TestTheory::knownRatios()
+void TestTheory::wellKnownDevicesHaveTheirRatios()
 {
     QFETCH(double, measured);
     QFETCH(double, expected);

@@ -12,11 +12,11 @@ class TestInstrumentSettings : public QObject
 
 private slots:
     void defaultsAreThoseOfAFreshBench();
-    void sectionOfAGenerator();
-    void sectionOfAnAnalyzer();
-    void sectionOfAMicrowaveGenerator();
-    void bandwidthCodes_data();
-    void bandwidthCodes();
+    void aGeneratorsSectionHoldsItsSettings();
+    void anAnalyzersSectionHoldsItsSettings();
+    void aMicrowaveGeneratorsSectionHoldsItsSettings();
+    void aBandwidthIsCutToItsSeries_data();
+    void aBandwidthIsCutToItsSeries();
     void everyCodeComesBack();
     void hugeCodesSaturate();
     void automaticSweepTimeClearsTheSweepTime();
@@ -54,7 +54,7 @@ void TestInstrumentSettings::defaultsAreThoseOfAFreshBench()
     QVERIFY(microwave.ifInput);
 }
 
-void TestInstrumentSettings::sectionOfAGenerator()
+void TestInstrumentSettings::aGeneratorsSectionHoldsItsSettings()
 {
     SignalGenerator generator;
     generator.device = 3;
@@ -84,7 +84,7 @@ void TestInstrumentSettings::sectionOfAGenerator()
                                                 "Level = -7.5\n\n"));
 }
 
-void TestInstrumentSettings::sectionOfAnAnalyzer()
+void TestInstrumentSettings::anAnalyzersSectionHoldsItsSettings()
 {
     Analyzer analyzer;
     analyzer.span = 5e6;
@@ -109,7 +109,7 @@ void TestInstrumentSettings::sectionOfAnAnalyzer()
              qPrintable(section));
 }
 
-void TestInstrumentSettings::sectionOfAMicrowaveGenerator()
+void TestInstrumentSettings::aMicrowaveGeneratorsSectionHoldsItsSettings()
 {
     MicrowaveGenerator generator;
     generator.level = -1.0;
@@ -124,7 +124,7 @@ void TestInstrumentSettings::sectionOfAMicrowaveGenerator()
              qPrintable(section));
 }
 
-void TestInstrumentSettings::bandwidthCodes_data()
+void TestInstrumentSettings::aBandwidthIsCutToItsSeries_data()
 {
     QTest::addColumn<quint32>("hertz");
     QTest::addColumn<quint32>("code");
@@ -143,7 +143,7 @@ void TestInstrumentSettings::bandwidthCodes_data()
     QTest::newRow("1000000") << 1000000U << 25U << 1000000U;
 }
 
-void TestInstrumentSettings::bandwidthCodes()
+void TestInstrumentSettings::aBandwidthIsCutToItsSeries()
 {
     QFETCH(quint32, hertz);
     QFETCH(quint32, code);

@@ -58,7 +58,7 @@ private slots:
     void anAnswerWithoutThreeNumbersIsNoReading();
     void aReadingHasTheThreeNumbers();
     void withoutATransportNothingHappensOrItIsSaid();
-    void commonCommands();
+    void everyInstrumentIsAskedResetAndHandedBackAlike();
     void closingTheInterfaceDropsTheConnection();
 };
 
@@ -368,7 +368,7 @@ void TestCommands::withoutATransportNothingHappensOrItIsSaid()
     QCOMPARE(failureOf([&] { commands.goToLocal(); }), failure);
 }
 
-void TestCommands::commonCommands()
+void TestCommands::everyInstrumentIsAskedResetAndHandedBackAlike()
 {
     ScriptedInstrument instrument;
     instrument.answer("*IDN?", "somebody\n");
