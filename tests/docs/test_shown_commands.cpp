@@ -130,7 +130,6 @@ private slots:
     void commandsRun_data();
     void commandsRun();
     void theFirstReadingComesOutAsItsPageSays();
-    void theManPageOfTheSimulatorTellsEveryOption();
 };
 
 void TestShownCommands::commandsRun_data()
@@ -205,22 +204,6 @@ void TestShownCommands::theFirstReadingComesOutAsItsPageSays()
         const double npr = lines.at(row + 1).split(',').at(column).toDouble();
         // 1966 lines scatter by 0.1 dB, and a reader compares no closer than half a dB.
         QVERIFY2(qAbs(npr - told.at(row).toDouble()) < 0.5, qPrintable(lines.at(row + 1)));
-    }
-}
-
-void TestShownCommands::theManPageOfTheSimulatorTellsEveryOption()
-{
-    const QString page = textOfFile(root + QString("packaging/notchbench-simulator.1"));
-    QProcess process;
-    process.start(NOTCHBENCH_SIMULATOR, {"--help"});
-    QVERIFY(process.waitForFinished(20000));
-    const QString help = QString::fromUtf8(process.readAllStandardOutput());
-    const QStringList options = allMatches(help, "^  (?:-., )?--([a-z-]+)");
-    QVERIFY(options.size() > 25);
-    for (const QString& option : options) {
-        const bool isOfTheToolkit = option == "help-all";
-        QVERIFY2(isOfTheToolkit || QString(page).replace("\\-", "-").contains("--" + option),
-                 qPrintable(option));
     }
 }
 
