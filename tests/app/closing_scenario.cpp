@@ -7,9 +7,7 @@
 #include "kit/full_listener.h"
 #include "kit/scripted_instrument.h"
 #include "kit/stand_in_visa.h"
-#include "kit/window_driver.h"
-
-#include <QTabWidget>
+#include "kit/top_level.h"
 
 #include <cstdio>
 #include <ctime>
@@ -126,22 +124,9 @@ void closeDuringAPreset(MainWindow& window, const WindowDriver& operate)
     window.close();
 }
 
-WindowDriver openDevices(const WindowDriver& operate)
-{
-    operate.trigger("actionDevices");
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->windowTitle() == QLatin1String("Devices")) {
-            const WindowDriver devices(*each);
-            devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
-            return devices;
-        }
-    }
-    qFatal("there is no devices dialog");
-}
-
 void clickInDevices(const WindowDriver& operate, const char* button)
 {
-    openDevices(operate).click(button);
+    openDevices(operate, 1).click(button);
 }
 
 // Waits for one more of these lines.
@@ -250,7 +235,7 @@ void closeDuringACallOfVisa(MainWindow& window, const WindowDriver& operate)
     static StandIn visa;
     visa.tellSessionsApart();
     visa.hold("TCPIP::127.0.0.1::INSTR", "*IDN?\n");
-    const WindowDriver devices = openDevices(operate);
+    const WindowDriver devices = openDevices(operate, 1);
     devices.find<QComboBox>("a_interface")->setCurrentIndex(3);
     devices.click("a_init");
     if (!QTest::qWaitFor([] { return visa.log().contains("*IDN?"); })) {

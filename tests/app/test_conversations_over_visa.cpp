@@ -3,8 +3,8 @@
 #include "kit/main_window_test.h"
 #include "kit/message_boxes.h"
 #include "kit/stand_in_visa.h"
+#include "kit/top_level.h"
 
-#include <QTabWidget>
 #include <QTemporaryDir>
 
 class TestConversationsOverVisa : public MainWindowTest
@@ -80,15 +80,7 @@ void TestConversationsOverVisa::cleanup()
 
 WindowDriver TestConversationsOverVisa::devicesAt(const char* widget) const
 {
-    operate->trigger("actionDevices");
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->windowTitle() == QLatin1String("Devices")) {
-            const WindowDriver devices(*each);
-            devices.find<QTabWidget>("tabWidget")->setCurrentIndex(*widget == 'g' ? 0 : 1);
-            return devices;
-        }
-    }
-    qFatal("there is no devices dialog");
+    return openDevices(*operate, *widget == 'g' ? 0 : 1);
 }
 
 void TestConversationsOverVisa::overVisa(const char* interface, const char* address,
@@ -96,11 +88,7 @@ void TestConversationsOverVisa::overVisa(const char* interface, const char* addr
 {
     const WindowDriver devices = devicesAt(interface);
     devices.find<QComboBox>(interface)->setCurrentIndex(vxiRow);
-    auto* edit = devices.find<QLineEdit>(address);
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClicks(edit, ip);
-    QTest::keyClick(edit, Qt::Key_Return);
+    devices.type(address, ip);
 }
 
 void TestConversationsOverVisa::pickNextNotch() const

@@ -4,6 +4,7 @@
 #include "kit/contrast.h"
 #include "kit/dark_desktop.h"
 #include "kit/main_window_test.h"
+#include "kit/top_level.h"
 #include "look/house_look.h"
 #include "support/dialogs/about_window.h"
 
@@ -14,7 +15,6 @@
 #include <QProgressBar>
 #include <QRadioButton>
 #include <QTabBar>
-#include <QTabWidget>
 #include <QTextDocumentFragment>
 #include <QTreeView>
 
@@ -83,7 +83,6 @@ private slots:
 private:
     void judge(QWidget& shown);
     void judgeTabs(QWidget& shown);
-    QWidget* shownWindow(const char* title);
     int judged = 0;
 };
 
@@ -139,16 +138,6 @@ void TestDarkDesktop::judgeTabs(QWidget& shown)
                      qPrintable(bar->tabText(tab) + ' ' + QString::number(found)));
         }
     }
-}
-
-QWidget* TestDarkDesktop::shownWindow(const char* title)
-{
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->isVisible() && each->windowTitle() == QLatin1String(title)) {
-            return each;
-        }
-    }
-    return nullptr;
 }
 
 void TestDarkDesktop::theMainWindowCanBeRead()

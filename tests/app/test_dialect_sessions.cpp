@@ -55,9 +55,9 @@ void TestDialectSessions::everyGeneratorIsSpokenToInItsOwnWords()
 {
     QFETCH(QString, type);
     choose(0, "g_type", type);
-    typeInto("g_address", "127.0.0.2");
+    devices->type("g_address", "127.0.0.2");
     showTab(1);
-    typeInto("a_address", "127.0.0.3");
+    devices->type("a_address", "127.0.0.3");
     makeSignal(8, 1, 4, 10, -40);
     start({"--generator", "127.0.0.2", "--analyzer", "127.0.0.3", "--generator-type", type});
     verifyTheNotchIsRead();
@@ -98,10 +98,10 @@ void TestDialectSessions::everyMicrowaveGeneratorIsSpokenToInItsOwnWords()
     QFETCH(QString, options);
     makeSignal(8, 1, 4, 10, -40);
     choose(2, "m_type", type);
-    typeInto("m_frequency", "9000");
-    typeInto("m_address", "127.0.0.2");
+    devices->type("m_frequency", "9000");
+    devices->type("m_address", "127.0.0.2");
     showTab(1);
-    typeInto("a_frequency", "10000");
+    devices->type("a_frequency", "10000");
     start({"--microwave", "127.0.0.2", "--microwave-type", type, "--opt", options});
     verifyTheNotchIsRead();
 }
@@ -122,7 +122,7 @@ void TestDialectSessions::theWordsOfAnotherModelAreRefused()
 // A notch below the carrier asks the analyzer for a centre below 0.
 void TestDialectSessions::settingsOfAZeroCarrierAreRefused()
 {
-    typeInto("a_frequency", "0");
+    devices->type("a_frequency", "0");
     makeSignal(8, 1, 4, -10, -40);
     start({});
     preset();

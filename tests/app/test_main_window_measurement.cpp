@@ -4,9 +4,9 @@
 #include "kit/bench_instrument.h"
 #include "kit/main_window_test.h"
 #include "kit/scripted_instrument.h"
+#include "kit/top_level.h"
 #include "remote/ko_remote_exception.h"
 
-#include <QTabWidget>
 #include <QTemporaryDir>
 
 class TestMainWindowMeasurement : public MainWindowTest
@@ -41,7 +41,6 @@ private slots:
     void closingDuringAPresetIsNotHeldUp();
 
 private:
-    WindowDriver devicesDriver() const;
     void makeNotches();
     void initAnalyzer();
 
@@ -85,19 +84,6 @@ void TestMainWindowMeasurement::cleanup()
     device.reset();
 }
 
-WindowDriver TestMainWindowMeasurement::devicesDriver() const
-{
-    operate->trigger("actionDevices");
-    QWidget* dialog = nullptr;
-    for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->windowTitle() == "Devices" && each->isVisible()) {
-            dialog = each;
-        }
-    }
-    Q_ASSERT(dialog != nullptr);
-    return WindowDriver(*dialog);
-}
-
 void TestMainWindowMeasurement::makeNotches()
 {
     operate->type("notch_count_input", "3");
@@ -109,8 +95,7 @@ void TestMainWindowMeasurement::makeNotches()
 
 void TestMainWindowMeasurement::initAnalyzer()
 {
-    const WindowDriver devices = devicesDriver();
-    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    const WindowDriver devices = openDevices(*operate, 1);
     devices.click("a_init");
     QTRY_COMPARE(devices.text("a_message"), QString("ACME,42"));
     devices.window.close();
@@ -190,8 +175,7 @@ void TestMainWindowMeasurement::whenTheRetuningFailsNothingCanBeMeasured()
     makeNotches();
     initAnalyzer();
     operate->type("measure_notch", "3");
-    const WindowDriver devices = devicesDriver();
-    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    const WindowDriver devices = openDevices(*operate, 1);
     devices.find<QComboBox>("a_interface")->setCurrentIndex(0); // needs VISA, which is not there
     devices.click("a_init");
     QTRY_COMPARE(devices.text("a_message"), QString("Could not load VISA"));
@@ -299,8 +283,7 @@ void TestMainWindowMeasurement::connectionsOfAReplacedRecordStayOpen()
 
 void TestMainWindowMeasurement::aFailedPresetOpensNoBox()
 {
-    const WindowDriver devices = devicesDriver();
-    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    const WindowDriver devices = openDevices(*operate, 1);
     devices.find<QComboBox>("a_interface")->setCurrentIndex(0); // needs VISA, which is not there
     QTest::ignoreMessage(QtWarningMsg, droppedFailure);
     operate->click("preset_button");
@@ -322,14 +305,9 @@ void TestMainWindowMeasurement::aPresetKeepsAConnectionMadeMeanwhile()
     microwave.answer("*IDN?", "MW\n");
     operate->click("preset_button");
     QTRY_COMPARE(slow.count("*IDN?"), 1);
-    const WindowDriver devices = devicesDriver();
-    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(2);
+    const WindowDriver devices = openDevices(*operate, 2);
     devices.pick("m_type", 2);
-    auto* address = devices.find<QLineEdit>("m_address");
-    address->setFocus();
-    address->selectAll();
-    QTest::keyClicks(address, "127.0.0.2");
-    QTest::keyClick(address, Qt::Key_Return);
+    devices.type("m_address", "127.0.0.2");
     devices.click("m_init");
     QTRY_COMPARE(devices.text("m_message"), QString("MW"));
     QCOMPARE(slow.count("*IDN?"), 1); // the preset is still where it was
@@ -409,8 +387,7 @@ void TestMainWindowMeasurement::aFailedReadingOpensNoBoxAndKeepsTheLabels()
     operate->type("measure_notch", "1");
     operate->click("measure_button");
     QTRY_COMPARE(operate->text("npr_upper"), QString("-43.75"));
-    const WindowDriver devices = devicesDriver();
-    devices.find<QTabWidget>("tabWidget")->setCurrentIndex(1);
+    const WindowDriver devices = openDevices(*operate, 1);
     devices.find<QComboBox>("a_interface")->setCurrentIndex(0);
     devices.click("a_init");
     QTRY_COMPARE(devices.text("a_message"), QString("Could not load VISA"));
@@ -433,7 +410,7 @@ void TestMainWindowMeasurement::thePresetsConnectionsAreTheRecords()
     operate->click("measure_button");
     QTRY_COMPARE(operate->text("npr_upper"), QString("-43.75"));
     QCOMPARE(device->connectionCount(), 2); // analyzer and generator, once each
-    const WindowDriver devices = devicesDriver();
+    const WindowDriver devices = openDevices(*operate);
     devices.type("g_level", "-10"); // a preset is followed by no refresh of its own
     QVERIFY(devices.isEnabled("g_set"));
     QVERIFY(devices.isEnabled("a_set"));
@@ -444,18 +421,13 @@ void TestMainWindowMeasurement::aGeneratorFrequencyMovesTheTable()
 {
     makeNotches();
     const double before = operate->cell(0, 0).toDouble();
-    const WindowDriver devices = devicesDriver();
-    auto* edit = devices.find<QLineEdit>("g_frequency");
-    edit->setFocus();
-    edit->selectAll();
-    QTest::keyClicks(edit, "1000");
-    QTest::keyClick(edit, Qt::Key_Return);
+    openDevices(*operate).type("g_frequency", "1000");
     QCOMPARE(operate->cell(0, 0).toDouble(), before + 1000.0);
 }
 
 void TestMainWindowMeasurement::closingEndsEveryWindow()
 {
-    const WindowDriver devices = devicesDriver();
+    const WindowDriver devices = openDevices(*operate);
     QVERIFY(devices.window.isVisible());
     operate->trigger("actionAbout");
     window->close();

@@ -111,11 +111,11 @@ void TestMeasuredNpr::theMicrowaveChainAddsItsFrequency()
     makeSignal(5, 1, 2, 10, -40);
     showTab(2);
     devices->pick("m_type", 1);
-    typeInto("m_frequency", "9000");
-    typeInto("m_address", "127.0.0.2");
+    devices->type("m_frequency", "9000");
+    devices->type("m_address", "127.0.0.2");
     devices->click("m_if_input"); // not there with this model; the level is sent all the same
     showTab(1);
-    typeInto("a_frequency", "10000");
+    devices->type("a_frequency", "10000");
     QCOMPARE(qRound(operate->cell(0, 0).toDouble()), 10010); // the graph's middle moved along
     start({"--dut", "linear", "--microwave", "127.0.0.2"});
     preset();
@@ -127,7 +127,7 @@ void TestMeasuredNpr::theMicrowaveChainAddsItsFrequency()
 void TestMeasuredNpr::aWrongCentreReadsNothing()
 {
     makeSignal(5, 1, 2, 10, -40);
-    typeInto("a_frequency", "5000");
+    devices->type("a_frequency", "5000");
     start({"--dut", "linear"});
     preset();
     QVERIFY(measure(1).power < -150.0);

@@ -5,8 +5,7 @@
 #include "kit/conversations.h"
 #include "kit/main_window_test.h"
 #include "kit/message_boxes.h"
-
-#include <QTabWidget>
+#include "kit/top_level.h"
 
 // What tests of the window with instruments share: an analyzer at 127.0.0.1 and a signal generator
 // at 127.0.0.2, the window with three notches that knows where they are, and the steps of an
@@ -48,36 +47,16 @@ protected:
         return made;
     }
 
-    // The devices dialog, brought up if it is closed, with the tab that has the object.
+    // The devices dialog with the tab that has the object.
     WindowDriver devicesAt(const char* name) const
     {
-        for (QWidget* each : QApplication::topLevelWidgets()) {
-            if (each->windowTitle() != QLatin1String("Devices")) {
-                continue;
-            }
-            if (!each->isVisible()) {
-                operate->trigger("actionDevices");
-            }
-            const WindowDriver devices(*each);
-            auto* tabs = devices.find<QTabWidget>("tabWidget");
-            const QString prefixes = QStringLiteral("gam");
-            tabs->setCurrentIndex(prefixes.indexOf(QLatin1Char(*name)));
-            return devices;
-        }
-        qFatal("there is no devices dialog");
+        return openDevices(*operate, QByteArray("gam").indexOf(*name));
     }
 
     void click(const char* name) const { devicesAt(name).click(name); }
     QString messageOf(const char* name) const { return devicesAt(name).text(name); }
 
-    void typeText(const char* name, const QString& text) const
-    {
-        auto* edit = devicesAt(name).find<QLineEdit>(name);
-        edit->setFocus();
-        edit->selectAll();
-        QTest::keyClicks(edit, text);
-        QTest::keyClick(edit, Qt::Key_Return);
-    }
+    void typeText(const char* name, const QString& text) const { devicesAt(name).type(name, text); }
 
     // One tuning; a number typed in and left with Enter would tune twice.
     void pickNextNotch() const

@@ -5,8 +5,8 @@
 #include "kit/background_jobs.h"
 #include "kit/main_window_test.h"
 #include "kit/simulator_process.h"
+#include "kit/top_level.h"
 
-#include <QTabWidget>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -24,15 +24,10 @@ protected:
     void openBench()
     {
         openWindow();
-        operate->trigger("actionDevices");
-        for (QWidget* each : QApplication::topLevelWidgets()) {
-            if (each->windowTitle() == "Devices") {
-                devices = std::make_unique<WindowDriver>(*each);
-            }
-        }
-        typeInto("g_frequency", "1000");
+        devices = std::make_unique<WindowDriver>(openDevices(*operate));
+        devices->type("g_frequency", "1000");
         showTab(1);
-        typeInto("a_frequency", "1000");
+        devices->type("a_frequency", "1000");
     }
 
     void closeBench()
@@ -73,15 +68,6 @@ protected:
     }
 
     void showTab(int tab) const { devices->find<QTabWidget>("tabWidget")->setCurrentIndex(tab); }
-
-    void typeInto(const char* name, const QString& text) const
-    {
-        auto* edit = devices->find<QLineEdit>(name);
-        edit->setFocus();
-        edit->selectAll();
-        QTest::keyClicks(edit, text);
-        QTest::keyClick(edit, Qt::Key_Return);
-    }
 
     void waitForJobs() const
     {

@@ -65,14 +65,18 @@ public:
         QTest::mouseClick(button, Qt::LeftButton, Qt::NoModifier, clickPoint(button));
     }
 
-    // Types a value over the old one and leaves the field with Enter.
+    // Types a value over the old one, in a spin box or a line edit, and leaves it with Enter.
     void type(const char* name, const QString& value) const
     {
-        auto* box = find<QAbstractSpinBox>(name);
-        box->setFocus();
-        box->selectAll();
-        QTest::keyClicks(box, value);
-        QTest::keyClick(box, Qt::Key_Return);
+        auto* field = find<QWidget>(name);
+        field->setFocus();
+        if (auto* edit = qobject_cast<QLineEdit*>(field)) {
+            edit->selectAll();
+        } else {
+            qobject_cast<QAbstractSpinBox*>(field)->selectAll();
+        }
+        QTest::keyClicks(field, value);
+        QTest::keyClick(field, Qt::Key_Return);
     }
 
     // Picks a row of a combo box with its list open.

@@ -1,7 +1,6 @@
 // Instruments without a further thread.
+#include "kit/top_level.h"
 #include "reliability/limited_bench.h"
-
-#include <QTabWidget>
 
 namespace {
 
@@ -25,18 +24,6 @@ QString readings(const LimitedBench& bench)
 void awaitReadings(const LimitedBench& bench, const char* expected)
 {
     await(expected, [&] { return readings(bench) == QLatin1String(expected); });
-}
-
-QWidget* openDevices(const LimitedBench& bench)
-{
-    bench.operate.trigger("actionDevices");
-    const QWidgetList widgets = QApplication::topLevelWidgets();
-    for (QWidget* each : widgets) {
-        if (each->windowTitle() == QLatin1String("Devices")) {
-            return each;
-        }
-    }
-    qFatal("no devices dialog");
 }
 
 // One instrument's tab of the devices dialog.
@@ -73,7 +60,7 @@ private:
 void bringUpInTheShortage(const LimitedBench& bench)
 {
     answerPromptly(bench.device);
-    QWidget* devices = openDevices(bench);
+    QWidget* devices = &openDevices(bench.operate).window;
     WindowDriver(*devices).pick("m_type", 1);
     for (const int index : {0, 1, 2}) {
         const Tab tab(*devices, index);
@@ -97,7 +84,7 @@ void bringUpInTheShortage(const LimitedBench& bench)
 void waitBehindAJobInTheShortage(const LimitedBench& bench)
 {
     bench.device.answer("*IDN?", {ScriptedInstrument::Piece{500, "ACME,42\n"}});
-    QWidget* devices = openDevices(bench);
+    QWidget* devices = &openDevices(bench.operate).window;
     const Tab tab(*devices, 0);
     {
         tab.press("init");
@@ -118,7 +105,7 @@ void waitBehindAJobInTheShortage(const LimitedBench& bench)
 void presetInTheShortage(const LimitedBench& bench)
 {
     answerPromptly(bench.device);
-    QWidget* devices = openDevices(bench);
+    QWidget* devices = &openDevices(bench.operate).window;
     const Tab analyzer(*devices, 1);
     const WindowDriver inDevices(*devices);
     {

@@ -3,10 +3,9 @@
 
 #include "kit/background_jobs.h"
 #include "kit/scripted_instrument.h"
-#include "kit/window_driver.h"
+#include "kit/top_level.h"
 
 #include <QSignalSpy>
-#include <QTabWidget>
 #include <QtTest>
 
 class TestDevicesDialog : public QObject
@@ -68,23 +67,6 @@ private:
         QTest::newRow("analyzer") << 1 << QByteArray("a_");
         QTest::newRow("microwave") << 2 << QByteArray("m_");
     }
-    static QWidget* shownSerialDialog()
-    {
-        for (QWidget* each : QApplication::topLevelWidgets()) {
-            if (each->windowTitle() == "RS232 Configuration" && each->isVisible()) {
-                return each;
-            }
-        }
-        return nullptr;
-    }
-    void typeText(const char* name, const QString& text) const
-    {
-        auto* edit = operate->find<QLineEdit>(name);
-        edit->setFocus();
-        edit->selectAll();
-        QTest::keyClicks(edit, text);
-        QTest::keyClick(edit, Qt::Key_Return);
-    }
 
     std::unique_ptr<MeasurementSetup> setup;
     std::unique_ptr<DevicesDialog> dialog;
@@ -133,12 +115,12 @@ void TestDevicesDialog::aChangeIsStoredAtOnce()
     QCOMPARE(setup->generator.device, 2U);
     operate->type("g_level", "-3.5");
     QCOMPARE(setup->generator.level, -3.5);
-    typeText("g_address", "10.0.0.8");
+    operate->type("g_address", "10.0.0.8");
     QCOMPARE(setup->generator.ipAddress, QString("10.0.0.8"));
     showTab(1);
     operate->pick("a_type", 8);
     QCOMPARE(setup->analyzer.device, 8U);
-    typeText("a_span", "3.5");
+    operate->type("a_span", "3.5");
     QCOMPARE(setup->analyzer.span, 3.5e6);
     operate->pick("a_rbw", 0);
     QCOMPARE(setup->analyzer.rbwCode, 0U);
@@ -165,14 +147,14 @@ void TestDevicesDialog::eachTabStoresIntoItsOwnInstrument()
     dialog->setSetup(setup.get(), {"ttyS0", "ttyUSB0"});
     showTab(tab);
     operate->pick(prefix + "type", 1);
-    typeText(prefix + "frequency", "2400");
+    operate->type(prefix + "frequency", "2400");
     operate->type(prefix + "level", "-3.5");
     showPage(tab, InterfaceKind::Gpib0);
     operate->type(prefix + "gpib_addr", "7");
     showPage(tab, InterfaceKind::Rs232);
     operate->pick(prefix + "port", 1);
     showPage(tab, InterfaceKind::LanSocket);
-    typeText(prefix + "address", "10.0.0.8");
+    operate->type(prefix + "address", "10.0.0.8");
     const QVariantList before = {0U, 0.0, -20.0, 20U, 0U, "127.0.0.1"};
     const QVariantList typed = {1U, 2.4e9, -3.5, 7U, 1U, "10.0.0.8"};
     for (int each = 0; each < 3; ++each) {
@@ -185,30 +167,30 @@ void TestDevicesDialog::eachTabStoresIntoItsOwnInstrument()
 
 void TestDevicesDialog::frequenciesAreShownInMegahertz()
 {
-    typeText("g_frequency", "1000");
+    operate->type("g_frequency", "1000");
     QCOMPARE(setup->generator.frequency, 1e9);
     QCOMPARE(operate->text("g_frequency"), QString("1000.000000"));
     showTab(1);
-    typeText("a_frequency", "0.0000015");
+    operate->type("a_frequency", "0.0000015");
     QCOMPARE(setup->analyzer.frequency, 1.5);
     QCOMPARE(operate->text("a_frequency"), QString("0.000002"));
 }
 
 void TestDevicesDialog::whatIsNoNumberIsDropped()
 {
-    typeText("g_frequency", "12.5");
-    typeText("g_frequency", "abc");
+    operate->type("g_frequency", "12.5");
+    operate->type("g_frequency", "abc");
     QCOMPARE(setup->generator.frequency, 12.5e6);
     QCOMPARE(operate->text("g_frequency"), QString("12.500000"));
     showTab(1);
-    typeText("a_span", "");
+    operate->type("a_span", "");
     QCOMPARE(setup->analyzer.span, 100000.0);
     QCOMPARE(operate->text("a_span"), QString("0.100000"));
     setup->analyzer.autoSweepTime = false;
     dialog->notifyPropertyChanged();
-    typeText("a_sweeptime", "1,5");
+    operate->type("a_sweeptime", "1,5");
     QCOMPARE(setup->analyzer.sweepTime, 0.0);
-    typeText("a_sweeptime", "1.5");
+    operate->type("a_sweeptime", "1.5");
     QCOMPARE(setup->analyzer.sweepTime, 1.5);
 }
 
@@ -235,27 +217,27 @@ void TestDevicesDialog::whatIsBeingTypedSurvivesARefresh()
 
 void TestDevicesDialog::infinityIsNoCrash()
 {
-    typeText("g_frequency", "1e400");
-    typeText("g_frequency", "nan");
-    typeText("g_frequency", "7");
+    operate->type("g_frequency", "1e400");
+    operate->type("g_frequency", "nan");
+    operate->type("g_frequency", "7");
     QCOMPARE(operate->text("g_frequency"), QString("7.000000"));
 }
 
 void TestDevicesDialog::theFrequencyOfTheChainIsTold()
 {
     QSignalSpy told(dialog.get(), &DevicesDialog::generatorFrequencyChanged);
-    typeText("g_frequency", "100");
+    operate->type("g_frequency", "100");
     QCOMPARE(told.count(), 1);
     operate->find<QWidget>("ok_button")->setFocus(); // leaving the field finishes it once more
     told.clear();
     operate->type("g_level", "1");
     showTab(1);
-    typeText("a_frequency", "100");
+    operate->type("a_frequency", "100");
     QCOMPARE(told.count(), 0);
     showTab(2);
     operate->pick("m_type", 1);
     QCOMPARE(told.count(), 1);
-    typeText("m_frequency", "9000");
+    operate->type("m_frequency", "9000");
     QCOMPARE(told.count(), 2);
 }
 
@@ -300,7 +282,7 @@ void TestDevicesDialog::automaticSweepTimeZeroesIt()
     showTab(1);
     operate->click("a_swt_auto");
     QVERIFY(operate->isEnabled("a_sweeptime"));
-    typeText("a_sweeptime", "0.5");
+    operate->type("a_sweeptime", "0.5");
     operate->click("a_swt_auto");
     QCOMPARE(operate->text("a_sweeptime"), QString("0.000000"));
     QVERIFY(!operate->isEnabled("a_sweeptime"));
@@ -386,7 +368,7 @@ void TestDevicesDialog::theLinkOpensTheSerialDialogOfItsTab()
     auto* link = operate->find<QLabel>(prefix + "rs232configure");
     QCOMPARE(link->text(), "<a href=\"#" + QString(prefix) + "rs232configure\">configure</a>");
     QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(10, link->height() / 2));
-    QWidget* serial = shownSerialDialog();
+    QWidget* serial = shownWindow("RS232 Configuration");
     QVERIFY(serial != nullptr);
     const WindowDriver other(*serial);
     other.pick("parity", 1);
@@ -410,7 +392,7 @@ void TestDevicesDialog::otherLinksDoNothing()
     for (int other = 0; other < 3; ++other) {
         if (other != tab) {
             emit link->linkActivated(links.at(other));
-            QVERIFY(shownSerialDialog() == nullptr);
+            QVERIFY(shownWindow("RS232 Configuration") == nullptr);
         }
     }
 }
@@ -431,7 +413,7 @@ void TestDevicesDialog::initConnectsAndShowsTheAnswer()
 
 void TestDevicesDialog::aFailedInitShowsWhy()
 {
-    typeText("g_address", "127.0.0.9");
+    operate->type("g_address", "127.0.0.9");
     operate->click("g_init");
     QTRY_COMPARE(operate->text("g_message"), QString("Unable to connect to Host: 127.0.0.9"));
     QVERIFY(!operate->isEnabled("g_set"));
@@ -462,7 +444,7 @@ void TestDevicesDialog::settingsAreSentAsTheyStandAtTheClick()
     operate->click("g_init");
     QTRY_VERIFY(operate->isEnabled("g_set"));
     device.takeReceivedUpTo("&GTL\n");
-    typeText("g_frequency", "2400");
+    operate->type("g_frequency", "2400");
     operate->type("g_level", "-7");
     operate->click("g_set");
     const QByteArray sent = device.takeReceivedUpTo("*IDN?\n&GTL\n");
@@ -495,7 +477,7 @@ void TestDevicesDialog::closingDuringAJobIsSafe()
 
 void TestDevicesDialog::enterInAFieldPressesNoButton()
 {
-    typeText("g_frequency", "100");
+    operate->type("g_frequency", "100");
     QVERIFY(dialog->isVisible());
     QCOMPARE(operate->text("g_message"), QString());
 }
