@@ -426,7 +426,7 @@ void TestCliMeasure::aPictureThatFindsNoRoomIsStatusThree()
         const QStringList words = measuring(rapp + QStringList{"--plot", picture});
         cli->process.start(
             "sh", QStringList{"-c", "ulimit -f 1; exec \"$0\" \"$@\"", NOTCHBENCH_CLI} + words);
-        QVERIFY(cli->process.waitForFinished(60000));
+        QVERIFY(cli->process.waitForFinished(240000));
         QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
         QCOMPARE(cli->process.exitCode(), 3);
         QVERIFY(cli->process.readAllStandardError().contains(picture));

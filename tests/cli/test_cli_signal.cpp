@@ -178,7 +178,7 @@ void TestCliSignal::ctrlCEndsATrimWithoutAFile()
     cli->process.setReadChannel(QProcess::StandardError);
     QVERIFY(cli->process.waitForReadyRead(20000)); // the warning of the bad line
     QCOMPARE(kill(pid_t(cli->process.processId()), number), 0);
-    QVERIFY(cli->process.waitForFinished(60000));
+    QVERIFY(cli->process.waitForFinished(240000));
     QCOMPARE(cli->process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(cli->process.exitCode(), status);
     QVERIFY(!QFile::exists(cli->path("t.pmc")));

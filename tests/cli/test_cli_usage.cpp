@@ -106,7 +106,7 @@ void TestCliUsage::theExamplesOfTheHelpRunAsTheyStand()
         const QString command =
             line.trimmed().replace(0, QString("notchbench-cli").size(), "\"" NOTCHBENCH_CLI "\"");
         cli->process.start("sh", {"-c", command});
-        QVERIFY(cli->process.waitForFinished(60000));
+        QVERIFY(cli->process.waitForFinished(240000));
         QVERIFY2(cli->process.exitCode() == 0, qPrintable(command));
         QCOMPARE(cli->process.readAllStandardError(), QByteArray());
     }
