@@ -142,7 +142,8 @@ template <class Act> void awaitLine(const BenchInstrument& device, const QByteAr
 // The analyzer, connected and tuned to a notch. From now on it answers nothing any more.
 BenchInstrument& silentAnalyzer(const WindowDriver& operate)
 {
-    static BenchInstrument device(QStringLiteral("127.0.0.1"));
+    // Never destroyed: its thread talks until the process has ended.
+    static BenchInstrument& device = *new BenchInstrument(QStringLiteral("127.0.0.1"));
     device.answer("*IDN?", "ACME,42\n");
     operate.type("notch_count_input", "3");
     operate.click("autocalc_notches_button");
