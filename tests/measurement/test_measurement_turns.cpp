@@ -7,6 +7,7 @@
 #include <QSignalSpy>
 #include <QtTest>
 
+#include <atomic>
 #include <utility>
 
 namespace {
@@ -50,7 +51,7 @@ void TestMeasurementTurns::pausingDoesNotWaitForWhomThePassWaitsFor()
     LinkTurn other = turnAfterThePass(device, analyzer);
     QTRY_COMPARE(finished.count(), 1); // and the next pass waits for the other's end
     thread.pause();                    // would never return if it waited for that, too
-    bool served = false;
+    std::atomic<bool> served = false;
     analyzer.link()->ask([&served](const LinkTurn& turn) { served = bool(turn); });
     device.takeReceivedUpTo("&GTL\n");
     other.giveBack();
