@@ -111,6 +111,16 @@ bool WholeFile::putInPlace()
     return !isBeside;
 }
 
+bool writeWholeFile(const QString& path, const QByteArray& bytes)
+{
+    WholeFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    file.write(bytes);
+    return file.putInPlace();
+}
+
 bool putBothInPlace(WholeFile& one, WholeFile& other)
 {
     return one.isWhole() && other.isWhole() && one.putInPlace() && other.putInPlace();

@@ -39,5 +39,8 @@ private:
     bool allTaken = true;
 };
 
+// All bytes as such a file; whether it stands.
+bool writeWholeFile(const QString& path, const QByteArray& bytes);
+
 // Two files that belong together: both take their places or neither does.
 bool putBothInPlace(WholeFile& one, WholeFile& other);

@@ -98,7 +98,5 @@ bool saveChart(const NprChartData& data, const QString& path)
         return false;
     }
     const QByteArray bytes = endsIn(path, ".png") ? chartPng(data) : chartSvg(data);
-    WholeFile file(path);
-    return !bytes.isEmpty() && file.open(QIODevice::WriteOnly) && file.write(bytes) >= 0 &&
-           file.putInPlace();
+    return !bytes.isEmpty() && writeWholeFile(path, bytes);
 }

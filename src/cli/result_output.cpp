@@ -71,18 +71,6 @@ std::optional<double> ratioAt(const NprPoint& place, const QVector<NprPoint>& po
     return found == points.end() ? std::nullopt : found->npr;
 }
 
-bool hasWritten(const QByteArray& bytes, const QString& path)
-{
-    WholeFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return false;
-    }
-    file.write(bytes);
-    const bool isWhole = file.isWhole();
-    file.putInPlace();
-    return isWhole;
-}
-
 // The files that couldn't be written.
 QStringList writeForms(const NprResult& result, const Arguments& arguments, Console& console)
 {
@@ -92,7 +80,7 @@ QStringList writeForms(const NprResult& result, const Arguments& arguments, Cons
             const QByteArray bytes = form.bytes(result);
             if (file == standardOutput) {
                 console.printBytes(bytes);
-            } else if (!hasWritten(bytes, file)) {
+            } else if (!writeWholeFile(file, bytes)) {
                 unwritten << file;
             }
         }
@@ -185,7 +173,7 @@ void writeBytes(const QByteArray& bytes, const QString& file, Console& console)
 {
     if (file == standardOutput) {
         console.printBytes(bytes);
-    } else if (!hasWritten(bytes, file)) {
+    } else if (!writeWholeFile(file, bytes)) {
         failWriting(file);
     }
 }

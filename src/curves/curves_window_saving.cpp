@@ -5,6 +5,7 @@
 #include "curves/saved_file.h"
 
 #include "base/background.h"
+#include "base/whole_file.h"
 #include "curves/result_file.h"
 #include "ui_curves_window.h"
 
@@ -90,7 +91,7 @@ bool CurvesWindow::save(const QVector<ShownResult>& results, const QString& path
              ": choose a name that ends in .json, .csv, .png, .svg or .pdf.");
         return false;
     }
-    if (!writeSavedFile(path, bytes)) {
+    if (!writeWholeFile(path, bytes)) {
         tell("Can't write " + path + "; is there such a folder, and room on its disk?");
         return false;
     }

@@ -1,8 +1,8 @@
 #include "curves/draft_folder.h"
 
 #include "base/background.h"
+#include "base/whole_file.h"
 #include "campaign/result_json.h"
-#include "curves/saved_file.h"
 
 #include <QDir>
 #include <QStandardPaths>
@@ -62,7 +62,7 @@ void DraftFolder::writeNext()
     inBackground(
         this,
         [path = pathOf(writing), result = waiting.take(writing)] {
-            return writeSavedFile(path, resultToJson(result));
+            return writeWholeFile(path, resultToJson(result));
         },
         [this](bool /*written*/) {
             if (forgotten.remove(writing)) {

@@ -1,6 +1,5 @@
 #include "curves/saved_file.h"
 
-#include "base/whole_file.h"
 #include "campaign/result_csv.h"
 #include "campaign/result_json.h"
 #include "chart/chart_file.h"
@@ -62,11 +61,4 @@ QByteArray savedBytes(const QVector<ShownResult>& results, const QString& path)
 {
     const Form* form = formOf(path);
     return form == nullptr || results.isEmpty() ? QByteArray() : form->bytes(results);
-}
-
-bool writeSavedFile(const QString& path, const QByteArray& bytes)
-{
-    WholeFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-           file.putInPlace();
 }

@@ -14,6 +14,3 @@ bool takesSeveral(const QString& path);
 // What belongs into a file of this name, by its ending; empty for another ending. Pictures need the
 // main thread.
 QByteArray savedBytes(const QVector<ShownResult>& results, const QString& path);
-
-// Whole or not at all. Any thread.
-bool writeSavedFile(const QString& path, const QByteArray& bytes);

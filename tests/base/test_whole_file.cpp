@@ -25,6 +25,7 @@ private slots:
     void init() { folder = std::make_unique<QTemporaryDir>(); }
     void aNameOfAnyLengthIsReplaced_data();
     void aNameOfAnyLengthIsReplaced();
+    void aNameThatTheFolderDoesNotTakeIsAFailure();
     void whatIsNotPutInPlaceLeavesNothing();
     void theFormerFileStandsUntilThen();
     void rightsOfTheFormerFileStay();
@@ -73,6 +74,15 @@ void TestWholeFile::aNameOfAnyLengthIsReplaced()
     save(name, "second");
     QCOMPARE(content(name), QByteArray("second"));
     QCOMPARE(names(), QStringList(name));
+}
+
+// It shows only when the whole file is to take its place.
+void TestWholeFile::aNameThatTheFolderDoesNotTakeIsAFailure()
+{
+    QVERIFY(!writeWholeFile(folder->filePath(QString(256, 'n')), "bytes"));
+    QCOMPARE(names(), QStringList());
+    QVERIFY(writeWholeFile(folder->filePath(QString(255, 'n')), "bytes"));
+    QCOMPARE(content(QString(255, 'n')), QByteArray("bytes"));
 }
 
 void TestWholeFile::whatIsNotPutInPlaceLeavesNothing()

@@ -92,6 +92,7 @@ private slots:
     void aConfigurationThatCannotBeMeasuredWithIsStatusTwo();
     void aFileThatCannotBeWrittenIsStatusThree_data();
     void aFileThatCannotBeWrittenIsStatusThree();
+    void aNameThatTheFolderDoesNotTakeIsStatusThree();
     void aPictureThatFindsNoRoomIsStatusThree();
     void theoryStandsBesideTheReading();
     void aPictureNeedsNoDisplay();
@@ -416,6 +417,18 @@ void TestCliMeasure::aFileThatCannotBeWrittenIsStatusThree()
                           "; is there such a folder, and room on its disk?\n");
     QCOMPARE(run.out, QString());
     QVERIFY(!QFile::exists(cli->path("r.json")));
+}
+
+// It shows when the file is to take its place, and then the table is printed all the same.
+void TestCliMeasure::aNameThatTheFolderDoesNotTakeIsStatusThree()
+{
+    const QString name(256, 'n');
+    for (const char* option : {"--csv", "--json"}) {
+        const CliRun run = cli->run(measuring(rapp + QStringList{option, name}));
+        QCOMPARE(run.status, 3);
+        QVERIFY(run.err.contains("can't write " + name));
+        QVERIFY(run.out.contains("NPR/dB"));
+    }
 }
 
 // The table is printed all the same: what was measured isn't lost. A limit of 512 or 1024 bytes for
