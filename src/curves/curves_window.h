@@ -60,11 +60,13 @@ private:
     void askToSave();
     void saveAndTell(const QVector<ShownResult>& results, const QString& path);
     void noteSaved(ShownResult result, const QString& path);
-    bool mayLose(const QVector<ShownResult>& results);
+    bool mayLose(const QVector<int>& ids);
+    bool askAndSave(int id);
     void openDraft(const QString& path);
     void keepRunning(const ShownResult& shown);
-    QVector<ShownResult> chosenOrShown() const;
-    QVector<ShownResult> unsaved(const QSet<int>& among) const;
+    QVector<int> chosenOrShown() const; // ids, as below
+    QVector<int> unsaved(const QSet<int>& among) const;
+    QVector<ShownResult> present(const QVector<int>& ids) const;
     void showRunning();
     void takeRunning();
     void endRunning(const QString& failure);

@@ -15,6 +15,8 @@
 #include <QFileInfo>
 #include <QMessageBox>
 
+#include <algorithm>
+
 namespace {
 
 // The ending of the filter that was chosen, where the name has none.
@@ -30,39 +32,58 @@ QString proposedPath(const ShownResult& result)
     return QDir::current().filePath(QString(result.name).replace(QChar(':'), QChar('-')) + ".json");
 }
 
+bool isWholeResult(const QString& path)
+{
+    return path.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive);
+}
+
 } // namespace
 
-QVector<ShownResult> CurvesWindow::chosenOrShown() const
+QVector<int> CurvesWindow::chosenOrShown() const
 {
-    QVector<ShownResult> chosen;
-    QVector<ShownResult> shown;
+    QVector<int> chosen;
+    QVector<int> shown;
     for (const ShownResult& result : model.results()) {
         if (choice.results.contains(result.id)) {
-            chosen << result;
+            chosen << result.id;
         }
         if (result.isShown) {
-            shown << result;
+            shown << result.id;
         }
     }
     return chosen.isEmpty() ? shown : chosen;
 }
 
+// As they are now: while a question stands, more is measured.
+QVector<ShownResult> CurvesWindow::present(const QVector<int>& ids) const
+{
+    QVector<ShownResult> found;
+    for (const int id : ids) {
+        if (const ShownResult* result = model.find(id)) {
+            found << *result;
+        }
+    }
+    return found;
+}
+
 void CurvesWindow::askToSave()
 {
-    const QVector<ShownResult> results = chosenOrShown();
-    if (results.isEmpty()) {
+    const QVector<int> ids = chosenOrShown();
+    if (ids.isEmpty()) {
         return;
     }
     QString filter;
-    const QString name = QFileDialog::getSaveFileName(
-        this, QStringLiteral("Save"), proposedPath(results.constFirst()), savingFilters(), &filter);
+    const QString name = QFileDialog::getSaveFileName(this, QStringLiteral("Save"),
+                                                      proposedPath(present(ids).constFirst()),
+                                                      savingFilters(), &filter);
     if (!name.isEmpty()) {
         dismissMessages(); // of what was before
-        saveAndTell(results, withEnding(name, filter));
+        saveAndTell(present(ids), withEnding(name, filter));
     }
 }
 
-// Whoever has saved a picture shall not wonder that the window asks for the result at its end.
+// Whoever has saved a picture, or a result that grows, shall not wonder that the window asks for it
+// at its end.
 void CurvesWindow::saveAndTell(const QVector<ShownResult>& results, const QString& path)
 {
     if (!save(results, path)) {
@@ -73,8 +94,9 @@ void CurvesWindow::saveAndTell(const QVector<ShownResult>& results, const QStrin
         saved.insert(result.id);
     }
     tell("Saved " + path + '.' +
-         (unsaved(saved).isEmpty()
-              ? QString()
+         (unsaved(saved).isEmpty() ? QString()
+          : isWholeResult(path)
+              ? QStringLiteral(" It is still being measured: save it again at its end.")
               : QStringLiteral(" The result itself is not saved yet: that takes a .json file.")));
 }
 
@@ -95,7 +117,7 @@ bool CurvesWindow::save(const QVector<ShownResult>& results, const QString& path
         tell("Can't write " + path + "; is there such a folder, and room on its disk?");
         return false;
     }
-    if (path.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive)) {
+    if (isWholeResult(path)) {
         noteSaved(results.constFirst(), path);
     }
     return true;
@@ -113,24 +135,28 @@ void CurvesWindow::noteSaved(ShownResult result, const QString& path)
     }
 }
 
-QVector<ShownResult> CurvesWindow::unsaved(const QSet<int>& among) const
+// What is being measured comes last: once it is saved, no question stands while it grows.
+QVector<int> CurvesWindow::unsaved(const QSet<int>& among) const
 {
-    QVector<ShownResult> found;
+    QVector<int> found;
     for (const ShownResult& result : model.results()) {
         if (result.state != ShownResult::State::InFile && among.contains(result.id)) {
-            found << result;
+            found << result.id;
         }
+    }
+    if (found.removeOne(runningId)) {
+        found << runningId;
     }
     return found;
 }
 
-bool CurvesWindow::mayLose(const QVector<ShownResult>& results)
+bool CurvesWindow::mayLose(const QVector<int>& ids)
 {
-    if (results.isEmpty()) {
+    if (ids.isEmpty()) {
         return true;
     }
     QStringList names;
-    for (const ShownResult& result : results) {
+    for (const ShownResult& result : present(ids)) {
         names << result.name;
     }
     const auto answer = QMessageBox::question(
@@ -142,14 +168,21 @@ bool CurvesWindow::mayLose(const QVector<ShownResult>& results)
     if (answer != QMessageBox::Save) {
         return answer == QMessageBox::Discard;
     }
-    for (const ShownResult& result : results) {
-        const QString name = QFileDialog::getSaveFileName(
-            this, "Save " + result.name, proposedPath(result), QStringLiteral("Result (*.json)"));
-        if (name.isEmpty() || !save({result}, withEnding(name, "(*.json)"))) {
-            return false;
-        }
+    return std::all_of(ids.begin(), ids.end(), [this](int id) { return askAndSave(id); });
+}
+
+// What ended without a point meanwhile is gone, and nothing of it is lost.
+bool CurvesWindow::askAndSave(int id)
+{
+    const QVector<ShownResult> asked = present({id});
+    if (asked.isEmpty()) {
+        return true;
     }
-    return true;
+    const QString name = QFileDialog::getSaveFileName(this, "Save " + asked.constFirst().name,
+                                                      proposedPath(asked.constFirst()),
+                                                      QStringLiteral("Result (*.json)"));
+    const QVector<ShownResult> saved = present({id});
+    return saved.isEmpty() || (!name.isEmpty() && save(saved, withEnding(name, "(*.json)")));
 }
 
 void CurvesWindow::closeChosen()

@@ -30,6 +30,14 @@ int draftCount()
     return count;
 }
 
+// So many readings that nobody waits for their end.
+QStringList longer(QStringList words)
+{
+    words.last() = "-30:-10:0.01";
+    return words << "--average"
+                 << "20";
+}
+
 const QStringList quick = {"curve",     "default",      "--set",      "NPR/FFT Len=4096",
                            "--notches", "2,1e6,-100,0", "--simulate", "rapp,saturation=0",
                            "--levels",  "-30:-10:5"};
@@ -58,6 +66,8 @@ private slots:
     void theReportOfRecordingsTellsLevelsOfFullScale();
     void aMeasuredCurveIsKeptUntilItIsSaved();
     void theEndAsksForWhatIsNotSaved();
+    void theEndSavesWhatIsMeasuredWhileItAsks();
+    void aResultThatGrowsIsToldToBeSavedAgain();
     void whatAKilledProgramLeftIsOffered();
     void whatIsDeclinedIsDeleted();
     void whatALivingProgramKeepsIsNotOffered();
@@ -65,6 +75,9 @@ private slots:
 private:
     QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
     void measure();
+    void measureWithoutEnd();
+    int pointCount() const { return window->results().results().value(0).result.points.size(); }
+    void waitForMorePoints() const;
     void answerNextQuestion(QMessageBox::StandardButton button) const;
 };
 
@@ -76,6 +89,18 @@ void TestSavingCurves::measure()
                                      ShownResult::State::Unsaved,
                              60000);
     QTRY_COMPARE(draftCount(), 1);
+}
+
+void TestSavingCurves::measureWithoutEnd()
+{
+    window->measure(longer(quick));
+    QTRY_VERIFY_WITH_TIMEOUT(pointCount() > 2, 60000);
+}
+
+void TestSavingCurves::waitForMorePoints() const
+{
+    const int before = pointCount();
+    QTRY_VERIFY_WITH_TIMEOUT(pointCount() > before, 60000);
 }
 
 void TestSavingCurves::answerNextQuestion(QMessageBox::StandardButton button) const
@@ -188,6 +213,36 @@ void TestSavingCurves::theEndAsksForWhatIsNotSaved()
     answerNextQuestion(QMessageBox::Discard);
     QVERIFY(window->close());
     QCOMPARE(draftCount(), 0);
+}
+
+void TestSavingCurves::theEndSavesWhatIsMeasuredWhileItAsks()
+{
+    measureWithoutEnd();
+    operate->onNext<QMessageBox>([this](QMessageBox* box) {
+        waitForMorePoints();
+        QTest::mouseClick(box->button(QMessageBox::Save), Qt::LeftButton);
+    });
+    int measured = 0;
+    operate->onNext<QFileDialog>([this, &measured](QFileDialog* dialog) {
+        waitForMorePoints();
+        measured = pointCount();
+        auto* edit = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        edit->setText(path("asked.json"));
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
+    QVERIFY(window->close());
+    QVERIFY(measured > 0);
+    QVERIFY(readResultFile(path("asked.json")).result.points.size() >= measured);
+}
+
+void TestSavingCurves::aResultThatGrowsIsToldToBeSavedAgain()
+{
+    measureWithoutEnd();
+    operate->answerFileDialog(path("growing.json"));
+    operate->trigger("action_save");
+    QCOMPARE(operate->text("message_text"),
+             "Saved " + path("growing.json") +
+                 ". It is still being measured: save it again at its end.");
 }
 
 void TestSavingCurves::whatAKilledProgramLeftIsOffered()
