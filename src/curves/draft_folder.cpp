@@ -49,7 +49,6 @@ void DraftFolder::keep(int id, const NprResult& result)
         lock->tryLock(0);
     }
     waiting[id] = result;
-    forgotten.remove(id);
     writeNext();
 }
 
@@ -59,25 +58,28 @@ void DraftFolder::writeNext()
         return;
     }
     writing = waiting.firstKey();
+    isForgotten = std::make_shared<std::atomic<bool>>(false);
     inBackground(
         this,
-        [path = pathOf(writing), result = waiting.take(writing)] {
-            return writeWholeFile(path, resultToJson(result));
-        },
-        [this](bool /*written*/) {
-            if (forgotten.remove(writing)) {
-                QFile::remove(pathOf(writing));
+        [path = pathOf(writing), result = waiting.take(writing), told = isForgotten] {
+            const bool isWritten = writeWholeFile(path, resultToJson(result));
+            if (*told) {
+                QFile::remove(path);
             }
+            return isWritten;
+        },
+        [this](bool /*isWritten*/) {
             writing = 0;
             writeNext();
         });
 }
 
+// Told first, removed then: either the job sees it after writing, or the file is there to remove.
 void DraftFolder::forget(int id)
 {
     waiting.remove(id);
     if (writing == id) {
-        forgotten.insert(id);
+        *isForgotten = true;
     }
     QFile::remove(pathOf(id));
 }

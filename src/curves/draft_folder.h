@@ -9,8 +9,8 @@
 #include <QLockFile>
 #include <QMap>
 #include <QObject>
-#include <QSet>
 
+#include <atomic>
 #include <memory>
 
 class DraftFolder : public QObject
@@ -40,6 +40,7 @@ private:
     QString folder;
     std::unique_ptr<QLockFile> lock;
     QMap<int, NprResult> waiting;
-    QSet<int> forgotten;
     int writing = 0; // id; 0 for none
+    // Told to the job that writes, which may outlive this object.
+    std::shared_ptr<std::atomic<bool>> isForgotten;
 };

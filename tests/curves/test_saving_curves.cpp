@@ -3,6 +3,7 @@
 #include "curves/draft_folder.h"
 #include "curves/report.h"
 #include "curves/result_file.h"
+#include "kit/background_jobs.h"
 #include "kit/file_content.h"
 
 #include <QStandardPaths>
@@ -71,6 +72,7 @@ private slots:
     void whatAKilledProgramLeftIsOffered();
     void whatIsDeclinedIsDeleted();
     void whatALivingProgramKeepsIsNotOffered();
+    void whatIsForgottenWhileItIsWrittenStaysForgotten();
 
 private:
     QString path(const char* name) const { return folder.filePath(QLatin1String(name)); }
@@ -280,6 +282,19 @@ void TestSavingCurves::whatALivingProgramKeepsIsNotOffered()
     QCOMPARE(DraftFolder::leftOver(), QStringList());
     other.forget(1);
     QCOMPARE(draftCount(), 0);
+}
+
+void TestSavingCurves::whatIsForgottenWhileItIsWrittenStaysForgotten()
+{
+    auto drafts = std::make_unique<DraftFolder>();
+    drafts->keep(1, roofs(1)); // its file keeps the folder
+    QTRY_COMPARE(draftCount(), 1);
+    waitForBackgroundJobs();
+    drafts->keep(2, roofs(100));
+    drafts->forget(2);
+    drafts.reset(); // as the program does at once after "Discard"
+    waitForBackgroundJobs();
+    QCOMPARE(draftCount(), 1);
 }
 
 QTEST_MAIN(TestSavingCurves)
