@@ -1,5 +1,6 @@
 #include "campaign/result_json.h"
 
+#include "base/regular_file.h"
 #include "campaign/json_values.h"
 #include "campaign/recording_json.h"
 
@@ -218,4 +219,19 @@ NprResult resultFromJson(const QByteArray& json)
     whole["curves"].forEachElement(
         [&result, unit](const Member& curve) { result.curves << curveFrom(curve, unit); });
     return result;
+}
+
+NprResult resultFromFile(const QString& path)
+{
+    QFile file(path);
+    if (!openRegular(file)) {
+        throw ResultError{!file.exists()              ? QStringLiteral("there is no such file")
+                          : !QFileInfo(path).isFile() ? QStringLiteral("it is no file")
+                                                      : file.errorString()};
+    }
+    try {
+        return resultFromJson(file.read(qint64{mostResultBytes} + 1));
+    } catch (const ResultError& error) {
+        throw ResultError{"it is no result of a measurement: " + error.text};
+    }
 }

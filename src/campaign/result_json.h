@@ -17,4 +17,7 @@ QByteArray resultToJson(const NprResult& result);
 // mostResultBytes.
 NprResult resultFromJson(const QByteArray& json);
 
+// Throws ResultError too for what can't be read; a pipe, which may never end, is such a thing.
+NprResult resultFromFile(const QString& path);
+
 constexpr int mostResultBytes = 256 * 1048576;

@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QtTest>
 
+#include <sys/stat.h>
+
 class TestCliPlot : public QObject
 {
     Q_OBJECT
@@ -22,6 +24,7 @@ private slots:
     void mistakesAreStatusTwo();
     void whatIsNoResultIsStatusThree_data();
     void whatIsNoResultIsStatusThree();
+    void aPipeIsNotWaitedFor();
 
 private:
     CliRun curve(const QString& device, const QString& name)
@@ -136,7 +139,8 @@ void TestCliPlot::whatIsNoResultIsStatusThree_data()
     QByteArray empty = contentOf(cli.path("warm.json"));
     empty = empty.left(empty.indexOf("\"points\"")) + "\"points\": [], " +
             empty.mid(empty.indexOf("\"program\""));
-    QTest::newRow("no JSON") << QByteArray("level_dbm,notch\n") << "is no result of this program";
+    QTest::newRow("no JSON") << QByteArray("level_dbm,notch\n")
+                             << "it is no result of a measurement";
     QTest::newRow("nothing measured") << empty << "has no points";
 }
 
@@ -158,6 +162,14 @@ void TestCliPlot::whatIsNoResultIsStatusThree()
         QVERIFY2(nothing.err.contains(QString("can't read result %1: ").arg(none)), none);
     }
     QCOMPARE(cli.run({"plot", "warm.json", "--csv", "no/folder/a.csv"}).status, 3);
+}
+
+void TestCliPlot::aPipeIsNotWaitedFor()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(cli.path("pipe")).constData(), 0600), 0);
+    const CliRun run = cli.run({"plot", "pipe", "--csv", "a.csv"});
+    QCOMPARE(run.status, 3);
+    QVERIFY2(run.err.contains("can't read result pipe: it is no file"), qPrintable(run.err));
 }
 
 QTEST_GUILESS_MAIN(TestCliPlot)
