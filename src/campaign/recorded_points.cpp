@@ -1,5 +1,6 @@
 #include "campaign/recorded_points.h"
 
+#include "base/truncation.h"
 #include "campaign/point_sums.h"
 #include "setup/measurement_setup.h"
 #include "transform/decibels.h"
@@ -44,6 +45,27 @@ NprPoint pointOf(const NotchReading& reading, const NumberedNotch& notch, double
     return sums.point(level, where);
 }
 
+// Of the lines that the skirts leave. They are placed by the setup's length, also in a signal from
+// a file of another one, and suppress both of their inner ends. Where they cover all lines, these
+// are as strong beside each other as before.
+FrequencyBand bandOf(const MeasurementSetup& setup, const RecordedSignal& signal)
+{
+    const auto end = static_cast<quint32>(signal.length) - 1;
+    quint32 lowest = 0;
+    quint32 highest = end;
+    if (setup.nbwSrate < 1.0) {
+        const double half = setup.fftLength() >> 1;
+        lowest = truncatedToUint32(half - half * setup.nbwSrate) + 1;
+        highest = std::min(truncatedToUint32(half * setup.nbwSrate + half) - 1, end);
+    }
+    if (lowest > highest) {
+        lowest = 0;
+        highest = end;
+    }
+    const double carrier = signal.length >> 1;
+    return {(lowest - carrier) * signal.lineSpacing(), (highest - carrier) * signal.lineSpacing()};
+}
+
 } // namespace
 
 RecordedSignal recordedSignalOf(const MeasurementSetup& setup,
@@ -53,13 +75,7 @@ RecordedSignal recordedSignalOf(const MeasurementSetup& setup,
     signal.sampleRate = setup.sampleRate;
     signal.length = setup.signal.length;
     const double spacing = signal.lineSpacing();
-    // The skirts are placed by the record's length, both of their inner ends suppressed.
-    const double half = setup.fftLength() >> 1;
-    const bool hasSkirts = setup.nbwSrate < 1.0;
-    const double lowest = hasSkirts ? std::floor(half - half * setup.nbwSrate) + 1.0 - half : -half;
-    const double highest =
-        hasSkirts ? std::floor(half * setup.nbwSrate + half) - 1.0 - half : half - 1.0;
-    signal.band = {lowest * spacing, highest * spacing};
+    signal.band = bandOf(setup, signal);
     for (const NumberedNotch& notch : notches) {
         signal.gaps << FrequencyBand{(notch.notch.startIndex - 1) * spacing,
                                      (notch.notch.stopIndex + 1) * spacing};
