@@ -102,12 +102,14 @@ bool WholeFile::isOnDisk()
 
 bool WholeFile::putInPlace()
 {
-    const bool complete = isOnDisk();
+    const bool isComplete = isOnDisk();
     close();
-    if (!isBeside) {
-        return complete; // written in place
-    }
-    isBeside = !(complete && replace(target, fileName()));
+    return isComplete && takePlace();
+}
+
+bool WholeFile::takePlace()
+{
+    isBeside = isBeside && !replace(target, fileName()); // or else it was written in place
     return !isBeside;
 }
 
@@ -123,7 +125,10 @@ bool writeWholeFile(const QString& path, const QByteArray& bytes)
 
 bool putBothInPlace(WholeFile& one, WholeFile& other)
 {
-    return one.isWhole() && other.isWhole() && one.putInPlace() && other.putInPlace();
+    const bool areComplete = one.isOnDisk() && other.isOnDisk();
+    one.close();
+    other.close();
+    return areComplete && one.takePlace() && other.takePlace();
 }
 
 // A disk that fills up takes a part of a write, which alone the base class does not call a failure.

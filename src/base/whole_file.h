@@ -27,12 +27,15 @@ public:
     // Closes the file. It replaces the former one if it is whole, or is dropped; whether it stands.
     bool putInPlace();
 
+    friend bool putBothInPlace(WholeFile& one, WholeFile& other);
+
 protected:
     qint64 writeData(const char* data, qint64 size) override;
 
 private:
     bool openBeside(OpenMode mode);
     bool isOnDisk();
+    bool takePlace();
 
     const QString target; // behind a symbolic link
     bool isBeside = false;
@@ -42,5 +45,6 @@ private:
 // All bytes as such a file; whether it stands.
 bool writeWholeFile(const QString& path, const QByteArray& bytes);
 
-// Two files that belong together: both take their places or neither does.
+// Two files that belong together, closed too: neither takes its place before both are whole and on
+// the disk. Whether both stand; a folder that then takes one name and refuses the other parts them.
 bool putBothInPlace(WholeFile& one, WholeFile& other);

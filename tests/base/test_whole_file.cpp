@@ -8,9 +8,25 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <cerrno>
 #include <csignal>
 #include <memory>
 #include <sys/stat.h>
+#include <unistd.h>
+
+// That of the system, but for a disk that fails behind some files.
+namespace {
+int filesUntilFailure = -1; // never
+}
+
+extern "C" int fsync(int file)
+{
+    if (filesUntilFailure-- == 0) {
+        errno = EIO;
+        return -1;
+    }
+    return fdatasync(file);
+}
 
 class TestWholeFile : public QObject
 {
@@ -32,6 +48,8 @@ private slots:
     void twoFilesTakeTheirPlacesTogether();
     void neitherOfTwoTakesItsPlaceWhenOneIsCutShort_data();
     void neitherOfTwoTakesItsPlaceWhenOneIsCutShort();
+    void neitherOfTwoTakesItsPlaceWhenTheDiskFails_data();
+    void neitherOfTwoTakesItsPlaceWhenTheDiskFails();
     void aFileThatIsCutShortIsDropped();
     void theFileBehindALinkIsReplaced();
     void whatIsNoFileIsNeverWritten();
@@ -156,6 +174,33 @@ void TestWholeFile::neitherOfTwoTakesItsPlaceWhenOneIsCutShort()
         one.write(QByteArray(first, '1'));
         other.write(QByteArray(second, '2'));
         QVERIFY(!putBothInPlace(one, other));
+    }
+    QCOMPARE(content("one") + content("other"), QByteArray("former 1former 2"));
+    QCOMPARE(names(), QStringList({"one", "other"}));
+}
+
+void TestWholeFile::neitherOfTwoTakesItsPlaceWhenTheDiskFails_data()
+{
+    QTest::addColumn<int>("goodFiles");
+    QTest::newRow("under the first") << 0;
+    QTest::newRow("under the second") << 1;
+}
+
+void TestWholeFile::neitherOfTwoTakesItsPlaceWhenTheDiskFails()
+{
+    QFETCH(int, goodFiles);
+    save("one", "former 1");
+    save("other", "former 2");
+    {
+        WholeFile one(folder->filePath("one"));
+        WholeFile other(folder->filePath("other"));
+        QVERIFY(one.open(QIODevice::WriteOnly) && other.open(QIODevice::WriteOnly));
+        one.write("new");
+        other.write("new");
+        filesUntilFailure = goodFiles;
+        const bool areInPlace = putBothInPlace(one, other);
+        filesUntilFailure = -1;
+        QVERIFY(!areInPlace);
     }
     QCOMPARE(content("one") + content("other"), QByteArray("former 1former 2"));
     QCOMPARE(names(), QStringList({"one", "other"}));
