@@ -11,10 +11,15 @@
 
 namespace {
 
-QString behindLink(const QString& path)
+// The end of a chain of links, where there may be no file yet. A ring of links ends in a link.
+QString behindLinks(const QString& path)
 {
-    const QFileInfo info(path);
-    return info.isSymLink() ? info.symLinkTarget() : path;
+    constexpr int mostLinks = 40; // that a system follows
+    QFileInfo info(path);
+    for (int links = 0; info.isSymLink() && links < mostLinks; ++links) {
+        info.setFile(info.exists() ? info.canonicalFilePath() : info.symLinkTarget());
+    }
+    return info.filePath();
 }
 
 QString shortNameBeside(const QString& path)
@@ -37,7 +42,7 @@ bool replace(const QString& former, const QString& by)
 
 } // namespace
 
-WholeFile::WholeFile(const QString& path) : QFile(path), target(behindLink(path)) {}
+WholeFile::WholeFile(const QString& path) : QFile(path), target(behindLinks(path)) {}
 
 WholeFile::~WholeFile()
 {
@@ -50,7 +55,7 @@ WholeFile::~WholeFile()
 bool WholeFile::open(OpenMode mode)
 {
     const QFileInfo former(target);
-    if (former.exists() && !canStandAt(target)) {
+    if (former.isSymLink() || (former.exists() && !canStandAt(target))) {
         return false;
     }
     if (openBeside(mode)) {
@@ -65,10 +70,11 @@ bool WholeFile::open(OpenMode mode)
 
 bool WholeFile::canStandAt(const QString& path)
 {
-    const QFileInfo former(behindLink(path));
+    const QFileInfo former(behindLinks(path));
     const QFileInfo folder(former.path());
     return former.exists() ? former.isFile() && former.isWritable()
-                           : !former.fileName().isEmpty() && folder.isDir() && folder.isWritable();
+                           : !former.isSymLink() && !former.fileName().isEmpty() &&
+                                 folder.isDir() && folder.isWritable();
 }
 
 bool WholeFile::openBeside(OpenMode mode)

@@ -37,7 +37,7 @@ private:
     bool isOnDisk();
     bool takePlace();
 
-    const QString target; // behind a symbolic link
+    const QString target; // behind all symbolic links
     bool isBeside = false;
     bool allTaken = true;
 };

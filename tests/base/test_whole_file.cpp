@@ -51,7 +51,9 @@ private slots:
     void neitherOfTwoTakesItsPlaceWhenTheDiskFails_data();
     void neitherOfTwoTakesItsPlaceWhenTheDiskFails();
     void aFileThatIsCutShortIsDropped();
-    void theFileBehindALinkIsReplaced();
+    void theFileBehindLinksIsReplaced_data();
+    void theFileBehindLinksIsReplaced();
+    void aRingOfLinksIsRefused();
     void whatIsNoFileIsNeverWritten();
     void itCanBeToldBeforehandWhereAFileCanStand();
     void aFileThatMayNotBeWrittenStays();
@@ -63,6 +65,10 @@ private:
         return QDir(folder->path()).entryList(QDir::Files | QDir::Hidden | QDir::System);
     }
     QByteArray content(const QString& name) const { return contentOf(folder->filePath(name)); }
+    void link(const QString& to, const QString& name)
+    {
+        QVERIFY(QFile::link(folder->filePath(to), folder->filePath(name)));
+    }
     void save(const QString& name, const QByteArray& bytes)
     {
         WholeFile file(folder->filePath(name));
@@ -223,13 +229,42 @@ void TestWholeFile::aFileThatIsCutShortIsDropped()
     QCOMPARE(names(), QStringList("file"));
 }
 
-void TestWholeFile::theFileBehindALinkIsReplaced()
+void TestWholeFile::theFileBehindLinksIsReplaced_data()
 {
-    save("file", "former");
-    QVERIFY(QFile::link(folder->filePath("file"), folder->filePath("link")));
-    save("link", "new");
-    QVERIFY(QFileInfo(folder->filePath("link")).isSymLink());
-    QCOMPARE(content("file"), QByteArray("new"));
+    QTest::addColumn<int>("links");
+    QTest::addColumn<bool>("isThere");
+    for (const int links : {1, 2, 3}) {
+        QTest::addRow("%d to a file", links) << links << true;
+        QTest::addRow("%d to none yet", links) << links << false;
+    }
+}
+
+void TestWholeFile::theFileBehindLinksIsReplaced()
+{
+    QFETCH(int, links);
+    QFETCH(bool, isThere);
+    if (isThere) {
+        save("link0", "former"); // the file
+    }
+    for (int k = 1; k <= links; ++k) {
+        link(QString("link%1").arg(k - 1), QString("link%1").arg(k));
+    }
+    save(QString("link%1").arg(links), "new");
+    for (int k = 1; k <= links; ++k) {
+        QVERIFY(QFileInfo(folder->filePath(QString("link%1").arg(k))).isSymLink());
+    }
+    QCOMPARE(content("link0"), QByteArray("new"));
+}
+
+void TestWholeFile::aRingOfLinksIsRefused()
+{
+    link("one", "other");
+    link("other", "one");
+    QVERIFY(!WholeFile::canStandAt(folder->filePath("one")));
+    WholeFile file(folder->filePath("one"));
+    QVERIFY(!file.open(QIODevice::WriteOnly));
+    QVERIFY(QFileInfo(folder->filePath("one")).isSymLink());
+    QVERIFY(QFileInfo(folder->filePath("other")).isSymLink());
 }
 
 void TestWholeFile::whatIsNoFileIsNeverWritten()
