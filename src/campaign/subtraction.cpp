@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -17,12 +18,15 @@ bool isSamePlace(const NprPoint& a, const NprPoint& b)
            isSameNotch(a.center, a.width, b.center, b.width);
 }
 
-const NprPoint* counterpart(const QVector<NprPoint>& points, const NprPoint& point)
+// Levels that are the same lie in one cell or in two neighbours.
+double cellOf(double level)
 {
-    const auto found = std::find_if(points.begin(), points.end(), [&point](const NprPoint& other) {
-        return isSamePlace(other, point);
-    });
-    return found == points.end() ? nullptr : &*found;
+    return std::floor(level / (2.0 * sameLevel));
+}
+
+std::pair<double, double> orderOf(const NprPoint& point)
+{
+    return {cellOf(point.level), point.center};
 }
 
 // Power in the notch over the signal's.
@@ -53,10 +57,10 @@ void subtract(const NprPoint& bench, NprPoint& point)
 }
 
 // Empty where all points have one.
-QString missingCounterpart(const QVector<NprPoint>& without, const QVector<NprPoint>& points)
+QString missingCounterpart(const BenchPoints& without, const QVector<NprPoint>& points)
 {
     for (const NprPoint& point : points) {
-        if (counterpart(without, point) == nullptr) {
+        if (without.at(point) == nullptr) {
             return QStringLiteral("it has no point at %1 dBm for the notch at %2 Hz, %3 Hz wide")
                 .arg(point.level)
                 .arg(point.center)
@@ -104,17 +108,47 @@ QString objectionToSubtracting(const NprResult& without, const NprResult& wanted
     if (!(std::abs(its - ours) <= rounding * ours)) {
         return QStringLiteral("its noise is %1 Hz wide and not %2 Hz").arg(its).arg(ours);
     }
-    return missingCounterpart(without.points, placesOf(plan));
+    return missingCounterpart(BenchPoints(without.points), placesOf(plan));
 }
 
-QString subtractBench(const QVector<NprPoint>& without, QVector<NprPoint>& points)
+BenchPoints::BenchPoints(const QVector<NprPoint>& measured) : points(measured)
+{
+    std::stable_sort(points.begin(), points.end(),
+                     [](const NprPoint& a, const NprPoint& b) { return orderOf(a) < orderOf(b); });
+}
+
+const NprPoint* BenchPoints::at(const NprPoint& place) const
+{
+    const double reach = 1e-5 * std::abs(place.width); // more than centres of one notch differ by
+    const double middle = cellOf(place.level);
+    for (const double cell : {middle - 1.0, middle, middle + 1.0}) {
+        const std::pair<double, double> low(cell, place.center - reach);
+        const std::pair<double, double> high(cell, place.center + reach);
+        const auto* candidate = std::lower_bound(
+            points.begin(), points.end(), low,
+            [](const NprPoint& point, const auto& bound) { return orderOf(point) < bound; });
+        for (; candidate != points.end() && orderOf(*candidate) <= high; ++candidate) {
+            if (isSamePlace(*candidate, place)) {
+                return candidate;
+            }
+        }
+    }
+    return nullptr;
+}
+
+QString subtractBench(const BenchPoints& without, QVector<NprPoint>& points)
 {
     QString missing = missingCounterpart(without, points);
     if (!missing.isEmpty()) {
         return missing;
     }
     for (NprPoint& point : points) {
-        subtract(*counterpart(without, point), point);
+        subtract(*without.at(point), point);
     }
     return {};
+}
+
+QString subtractBench(const QVector<NprPoint>& without, QVector<NprPoint>& points)
+{
+    return subtractBench(BenchPoints(without), points);
 }

@@ -3,7 +3,6 @@
 #include "campaign/instrument_bench.h"
 #include "campaign/npr_curve.h"
 #include "campaign/simulated_bench.h"
-#include "campaign/subtraction.h"
 #include "cli/exit_status.h"
 #include "cli/made_signal.h"
 #include "cli/new_result.h"
@@ -137,6 +136,9 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
         warnOfFrequencies(setup, ready.plan, console);
     }
     requireSubtractable(ready.request.without, ready.result, ready.plan, arguments);
+    if (ready.request.without) {
+        ready.without.emplace(ready.request.without->points);
+    }
     ready.context = contextOf(setup, ready.request, ready.plan, arguments, wanted);
     ready.hasCurves = !wanted.levels.isEmpty();
     return ready;
@@ -154,8 +156,8 @@ NprResult resultOf(const PreparedMeasuring& ready, const QVector<NprPoint>& poin
             point.addMark(PointMark::notNoiseLike);
         }
     }
-    if (ready.request.without) {
-        subtractBench(ready.request.without->points, result.points);
+    if (ready.without) {
+        subtractBench(*ready.without, result.points);
     }
     if (ready.request.limit) {
         applyLimit(result.points, *ready.request.limit);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "campaign/bench.h"
+#include "campaign/subtraction.h"
 #include "cli/console.h"
 #include "cli/measuring_request.h"
 #include "cli/result_chart.h"
@@ -22,6 +23,7 @@ struct PreparedMeasuring
     NprResult result; // without points
     CampaignPlan plan;
     std::shared_ptr<Bench> bench;
+    std::optional<BenchPoints> without; // the device, of the request
     ResultContext context;
     bool hasCurves = false;
 };

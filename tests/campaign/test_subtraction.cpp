@@ -37,6 +37,8 @@ private slots:
     void otherPlacesAreRefused_data();
     void otherPlacesAreRefused();
     void refusalsAreKnownBeforehand();
+    void everyPlaceIsFoundAsByLookingAtAll();
+    void aLongCurveIsSubtractedAtOnce();
 };
 
 // 40 dB and 50 dB: 1e-4 - 1e-5 = 9e-5, 40.4576 dB. Sigma sqrt((10 x 0.1)^2 + 0.1^2) / 9.
@@ -138,6 +140,54 @@ void TestSubtraction::refusalsAreKnownBeforehand()
     plan.levels = {-5.0};
     plan.notches[0].notch.width = 2e6;
     QVERIFY(objectionToSubtracting(wanted, wanted, plan).contains("2e+06 Hz wide"));
+}
+
+// Levels to a millionth of a dB, centres and widths to a millionth of the width: by offsets around
+// these bounds, in cells of levels above and below 0.
+void TestSubtraction::everyPlaceIsFoundAsByLookingAtAll()
+{
+    QVector<NprPoint> bench;
+    for (const double level : {-20.0, -1e-6, 0.0, 3e-6, 10.1}) {
+        for (const double center : {-2e6, 0.0, 1e6, 1e6 + 3.0}) {
+            bench << point(level, center, 50.0);
+        }
+    }
+    const BenchPoints points(bench);
+    for (const NprPoint& one : bench) {
+        for (const double levels : {-1.1e-6, -0.9e-6, 0.0, 0.9e-6, 1.1e-6}) {
+            for (const double hertz : {-1.1, -0.9, 0.0, 0.9, 1.1}) {
+                NprPoint place = point(one.level + levels, one.center + hertz, {});
+                place.width += hertz / 2.0;
+                const bool isThere =
+                    std::any_of(bench.begin(), bench.end(), [&place](const NprPoint& other) {
+                        return std::abs(other.level - place.level) < 1e-6 &&
+                               std::abs(other.center - place.center) <= 1.0 &&
+                               std::abs(other.width - place.width) <= 1.0;
+                    });
+                const NprPoint* found = points.at(place);
+                QCOMPARE(found != nullptr, isThere);
+                QVERIFY(found == nullptr || std::abs(found->level - place.level) < 1e-6);
+                QVERIFY(found == nullptr || std::abs(found->center - place.center) <= 1.0);
+            }
+        }
+    }
+}
+
+// The window of curves does it at every news. Each point against each takes many seconds.
+void TestSubtraction::aLongCurveIsSubtractedAtOnce()
+{
+    QVector<NprPoint> bench;
+    QVector<NprPoint> points;
+    for (int k = 0; k < 100000; ++k) {
+        bench << point(0.01 * (k / 10), 1e7 * (k % 10), 50.0);
+        points << point(0.01 * (k / 10), 1e7 * (k % 10), 40.0);
+    }
+    const BenchPoints without(bench);
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(subtractBench(without, points), QString());
+    QVERIFY(clock.elapsed() < 2000);
+    QVERIFY(isClose(points.constLast().npr, 40.45757491));
 }
 
 QTEST_APPLESS_MAIN(TestSubtraction)
