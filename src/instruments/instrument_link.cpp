@@ -91,7 +91,9 @@ void InstrumentLink::converse(const Conversation& conversation, const Conversati
     };
     const Grant begin = [this, talk, ended, turn](LinkTurn given) {
         *turn = std::move(given);
-        if (*turn && !WorkerThreads::ofProcess().start(talk)) {
+        if (!*turn) {
+            --pending; // it never begins
+        } else if (!WorkerThreads::ofProcess().start(talk)) {
             fail(QStringLiteral("No thread for the instrument"));
             --pending;
             ended();

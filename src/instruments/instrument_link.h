@@ -60,7 +60,7 @@ public:
     // it, the device message says so and ended is called all the same. On a retired link nothing
     // is. Throws std::bad_alloc, and nothing is called, when there is no memory for the place.
     void converse(const Conversation& conversation, const Conversation& ended);
-    // How many of these have not ended yet.
+    // How many of these have not ended yet; those that a retired link refused have.
     int pendingConversations() const { return pending; }
 
     void retire();

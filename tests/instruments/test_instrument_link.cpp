@@ -226,8 +226,11 @@ void TestInstrumentLink::aRetiredLinkHoldsNoConversation()
     std::atomic<int> calls{0};
     LinkTurn first = link->takeTurn();
     link->converse([&calls] { ++calls; }, [&calls] { ++calls; }); // waits
+    QCOMPARE(link->pendingConversations(), 1);
     link->retire();
+    QCOMPARE(link->pendingConversations(), 0);
     link->converse([&calls] { ++calls; }, [&calls] { ++calls; }); // comes too late
+    QCOMPARE(link->pendingConversations(), 0);
     first.giveBack();
     WorkerThreads::ofProcess().waitForDone();
     QCOMPARE(calls.load(), 0);
