@@ -88,14 +88,14 @@ thread_local bool isAlone = false;
 
 } // namespace
 
-WorkAlone::WorkAlone()
+WorkAlone::WorkAlone() : wasAlone(isAlone)
 {
     isAlone = true;
 }
 
 WorkAlone::~WorkAlone()
 {
-    isAlone = false;
+    isAlone = wasAlone;
 }
 
 int usefulThreads()

@@ -29,7 +29,7 @@ private:
     quint64 count;
 };
 
-// As long as one exists, the thread that made it is worth no more than itself.
+// As long as one exists, the thread that made it is worth no more than itself. They may be nested.
 class WorkAlone
 {
 public:
@@ -37,6 +37,9 @@ public:
     ~WorkAlone();
     WorkAlone(const WorkAlone&) = delete;
     WorkAlone& operator=(const WorkAlone&) = delete;
+
+private:
+    const bool wasAlone;
 };
 
 // The cores of this machine, at least 1, and no more than the memory can feed. 1 for a thread that

@@ -149,6 +149,10 @@ void TestParallel::whoWorksAloneAsksNobody()
         int others = 0;
         std::thread([&others] { others = usefulThreads(); }).join();
         QCOMPARE(others, several);
+        {
+            const WorkAlone inner;
+        }
+        QCOMPARE(usefulThreads(), 1);
     }
     QCOMPARE(usefulThreads(), several);
 }
