@@ -99,25 +99,17 @@ void warnOfFrequencies(const MeasurementSetup& setup, const CampaignPlan& plan, 
     }
 }
 
-ResultContext contextOf(const MeasurementSetup& setup, const MeasuringRequest& request,
-                        const CampaignPlan& plan, const Arguments& arguments,
-                        const Measuring& wanted)
+void addTheory(ResultContext& context, const MeasurementSetup& setup, const CampaignPlan& plan,
+               const MeasuringRequest& request, const QString& name, const StopCheck& stop)
 {
-    ResultContext context;
-    context.limit = request.limit;
-    context.thresholds = wanted.thresholds;
-    if (request.theory) {
-        const QString name = arguments.value("theory");
-        context.theoryName = "theory " + (name == "same" ? request.simulatedText : name);
-        context.theory = theoryPoints(setup, *request.theory, plan);
-    }
-    return context;
+    context.theoryName = "theory " + (name == "same" ? request.simulatedText : name);
+    context.theory = theoryPoints(setup, *request.theory, plan, stop);
 }
 
 } // namespace
 
 PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
-                                   Console& console)
+                                   Console& console, const StopCheck& stop)
 {
     PreparedMeasuring ready;
     ready.request = requestOf(arguments);
@@ -125,6 +117,7 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     requireMeasurable(setup);
     ready.result = newResult(setup);
     makeSignal(setup);
+    stop();
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     warnUnlessNoiseLike(statistics, console);
     ready.result.signal = figuresOf(setup, statistics);
@@ -139,7 +132,11 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     if (ready.request.without) {
         ready.without.emplace(ready.request.without->points);
     }
-    ready.context = contextOf(setup, ready.request, ready.plan, arguments, wanted);
+    ready.context.limit = ready.request.limit;
+    ready.context.thresholds = wanted.thresholds;
+    if (ready.request.theory) {
+        addTheory(ready.context, setup, ready.plan, ready.request, arguments.value("theory"), stop);
+    }
     ready.hasCurves = !wanted.levels.isEmpty();
     return ready;
 }

@@ -7,6 +7,7 @@
 #include "cli/console.h"
 #include "cli/measuring_request.h"
 #include "cli/result_chart.h"
+#include "cli/stop_check.h"
 
 #include <memory>
 
@@ -28,10 +29,10 @@ struct PreparedMeasuring
     bool hasCurves = false;
 };
 
-// Reads CONFIG and makes the signal, which takes a while. Warnings go to the console. Any thread.
-// Throws Failure.
+// Reads CONFIG and makes the signal and its theory, which takes a while; asks stop between the
+// steps. Warnings go to the console. Any thread. Throws Failure.
 PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
-                                   Console& console);
+                                   Console& console, const StopCheck& stop = endAtSignal);
 
 // What so many points are worth: marks, subtraction, limit, curves. Any thread.
 NprResult resultOf(const PreparedMeasuring& ready, const QVector<NprPoint>& points,

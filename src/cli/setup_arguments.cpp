@@ -1,9 +1,9 @@
 #include "cli/setup_arguments.h"
 
 #include "base/regular_file.h"
-#include "base/stop_signals.h"
 #include "cli/exit_status.h"
 #include "cli/nearest_name.h"
+#include "cli/stop_check.h"
 #include "cli/values.h"
 #include "setup/config_check.h"
 #include "setup/config_file.h"
@@ -38,9 +38,7 @@ QByteArray readStandardInput()
     while (all.size() <= mostConfigBytes) {
         pollfd input{STDIN_FILENO, POLLIN, 0};
         const int ready = poll(&input, 1, patience);
-        if (StopSignals::received() != 0) {
-            throw Failure{statusOfSignal(StopSignals::received()), "interrupted"};
-        }
+        endAtSignal();
         if (ready <= 0) {
             continue;
         }

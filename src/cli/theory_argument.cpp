@@ -1,6 +1,5 @@
 #include "cli/theory_argument.h"
 
-#include "base/stop_signals.h"
 #include "cli/device_argument.h"
 #include "cli/exit_status.h"
 
@@ -33,20 +32,18 @@ Chain theoryChain(const QString& text, const std::optional<Chain>& simulated, Le
 }
 
 QVector<NprPoint> theoryPoints(const MeasurementSetup& setup, const Chain& chain,
-                               const CampaignPlan& plan)
+                               const CampaignPlan& plan, const StopCheck& stop)
 {
     return theoryPoints(Theory(setup.signal, setup.sampleRate, chain, plan.notches), plan.levels,
-                        plan.notches);
+                        plan.notches, stop);
 }
 
 QVector<NprPoint> theoryPoints(const Theory& theory, const QVector<double>& levels,
-                               const QVector<NumberedNotch>& notches)
+                               const QVector<NumberedNotch>& notches, const StopCheck& stop)
 {
     QVector<NprPoint> points;
     for (const double level : levels) {
-        if (StopSignals::received() != 0) { // many levels take minutes
-            throw Failure{statusOfSignal(StopSignals::received()), "interrupted"};
-        }
+        stop(); // many levels take minutes
         const QVector<std::optional<double>> ratios = theory.at(level);
         for (int k = 0; k < ratios.size(); ++k) {
             NprPoint point;

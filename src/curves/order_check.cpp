@@ -137,14 +137,19 @@ OrderCheck checkOrder(const QStringList& words)
     return check;
 }
 
-ReadyOrder prepareOrder(const QStringList& words)
+ReadyOrder prepareOrder(const QStringList& words, const std::function<bool()>& isStopped)
 {
     ReadyOrder ready;
     HeardConsole console;
+    const StopCheck stop = [&isStopped] {
+        if (isStopped()) {
+            throw Failure{ExitStatus::Interrupted, QString()};
+        }
+    };
     try {
         const Arguments arguments = argumentsOf(words);
         refuseStandardInput(arguments);
-        ready.measuring = prepareMeasuring(arguments, curveOf(arguments), console.itself());
+        ready.measuring = prepareMeasuring(arguments, curveOf(arguments), console.itself(), stop);
         ready.measuring.result.program.replace("notchbench-cli", "notchbench-curves");
         ready.holders = holdersOf(arguments, ready.measuring.request);
         ready.failure.clear();

@@ -6,6 +6,8 @@
 
 #include <QStringList>
 
+#include <functional>
+
 struct OrderCheck
 {
     QString failure = QStringLiteral("not enough memory or no thread"); // empty when all is well
@@ -19,14 +21,15 @@ OrderCheck checkOrder(const QStringList& words);
 
 struct ReadyOrder
 {
-    QString failure = QStringLiteral("not enough memory or no thread");
+    QString failure = QStringLiteral("not enough memory or no thread"); // empty when stopped too
     QStringList warnings;
     QString holders; // who holds an instrument; empty for nobody
     PreparedMeasuring measuring;
 };
 
-// Makes the signal.
-ReadyOrder prepareOrder(const QStringList& words);
+// Makes the signal. isStopped is asked between the steps, here.
+ReadyOrder prepareOrder(
+    const QStringList& words, const std::function<bool()>& isStopped = [] { return false; });
 
 // "about 20 s", "about 1:10 min", "about 2:05 h"
 QString durationText(double seconds);

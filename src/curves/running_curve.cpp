@@ -10,12 +10,18 @@ RunningCurve::RunningCurve(QObject* parent) : QObject(parent)
     connect(&campaign, &Campaign::finished, this, &RunningCurve::conclude);
 }
 
+RunningCurve::~RunningCurve()
+{
+    *isStopped = true;
+}
+
 void RunningCurve::start(const QStringList& words)
 {
     running = true;
     text = QStringLiteral("Making the signal...");
     inBackground(
-        this, [words] { return prepareOrder(words); },
+        this,
+        [words, told = isStopped] { return prepareOrder(words, [told] { return told->load(); }); },
         [this](const ReadyOrder& prepared) { begin(prepared); });
 }
 
@@ -25,7 +31,7 @@ void RunningCurve::begin(const ReadyOrder& prepared)
     for (const QString& warning : qAsConst(ready.warnings)) {
         emit warned(warning);
     }
-    if (!ready.failure.isEmpty() || isStopped) {
+    if (!ready.failure.isEmpty() || *isStopped) {
         running = false;
         emit ended(ready.failure);
         return;
@@ -44,7 +50,7 @@ void RunningCurve::begin(const ReadyOrder& prepared)
 
 void RunningCurve::stop()
 {
-    isStopped = true;
+    *isStopped = true;
     text = QStringLiteral("Stopping...");
     campaign.interrupt();
     emit changed();
@@ -61,7 +67,7 @@ void RunningCurve::take(const QVector<NprPoint>& news)
 void RunningCurve::tell(const CampaignProgress& progress)
 {
     constexpr int whole = 100;
-    if (!isStopped) {
+    if (!*isStopped) {
         text = progressLine(QStringLiteral("readings"), progress.readings, progress.total,
                             clock.elapsed());
     }

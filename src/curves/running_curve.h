@@ -9,16 +9,21 @@
 #include <QMap>
 #include <QObject>
 
+#include <atomic>
+#include <memory>
+
 class RunningCurve : public QObject
 {
     Q_OBJECT
 
 public:
     explicit RunningCurve(QObject* parent = nullptr);
+    ~RunningCurve() override; // the work in the background ends by itself, soon
 
     // Once an object.
     void start(const QStringList& words);
-    // Ends after the reading in progress and leaves the bench as it is to be left; ended() follows.
+    // Ends after the reading or step in progress and leaves the bench as it is to be left; ended()
+    // follows.
     void stop();
 
     bool isRunning() const { return running; }
@@ -50,5 +55,6 @@ private:
     QString text;
     int share = 0;
     bool running = false;
-    bool isStopped = false;
+    // Told to the preparation in the background.
+    std::shared_ptr<std::atomic<bool>> isStopped = std::make_shared<std::atomic<bool>>(false);
 };

@@ -43,6 +43,7 @@ private slots:
     void aResultToSubtractMustHaveAllPoints();
     void aTimeIsToldInItsOwnUnit();
     void aReadyOrderHasItsPlanAndTheory();
+    void theoryIsGivenUpWhenItIsStopped();
     void aConnectionOfAnotherProgramIsSeen();
 };
 
@@ -235,6 +236,25 @@ void TestMeasureOrder::aReadyOrderHasItsPlanAndTheory()
     QCOMPARE(ready.measuring.context.theory.size(), 9);
     QVERIFY(ready.measuring.result.program.startsWith("notchbench-curves "));
     QVERIFY(ready.measuring.result.signal.noiseLike);
+}
+
+// Asked before each of 41 levels; the first two are calculated.
+void TestMeasureOrder::theoryIsGivenUpWhenItIsStopped()
+{
+    MeasureOrder order = amplifier();
+    order.theory = "same";
+    int asked = 0;
+    (void)prepareOrder(wordsOf(order), [&asked] {
+        ++asked;
+        return false;
+    });
+    const int before = asked - 41; // of the theory
+    QVERIFY(before >= 1);
+    asked = 0;
+    const ReadyOrder ready = prepareOrder(wordsOf(order), [&] { return ++asked == before + 3; });
+    QCOMPARE(asked, before + 3);
+    QCOMPARE(ready.failure, QString());
+    QVERIFY(ready.measuring.bench == nullptr); // there is nothing to measure with
 }
 
 void TestMeasureOrder::aConnectionOfAnotherProgramIsSeen()

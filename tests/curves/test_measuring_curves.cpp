@@ -2,6 +2,7 @@
 #include "curves/curves_window_test.h"
 #include "curves/measure_dialog.h"
 #include "curves/measure_order.h"
+#include "kit/background_jobs.h"
 #include "kit/simulator_process.h"
 
 #include <QClipboard>
@@ -20,6 +21,14 @@ QStringList endless()
     words.last() = "-30:-10:0.01";
     return words << "--average"
                  << "1000";
+}
+
+QStringList withMinutesOfTheory()
+{
+    QStringList words = quick;
+    words.last() = "-60:-10:0.0051";
+    return words << "--theory"
+                 << "same";
 }
 
 // With the instruments of the defaults, which are those of the simulated bench.
@@ -58,6 +67,8 @@ private slots:
     void anAcceptedDialogMeasures();
     void aMeasuredCurveIsNotSaved();
     void stopKeepsWhatWasMeasured();
+    void stopEndsTheTheoryThatIsMadeBefore();
+    void theEndWaitsForNoTheory();
     void aMissingInstrumentIsAMessage();
     void aLostInstrumentIsAMessageAndThePointsStay();
     void anInstrumentThatAnotherProgramHoldsIsTold();
@@ -224,6 +235,23 @@ void TestMeasuringCurves::stopKeepsWhatWasMeasured()
     QCOMPARE(only().state, ShownResult::State::Unsaved);
     QVERIFY(only().result.points.size() > 2);
     QVERIFY(!operate->find<QWidget>("message_bar")->isVisible()); // it is no failure
+}
+
+void TestMeasuringCurves::stopEndsTheTheoryThatIsMadeBefore()
+{
+    window->measure(withMinutesOfTheory());
+    QCOMPARE(operate->text("running_text"), QString("Making the signal..."));
+    operate->click("stop_button");
+    QTRY_VERIFY_WITH_TIMEOUT(!operate->find<QWidget>("running_bar")->isVisible(), 3000);
+    QVERIFY(!operate->find<QWidget>("message_bar")->isVisible()); // it is no failure
+    QCOMPARE(window->results().rowCount(), 0);
+}
+
+void TestMeasuringCurves::theEndWaitsForNoTheory()
+{
+    window->measure(withMinutesOfTheory());
+    QVERIFY(window->close());
+    QVERIFY(backgroundJobsEnd(3000));
 }
 
 void TestMeasuringCurves::aMissingInstrumentIsAMessage()
