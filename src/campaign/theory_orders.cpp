@@ -1,12 +1,13 @@
 #include "campaign/theory_orders.h"
 
+#include "transform/pi.h"
+
 #include <algorithm>
 #include <cmath>
 #include <numeric>
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
 constexpr int steps = 4000; // of the integrals, by middle sums
 
 using Complex = std::complex<double>;

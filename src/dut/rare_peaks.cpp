@@ -1,10 +1,11 @@
 #include "dut/rare_peaks.h"
 
+#include "transform/pi.h"
+
 #include <algorithm>
+#include <cmath>
 
 namespace {
-
-const double pi = std::acos(-1.0);
 
 RarePeaks clippedSamples(const DeviceSettings& device, double power, double samples)
 {

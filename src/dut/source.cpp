@@ -1,13 +1,12 @@
 #include "dut/source.h"
 
+#include "transform/pi.h"
 #include "transform/transform.h"
 
 #include <algorithm>
 #include <random>
 
 namespace {
-
-constexpr double pi = 3.141592653589793;
 
 // Lines in transform order: the carrier has index 0, offsets above it follow. An envelope's
 // samples are the plain sum of its lines.
