@@ -124,12 +124,13 @@ void requireMeasurable(const MeasurementSetup& setup)
     (void)requireNotches(setup);
 }
 
-CampaignPlan planOf(const MeasurementSetup& setup, const MeasuringRequest& request,
-                    const QVector<double>& levels, const Arguments& arguments)
+CampaignPlan planOf(const MeasurementSetup& setup, int signalLength,
+                    const MeasuringRequest& request, const QVector<double>& levels,
+                    const Arguments& arguments)
 {
     CampaignPlan plan;
     plan.levels = levels;
-    plan.notches = chosenNotches(arguments, numberedNotches(setup, setup.signal.length));
+    plan.notches = chosenNotches(arguments, numberedNotches(setup, signalLength));
     requireLines(plan.notches);
     plan.averages = request.averages;
     plan.settleSeconds = request.settleSeconds;

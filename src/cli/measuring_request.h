@@ -40,6 +40,8 @@ void requireSubtractable(const std::optional<NprResult>& without, const NprResul
 // Throws Failure in carrier mode, without a notch and without a rate.
 void requireMeasurable(const MeasurementSetup& setup);
 
-// Of a setup whose signal was made. Throws Failure for notches that aren't there or can't be read.
-CampaignPlan planOf(const MeasurementSetup& setup, const MeasuringRequest& request,
-                    const QVector<double>& levels, const Arguments& arguments);
+// Of a setup whose signal has, or will have, so many samples. Throws Failure for notches that
+// aren't there or can't be read.
+CampaignPlan planOf(const MeasurementSetup& setup, int signalLength,
+                    const MeasuringRequest& request, const QVector<double>& levels,
+                    const Arguments& arguments);

@@ -123,7 +123,8 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     ready.result.signal = figuresOf(setup, statistics);
     const ChosenBench chosen = chosenBench(setup, ready.request);
     ready.bench = chosen.bench;
-    ready.plan = planOf(setup, ready.request, levelsOf(wanted, chosen.presentLevel), arguments);
+    ready.plan = planOf(setup, setup.signal.length, ready.request,
+                        levelsOf(wanted, chosen.presentLevel), arguments);
     warnOfReferences(setup, ready.plan, console);
     if (!ready.request.simulated) {
         warnOfFrequencies(setup, ready.plan, console);

@@ -1,6 +1,7 @@
 #include "curves/order_check.h"
 
 #include "campaign/instrument_bench.h"
+#include "campaign/recorded_config.h"
 #include "cli/arguments.h"
 #include "cli/curve_command.h"
 #include "cli/exit_status.h"
@@ -96,13 +97,13 @@ void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& che
 {
     const Measuring wanted = curveOf(arguments);
     const MeasuringRequest request = requestOf(arguments);
-    MeasurementSetup setup = readSetup(arguments, console.itself());
+    const MeasurementSetup setup = readSetup(arguments, console.itself());
     requireMeasurable(setup);
-    setup.signal.length = expectedLength(setup);
-    const CampaignPlan plan = planOf(setup, request, wanted.levels, arguments);
+    const qint32 length = expectedLength(setup);
+    const CampaignPlan plan = planOf(setup, length, request, wanted.levels, arguments);
     requireSubtractable(request.without, newResult(setup), plan, arguments);
     check.readings = plan.readingCount();
-    check.seconds = request.simulated ? simulatedSeconds(plan, setup.signal.length)
+    check.seconds = request.simulated ? simulatedSeconds(plan, length)
                                       : InstrumentBench(setup).expectedSeconds(plan);
     QStringList notices = console.lines();
     if (!request.simulated) {
@@ -114,10 +115,11 @@ void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& che
     check.notice = notices.join('\n');
 }
 
-QString holdersOf(const Arguments& arguments, const MeasuringRequest& request)
+// By the addresses that the result keeps.
+QString holdersOf(const PreparedMeasuring& measuring)
 {
-    HeardConsole unheard; // its warnings were told before
-    return request.simulated ? QString() : holdersNotice(readSetup(arguments, unheard.itself()));
+    return measuring.request.simulated ? QString()
+                                       : holdersNotice(setupOf(measuring.result.config));
 }
 
 } // namespace
@@ -151,7 +153,7 @@ ReadyOrder prepareOrder(const QStringList& words, const std::function<bool()>& i
         refuseStandardInput(arguments);
         ready.measuring = prepareMeasuring(arguments, curveOf(arguments), console.itself(), stop);
         ready.measuring.result.program.replace("notchbench-cli", "notchbench-curves");
-        ready.holders = holdersOf(arguments, ready.measuring.request);
+        ready.holders = holdersOf(ready.measuring);
         ready.failure.clear();
     } catch (const Failure& failure) {
         ready.failure = failure.text;
