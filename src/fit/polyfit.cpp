@@ -21,7 +21,8 @@ void setPowers(Matrix& powers, double x)
 // With A the design matrix, the sums of At x A and At x y are gathered point by point. Each
 // element sees the same products in the same order as in Matrix::multiply, so the bits are the
 // same, and A, which for the longest trace takes a gigabyte, is never there as a whole.
-QVector<double> polyfit(const QVector<double>& x, const QVector<double>& y, quint32 degree)
+QVector<double> polyfit(const QVector<double>& x, const QVector<double>& y, quint32 degree,
+                        const std::atomic<bool>* abandoned)
 {
     if (x.size() != y.size()) {
         throw std::invalid_argument("X and Y vector sizes do not match");
@@ -34,6 +35,9 @@ QVector<double> polyfit(const QVector<double>& x, const QVector<double>& y, quin
     Matrix left(n, n);
     Matrix right(n, 1);
     for (quint32 point = 0; point < m; ++point) {
+        if (abandoned != nullptr && *abandoned) {
+            return {};
+        }
         setPowers(powers, x.at(static_cast<int>(point)));
         for (quint32 i = 0; i < n; ++i) {
             for (quint32 j = 0; j < n; ++j) {

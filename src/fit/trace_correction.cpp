@@ -78,13 +78,13 @@ double valueDescending(const QVector<double>& coefficients, double x)
     return value;
 }
 
-Polynomial fitTo(const Overlap& points)
+Polynomial fitTo(const Overlap& points, const std::atomic<bool>* abandoned)
 {
     QVector<double> scaled = points.frequencies;
     for (double& frequency : scaled) {
         frequency /= points.norm;
     }
-    Polynomial fit{polyfit(scaled, points.levels, degree), points.norm, 0.0};
+    Polynomial fit{polyfit(scaled, points.levels, degree, abandoned), points.norm, 0.0};
     for (const double x : qAsConst(scaled)) {
         const double value = valueAscending(fit.coefficients, x);
         if (value > fit.top) {
@@ -123,15 +123,20 @@ QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount)
     return correction;
 }
 
-QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<double>& lines)
+QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<double>& lines,
+                                     const std::atomic<bool>* abandoned)
 {
-    const Polynomial fit = fitTo(overlapWith(lines, trace));
+    const auto isAbandoned = [abandoned] { return abandoned != nullptr && *abandoned; };
+    const Polynomial fit = fitTo(overlapWith(lines, trace), abandoned);
     QVector<double> correction(lines.size());
     double* values = correction.data(); // detached here, on one thread
     inRuns(static_cast<quint64>(lines.size()), [&](quint64 first, quint64 end) {
+        if (isAbandoned()) {
+            return;
+        }
         for (auto i = static_cast<int>(first); i < static_cast<int>(end); ++i) {
             values[i] = fit.top - valueDescending(fit.coefficients, lines.at(i) / fit.norm);
         }
     });
-    return correction;
+    return isAbandoned() ? QVector<double>() : correction;
 }

@@ -17,5 +17,7 @@ QVector<double> directCorrection(const AnalyzerTrace& trace, int lineCount);
 
 // A polynomial of degree 20 through the points between the first and the last line, sampled at the
 // lines. The trace and the lines have at least one element. Throws what polyfit throws when no
-// points are left. Uses all cores; the bits do not depend on their number.
-QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<double>& lines);
+// points are left. Uses all cores; the bits do not depend on their number. Empty when abandoned
+// becomes true meanwhile.
+QVector<double> polynomialCorrection(const AnalyzerTrace& trace, const QVector<double>& lines,
+                                     const std::atomic<bool>* abandoned = nullptr);

@@ -85,6 +85,7 @@ private slots:
     void unequalSizesAreRefused();
     void emptyVectorsAreRefused();
     void aDegreeBeyondMemoryIsRefused();
+    void anAbandonedFitGivesNothing();
 };
 
 void TestPolyfit::threePointsGiveTheirParabola()
@@ -191,6 +192,14 @@ void TestPolyfit::aDegreeBeyondMemoryIsRefused()
 {
     QVERIFY_EXCEPTION_THROWN(polyfit({1}, {1}, 1U << 20), std::bad_alloc);
     QVERIFY_EXCEPTION_THROWN(polyfit({1}, {1}, 0xFFFFFFFFU), std::range_error); // 0 coefficients
+}
+
+void TestPolyfit::anAbandonedFitGivesNothing()
+{
+    std::atomic<bool> abandoned{false};
+    QCOMPARE(polyfit({5, -3, 8}, {1, 2, 6}, 0, &abandoned), QVector<double>{3.0});
+    abandoned = true;
+    QVERIFY(polyfit({5, -3, 8}, {1, 2, 6}, 0, &abandoned).isEmpty());
 }
 
 QTEST_APPLESS_MAIN(TestPolyfit)

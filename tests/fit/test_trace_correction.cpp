@@ -11,6 +11,7 @@
 #include <cstring>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 namespace {
 
@@ -93,6 +94,7 @@ private slots:
     void manyJobsAtOnceEnd();
     void normIsTakenFromTheStartOfATraceThatBeginsBelowTheLines();
     void traceBelowTheLastLineGivesNoNumbersOrNone();
+    void anAbandonedCorrectionGivesNothing();
 };
 
 void TestTraceCorrection::linesStartHalfASampleRateBelowTheCentre()
@@ -227,6 +229,21 @@ void TestTraceCorrection::traceBelowTheLastLineGivesNoNumbersOrNone()
     // Three points inside after one outside: last stays at 0, before first.
     const AnalyzerTrace outside{{-60e6, -55e6, -10e6, 20e6}, {1, 2, 3, 4}};
     QVERIFY_EXCEPTION_THROWN(polynomialCorrection(outside, lines), std::range_error);
+}
+
+// Before it begins, and at some place in the middle of seconds of work.
+void TestTraceCorrection::anAbandonedCorrectionGivesNothing()
+{
+    const QVector<double> lines = lineFrequencies(4194304, 100e6, 100e6 / 4194304);
+    const AnalyzerTrace trace = traceOf(1001, 100e6, tilt);
+    std::atomic<bool> abandoned{true};
+    QVERIFY(polynomialCorrection(trace, lines, &abandoned).isEmpty());
+    abandoned = false;
+    QVector<double> correction{0.0};
+    std::thread job([&] { correction = polynomialCorrection(trace, lines, &abandoned); });
+    abandoned = true;
+    job.join();
+    QVERIFY(correction.isEmpty());
 }
 
 QTEST_APPLESS_MAIN(TestTraceCorrection)

@@ -39,11 +39,12 @@ DirectTrace directlyFrom(const TraceRequest& request, const std::atomic<bool>* a
     return {trace, directCorrection(trace, request.lineCount)};
 }
 
-FittedTrace fittedTo(const TraceRequest& request, const AnalyzerTrace& trace)
+FittedTrace fittedTo(const TraceRequest& request, const AnalyzerTrace& trace,
+                     const std::atomic<bool>* abandoned)
 {
     const QVector<double> lines =
         lineFrequencies(request.lineCount, request.sampleRate, request.lineSpacing);
-    return {lines, polynomialCorrection(trace, lines)};
+    return {lines, polynomialCorrection(trace, lines, abandoned)};
 }
 
 } // namespace
@@ -98,7 +99,7 @@ void LoadTraceDialog::readTrace(const TraceRequest& request)
 void LoadTraceDialog::fitTrace(const TraceRequest& request, const AnalyzerTrace& trace)
 {
     inBackground(
-        this, [request, trace] { return fittedTo(request, trace); },
+        this, [request, trace, given = abandoned] { return fittedTo(request, trace, given.get()); },
         [this](const FittedTrace& result) {
             if (!result.lines.isEmpty()) {
                 lineFrequencies = result.lines;

@@ -55,6 +55,6 @@ private:
     QVector<double> traceFrequencies; // Hz from the trace's centre
     quint64 pointCount = 0;
     QString fileName;
-    // The dialog has gone and nobody waits for the file any more.
+    // The dialog has gone and nobody waits for its jobs any more.
     std::shared_ptr<std::atomic<bool>> abandoned = std::make_shared<std::atomic<bool>>(false);
 };

@@ -53,6 +53,7 @@ private slots:
     void morePointsThanLinesStopAtTheLines();
     void aDialogClosedDuringTheJobIsNotTouched();
     void closingTheDialogEndsTheReading();
+    void closingTheDialogEndsTheFit();
     void chartIsUpHalfASecondAfterTheFit();
     void theLongestSignalKeepsTheWindowAnswering();
 
@@ -347,6 +348,21 @@ void TestLoadTraceDialog::closingTheDialogEndsTheReading()
     const bool ended = backgroundJobsEnd(10000);
     file.resize(0); // or else the reading goes on
     QVERIFY(ended);
+    QVERIFY(isUntouched());
+}
+
+void TestLoadTraceDialog::closingTheDialogEndsTheFit()
+{
+    if (isInstrumented) {
+        QSKIP("an instrumented program takes its time for each piece of the fit");
+    }
+    setup->fftLengthIndex = 0;
+    setup->signal.reset(4194304); // a fit of seconds
+    openDialog(writeTrace(tiltedTrace(1001, 1e9, 100e6)));
+    QTRY_VERIFY(operate->isEnabled("load_direct_button"));
+    QVERIFY(WorkerThreads::ofProcess().busyCount() > 0);
+    dialog->close();
+    QVERIFY(backgroundJobsEnd(1000));
     QVERIFY(isUntouched());
 }
 
