@@ -13,8 +13,3 @@ struct ConfigComplaint
 
 // In the order of the lines; none for a text that the program wrote itself.
 QVector<ConfigComplaint> ignoredConfigLines(const QString& text);
-
-// Whether a value, with its quotes, is one that a key of this kind takes as it stands.
-enum class ConfigKind;
-bool fitsConfigKind(const QString& value, ConfigKind kind);
-QString nameOf(ConfigKind kind); // as in "isn't a whole number"

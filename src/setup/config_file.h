@@ -9,6 +9,7 @@
 // changed; each such place is marked in config_file.cpp, because stored files rely on it.
 #pragma once
 
+#include "setup/config_kind.h"
 #include "setup/config_text.h"
 #include "setup/measurement_setup.h"
 
@@ -37,7 +38,6 @@ QString configTextOf(const MeasurementSetup& setup);
 
 // What the reader knows: the names of the sections, but for the rows of the notch table, which are
 // "Notch 1", "Notch 2" and so on; and the keys of one, none for a name that it doesn't know.
-enum class ConfigKind { Whole, Real, Text }; // whole number, number, text in quotes
 struct ConfigKey
 {
     QString name;
