@@ -8,6 +8,7 @@
 #include "dut/scatter.h"
 #include "transform/some_lines.h"
 
+#include <complex>
 #include <vector>
 
 class DistortionSums

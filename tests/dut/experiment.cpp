@@ -1,6 +1,6 @@
 #include "dut/experiment.h"
 
-#include "dut/scatter.h"
+#include "dut/plain_distortion.h"
 #include "transform/transform.h"
 
 #include <algorithm>
@@ -63,7 +63,7 @@ void measureOnce(const Chain& chain, double level, const Stimulus& stimulus, uns
     Envelope samples = input;
     passThrough(chain.device, samples);
     const int oversampling = samples.size() / stimulus.count;
-    sums.distortion += distortionEnergy(input, samples, 4 * oversampling);
+    sums.distortion += plainDistortion(input, samples, 4 * oversampling);
     const ChainOutput output(chain, std::move(samples));
     sums.reference += powerIn(output, stimulus.referenceChannel());
     sums.notch += powerIn(output, stimulus.notchChannel());
