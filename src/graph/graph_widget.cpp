@@ -20,16 +20,16 @@ void moveBin(qint32& bin, qint64 distance)
 struct Grip
 {
     QRectF Notch::*area;
-    int dragMode;
+    DragMode dragMode;
     Qt::CursorShape cursor;
 };
 
 // In the order of the tests: where grips overlap, the first one takes the mouse.
 constexpr Grip grips[] = {
-    {&Notch::depthHandleRect, 4, Qt::SizeVerCursor},
-    {&Notch::leftHandleRect, 2, Qt::SizeHorCursor},
-    {&Notch::rightHandleRect, 3, Qt::SizeHorCursor},
-    {&Notch::bodyRect, 1, Qt::SizeAllCursor},
+    {&Notch::depthHandleRect, DragMode::DepthEdge, Qt::SizeVerCursor},
+    {&Notch::leftHandleRect, DragMode::LeftEdge, Qt::SizeHorCursor},
+    {&Notch::rightHandleRect, DragMode::RightEdge, Qt::SizeHorCursor},
+    {&Notch::bodyRect, DragMode::WholeNotch, Qt::SizeAllCursor},
 };
 
 const Grip* gripAt(const Notch& notch, QPoint position)
@@ -132,7 +132,7 @@ void GraphWidget::mousePressEvent(QMouseEvent* event)
     }
     lastPos = event->pos();
     if (lastPos.y() < mouseGeometry().yOfLevel(GraphGeometry::topLevel)) {
-        dragMode = RubberBand;
+        dragMode = DragMode::RubberBand;
         // Deliberate: the other corner stays where it was until the mouse moves.
         rubberBand.setTopLeft(lastPos);
         rubberBandActive = true;
@@ -147,7 +147,7 @@ void GraphWidget::pressOnNotches(QPoint position)
     const QList<Notch>& notches = setup->notches->items;
     for (int row = 0; row < notches.size(); ++row) {
         if (const Grip* grip = gripAt(notches.at(row), position)) {
-            dragMode = static_cast<DragMode>(grip->dragMode);
+            dragMode = grip->dragMode;
             dragNotch = row;
         }
     }
@@ -162,12 +162,13 @@ void GraphWidget::mouseMoveEvent(QMouseEvent* event)
     if (releaseMayBeLost && (event->buttons() & Qt::LeftButton) == 0) {
         endDrag();
     }
-    if (dragMode == NoDrag && !rubberBandActive) {
+    if (dragMode == DragMode::None && !rubberBandActive) {
         showCursor();
     }
-    if (dragMode == RubberBand) {
+    if (dragMode == DragMode::RubberBand) {
         rubberBand.setBottomRight(cursorPos);
-    } else if (dragNotch >= 0 && dragNotch < setup->notches->items.size()) {
+    } else if (dragMode != DragMode::None && dragNotch >= 0 &&
+               dragNotch < setup->notches->items.size()) {
         dragNotchTo(cursorPos);
     }
     lastPos = cursorPos;
@@ -194,17 +195,14 @@ void GraphWidget::dragNotchTo(QPoint position)
     const GraphGeometry geometry = mouseGeometry();
     const qint64 bins = qint64{geometry.binAt(lastPos.x())} - geometry.binAt(position.x());
     const qint64 decibels = qint64{geometry.depthAt(lastPos.y())} - geometry.depthAt(position.y());
-    if (dragMode == NoDrag) {
-        return;
-    }
     Notch& notch = setup->notches->items[dragNotch];
-    if (dragMode == WholeNotch || dragMode == LeftEdge) {
+    if (dragMode == DragMode::WholeNotch || dragMode == DragMode::LeftEdge) {
         moveBin(notch.startIndex, bins);
     }
-    if (dragMode == WholeNotch || dragMode == RightEdge) {
+    if (dragMode == DragMode::WholeNotch || dragMode == DragMode::RightEdge) {
         moveBin(notch.stopIndex, bins);
     }
-    if (dragMode == DepthEdge) {
+    if (dragMode == DragMode::DepthEdge) {
         notch.depth = qMin(0.0, notch.depth - static_cast<double>(decibels));
     }
 }
@@ -238,10 +236,10 @@ void GraphWidget::addRubberBandNotch()
 // invalidates the signal.
 void GraphWidget::endDrag()
 {
-    if (dragMode == RubberBand) {
+    if (dragMode == DragMode::RubberBand) {
         addRubberBandNotch();
     }
-    if (dragMode != NoDrag && dragMode != DepthEdge) {
+    if (dragMode != DragMode::None && dragMode != DragMode::DepthEdge) {
         tidyNotches(*setup);
     }
     forgetDrag();
@@ -252,7 +250,7 @@ void GraphWidget::forgetDrag()
 {
     rubberBandActive = false;
     releaseMayBeLost = false;
-    dragMode = NoDrag;
+    dragMode = DragMode::None;
     update();
 }
 
@@ -261,7 +259,7 @@ void GraphWidget::forgetDrag()
 void GraphWidget::endInterruptedDrag(bool released)
 {
     const bool held = !released && (QGuiApplication::mouseButtons() & Qt::LeftButton) != 0;
-    if (dragMode == NoDrag) {
+    if (dragMode == DragMode::None) {
         return;
     }
     if (!isNotchMode()) {

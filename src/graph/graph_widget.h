@@ -15,6 +15,9 @@ class GraphGeometry;
 struct MeasurementSetup;
 struct Notch;
 
+// What the left button drags.
+enum class DragMode { None, WholeNotch, LeftEdge, RightEdge, DepthEdge, RubberBand };
+
 class GraphWidget : public QWidget
 {
     Q_OBJECT
@@ -38,8 +41,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    enum DragMode { NoDrag, WholeNotch, LeftEdge, RightEdge, DepthEdge, RubberBand };
-
     bool isNotchMode() const;
     GraphGeometry mouseGeometry() const;
     void pressOnNotches(QPoint position);
@@ -61,7 +62,7 @@ private:
     QPoint lastPos;   // of the last processed step of a drag
     QPoint cursorPos; // last known position
     QRect rubberBand;
-    DragMode dragMode = NoDrag;
+    DragMode dragMode = DragMode::None;
     bool releaseMayBeLost = false; // a menu was open during the drag
     int dragNotch = -1;            // row; keeps its value after a drag ends
 };
