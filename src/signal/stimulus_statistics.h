@@ -7,9 +7,9 @@
 // not that distribution; the distortion and the reading are then off by tens of dB. A signal counts
 // as noise-like if
 // - it has 100 lines, or there is no distribution to speak of;
-// - the levels exceeded for 50, 30, 10, 1 and 0.1 % of the time lie within 0.5 dB of those of noise
-//   and three times the scatter that so many lines have by chance. A share that fewer than 10
-//   independent samples make up says nothing and isn't asked;
+// - the levels exceeded for 50, 30, 10, 1 and 0.1 % of the time lie within 0.8 dB of those of noise
+//   and four times the scatter (standard deviation) that so many lines have by chance. A share that
+//   fewer than 10 independent samples make up says nothing and isn't asked;
 // - the peak lies where that of noise of n lines lies all but surely, 10 lg(ln n - 2) to
 //   10 lg(ln n + 12) dB over the mean, or was trimmed no further down than to 8 dB. Cutting the
 //   peaks of noise to 9 dB raises a reading by some tenths of a dB, to 8 dB by one to three dB,

@@ -4,11 +4,13 @@
 #include "setup/measurement_setup.h"
 #include "setup/notch_editing.h"
 #include "transform/interpolation.h"
+#include "transform/transform.h"
 
 #include <QtTest>
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <random>
 
 namespace {
@@ -42,6 +44,66 @@ SignalData lines(int n, const QVector<int>& numbers)
     return signal;
 }
 
+// Falling, of the envelope and four times as dense.
+std::vector<double> plainPowers(const SignalData& signal)
+{
+    QVector<double> re = signal.iSamples;
+    QVector<double> im = signal.qSamples;
+    interpolate(re, im, 4);
+    std::vector<double> powers;
+    for (int i = 0; i < re.size(); ++i) {
+        powers.push_back(re.at(i) * re.at(i) + im.at(i) * im.at(i));
+    }
+    std::sort(powers.rbegin(), powers.rend());
+    return powers;
+}
+
+double overTheMean(const std::vector<double>& powers, std::size_t place)
+{
+    const double mean = std::accumulate(powers.begin(), powers.end(), 0.0) / double(powers.size());
+    return 10.0 * std::log10(powers[place] / mean);
+}
+
+// Noise whose power in dB is 1 + bend times as far from that of a sample of 1.
+SignalData bentNoise(const MeasurementSetup& setup, double bend)
+{
+    SignalData signal = setup.signal;
+    for (int i = 0; i < signal.length; ++i) {
+        const double gain =
+            std::pow(std::hypot(signal.iSamples.at(i), signal.qSamples.at(i)), bend);
+        signal.iSamples[i] *= gain;
+        signal.qSamples[i] *= gain;
+    }
+    QVector<double> re = signal.iSamples;
+    QVector<double> im = signal.qSamples;
+    forwardTransform(im, re, static_cast<quint32>(signal.length));
+    for (int k = 0; k < signal.length; ++k) {
+        const int bin = (k + signal.length / 2) % signal.length;
+        signal.magnitude[bin] = std::hypot(re.at(k), im.at(k));
+        signal.phase[bin] = std::atan2(im.at(k), re.at(k));
+    }
+    setup.finishSpectrum(signal);
+    return signal;
+}
+
+// By how many dB the level that lies farthest off is beyond what noise of so many lines may have:
+// 0.8 dB and four times the scatter of a binomial count. Below 0 for all within.
+double excessOf(const std::vector<double>& powers, double lines)
+{
+    double excess = -HUGE_VAL;
+    for (const double share : {0.5, 0.3, 0.1, 0.01, 0.001}) {
+        if (share * lines >= 10.0) {
+            const double nepers = -std::log(share);
+            const double scatter =
+                10.0 * std::log10(std::exp(1.0)) / nepers * std::sqrt((1.0 / share - 1.0) / lines);
+            const auto place = static_cast<std::size_t>(std::lround(share * double(powers.size())));
+            const double off = overTheMean(powers, place) - 10.0 * std::log10(nepers);
+            excess = std::max(excess, std::abs(off) - 0.8 - 4.0 * scatter);
+        }
+    }
+    return excess;
+}
+
 } // namespace
 
 class TestStimulusStatistics : public QObject
@@ -57,6 +119,8 @@ private slots:
     void randomPhasesAreNoiseLike();
     void orderedPhasesAreNot_data();
     void orderedPhasesAreNot();
+    void levelsMayBeOffByLittleAndByChance_data();
+    void levelsMayBeOffByLittleAndByChance();
     void realNoiseIsNot();
     void fewLinesAreNot();
     void aSignalWithoutPowerIsNot();
@@ -85,23 +149,14 @@ void TestStimulusStatistics::levelsAreThoseOfAPlainInterpolationAndSort()
     setup.notchWidth = 2e6;
     autoCalculateNotches(setup);
     setup.calculateSignal();
-    QVector<double> re = setup.signal.iSamples;
-    QVector<double> im = setup.signal.qSamples;
-    interpolate(re, im, 4);
-    std::vector<double> powers;
-    double mean = 0.0;
-    for (int i = 0; i < re.size(); ++i) {
-        powers.push_back(re.at(i) * re.at(i) + im.at(i) * im.at(i));
-        mean += powers.back() / re.size();
-    }
-    std::sort(powers.rbegin(), powers.rend());
+    const std::vector<double> powers = plainPowers(setup.signal);
     const StimulusStatistics statistics = statisticsOf(setup.signal);
     const double tolerance = 1e-5; // dB; powers are kept as floats
-    QVERIFY(std::abs(statistics.peak - 10.0 * std::log10(powers.front() / mean)) < tolerance);
+    QVERIFY(std::abs(statistics.peak - overTheMean(powers, 0)) < tolerance);
     // 16384 powers: 1638.4, 163.84, 16.384 and 1.6384 of them lie above.
     const std::size_t above[] = {1638, 164, 16, 2};
     for (int i = 0; i < 4; ++i) {
-        const double level = 10.0 * std::log10(powers[above[i]] / mean);
+        const double level = overTheMean(powers, above[i]);
         QVERIFY(std::abs(statistics.ccdf[std::size_t(i)] - level) < tolerance);
     }
     QCOMPARE(statistics.crestFactor, setup.crestFactor);
@@ -175,6 +230,39 @@ void TestStimulusStatistics::orderedPhasesAreNot()
                      qPrintable(QString::number(nbwSrate)));
         }
     }
+}
+
+void TestStimulusStatistics::levelsMayBeOffByLittleAndByChance_data()
+{
+    QTest::addColumn<int>("exponent");
+    QTest::addColumn<double>("step");
+    QTest::newRow("few lines, more by chance") << 10 << 0.02;
+    QTest::newRow("many lines") << 14 << 0.01;
+}
+
+// Signals from too flat to too peaky, of which some lie within a tenth of a dB on either side of
+// the bounds. The peaks are noise's all the while.
+void TestStimulusStatistics::levelsMayBeOffByLittleAndByChance()
+{
+    QFETCH(int, exponent);
+    QFETCH(double, step);
+    MeasurementSetup setup = noiseSetup(exponent, 1.0, 1);
+    setup.calculateSignal();
+    double nearestWithin = -HUGE_VAL;
+    double nearestBeyond = HUGE_VAL;
+    for (double bend = 0.1; bend < 0.6; bend += step) {
+        const SignalData signal = bentNoise(setup, bend);
+        const StimulusStatistics statistics = statisticsOf(signal);
+        const double excess = excessOf(plainPowers(signal), statistics.lines);
+        if (statistics.peak > 10.0 * std::log10(std::log(statistics.lines) + 12.0)) {
+            break;
+        }
+        QVERIFY2(statistics.isNoiseLike == (excess <= 0.0), qPrintable(QString::number(bend)));
+        nearestWithin = std::max(nearestWithin, excess <= 0.0 ? excess : -HUGE_VAL);
+        nearestBeyond = std::min(nearestBeyond, excess > 0.0 ? excess : HUGE_VAL);
+    }
+    QVERIFY2(nearestWithin > -0.1 && nearestBeyond < 0.1,
+             qPrintable(QString("%1 %2").arg(nearestWithin).arg(nearestBeyond)));
 }
 
 // One component alone: its power has another distribution, 10 % of it lie 4.32 dB over the mean.
