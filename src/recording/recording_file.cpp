@@ -1,9 +1,9 @@
 #include "recording/recording_file.h"
 
 #include "base/regular_file.h"
-#include "recording/npy_header.h"
+#include "recording/npy_recording.h"
 #include "recording/sigmf_recording.h"
-#include "recording/wav_header.h"
+#include "recording/wav_recording.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "recording/wav_header.h"
+#include "recording/wav_recording.h"
 
 #include "base/regular_file.h"
 

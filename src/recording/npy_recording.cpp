@@ -1,4 +1,4 @@
-#include "recording/npy_header.h"
+#include "recording/npy_recording.h"
 
 #include "base/regular_file.h"
 
