@@ -51,6 +51,7 @@ std::vector<double> plainPowers(const SignalData& signal)
     QVector<double> im = signal.qSamples;
     interpolate(re, im, 4);
     std::vector<double> powers;
+    powers.reserve(static_cast<std::size_t>(re.size()));
     for (int i = 0; i < re.size(); ++i) {
         powers.push_back(re.at(i) * re.at(i) + im.at(i) * im.at(i));
     }
@@ -250,7 +251,8 @@ void TestStimulusStatistics::levelsMayBeOffByLittleAndByChance()
     setup.calculateSignal();
     double nearestWithin = -HUGE_VAL;
     double nearestBeyond = HUGE_VAL;
-    for (double bend = 0.1; bend < 0.6; bend += step) {
+    for (int k = 0; 0.1 + k * step < 0.6; ++k) {
+        const double bend = 0.1 + k * step;
         const SignalData signal = bentNoise(setup, bend);
         const StimulusStatistics statistics = statisticsOf(signal);
         const double excess = excessOf(plainPowers(signal), statistics.lines);
@@ -258,8 +260,11 @@ void TestStimulusStatistics::levelsMayBeOffByLittleAndByChance()
             break;
         }
         QVERIFY2(statistics.isNoiseLike == (excess <= 0.0), qPrintable(QString::number(bend)));
-        nearestWithin = std::max(nearestWithin, excess <= 0.0 ? excess : -HUGE_VAL);
-        nearestBeyond = std::min(nearestBeyond, excess > 0.0 ? excess : HUGE_VAL);
+        if (excess <= 0.0) {
+            nearestWithin = std::max(nearestWithin, excess);
+        } else {
+            nearestBeyond = std::min(nearestBeyond, excess);
+        }
     }
     QVERIFY2(nearestWithin > -0.1 && nearestBeyond < 0.1,
              qPrintable(QString("%1 %2").arg(nearestWithin).arg(nearestBeyond)));
