@@ -242,7 +242,7 @@ void TestMeasuringCurves::stopEndsTheTheoryThatIsMadeBefore()
     window->measure(withMinutesOfTheory());
     QCOMPARE(operate->text("running_text"), QString("Making the signal..."));
     operate->click("stop_button");
-    QTRY_VERIFY_WITH_TIMEOUT(!operate->find<QWidget>("running_bar")->isVisible(), 3000);
+    QTRY_VERIFY_WITH_TIMEOUT(!operate->find<QWidget>("running_bar")->isVisible(), 30000);
     QVERIFY(!operate->find<QWidget>("message_bar")->isVisible()); // it is no failure
     QCOMPARE(window->results().rowCount(), 0);
 }
@@ -251,7 +251,7 @@ void TestMeasuringCurves::theEndWaitsForNoTheory()
 {
     window->measure(withMinutesOfTheory());
     QVERIFY(window->close());
-    QVERIFY(backgroundJobsEnd(3000));
+    QVERIFY(backgroundJobsEnd(30000));
 }
 
 void TestMeasuringCurves::aMissingInstrumentIsAMessage()
