@@ -1,6 +1,8 @@
 // The program notchbench-cli as a process, with what it printed and how it ended.
 #pragma once
 
+#include "kit/instrumented.h"
+
 #include <QProcess>
 #include <QString>
 #include <QTemporaryDir>
@@ -48,7 +50,8 @@ public:
         process.start(program, words);
         process.write(input);
         process.closeWriteChannel();
-        process.waitForFinished(100000);
+        constexpr int patience = isInstrumented ? 600000 : 100000; // ms
+        process.waitForFinished(patience);
         const bool ended =
             process.exitStatus() == QProcess::NormalExit && process.state() == QProcess::NotRunning;
         return {ended ? process.exitCode() : -1,

@@ -37,6 +37,8 @@ public:
         : second(newSecond)
     {
         QObject::connect(&server, &QTcpServer::newConnection, &server, [this] { accept(); });
+        QObject::connect(
+            &thread, &QThread::finished, &server, [this] { hangUp(); }, Qt::DirectConnection);
         thread.start();
         server.moveToThread(&thread);
         QMetaObject::invokeMethod(
@@ -45,8 +47,6 @@ public:
 
     ~BenchInstrument()
     {
-        QObject::connect(
-            &thread, &QThread::finished, &server, [this] { hangUp(); }, Qt::DirectConnection);
         thread.quit();
         thread.wait();
     }
