@@ -3,6 +3,7 @@
 #include "dut/level_sweep.h"
 #include "measurement/channels.h"
 #include "setup/measurement_setup.h"
+#include "signal/stimulus_statistics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,20 +12,28 @@
 
 namespace {
 
-SomeLines::Range linesAround(double center, double bandwidth, double spacing, int signalLength)
+ChannelBand bandAround(double center, const ReadingChannels& channels)
 {
-    const ChannelBand band{center - bandwidth / 2.0, center + bandwidth / 2.0};
-    return linesWithin(band, spacing, signalLength);
+    return {center - channels.bandwidth / 2.0, center + channels.bandwidth / 2.0};
+}
+
+ChannelBand referenceBand(const Notch& notch)
+{
+    const ReadingChannels channels = channelsOf(notch);
+    return bandAround(channels.reference, channels);
+}
+
+ChannelBand notchBand(const Notch& notch)
+{
+    const ReadingChannels channels = channelsOf(notch);
+    return bandAround(channels.notch(), channels);
 }
 
 // None where the reference channel has none, for then there is nothing to compare with.
 int readableLines(const Notch& notch, double spacing, int signalLength)
 {
-    const ReadingChannels channels = channelsOf(notch);
-    const int inReference =
-        linesAround(channels.reference, channels.bandwidth, spacing, signalLength).count;
-    return inReference > 0
-               ? linesAround(channels.notch(), channels.bandwidth, spacing, signalLength).count
+    return linesWithin(referenceBand(notch), spacing, signalLength).count > 0
+               ? linesWithin(notchBand(notch), spacing, signalLength).count
                : 0;
 }
 
@@ -48,22 +57,24 @@ QVector<NumberedNotch> numberedNotches(const MeasurementSetup& setup, int signal
     return numbered;
 }
 
+QVector<ChannelBand> bandsOf(const QVector<NumberedNotch>& notches)
+{
+    QVector<ChannelBand> bands;
+    for (const NumberedNotch& numbered : notches) {
+        bands << referenceBand(numbered.notch) << notchBand(numbered.notch);
+    }
+    return bands;
+}
+
 double referenceFilling(const NumberedNotch& notch, const SignalData& signal, double sampleRate)
 {
-    // The mean line of the signal, weighted by its power so that empty notches don't count.
-    double sum = 0.0;
-    double squares = 0.0;
-    for (const double magnitude : signal.magnitude) {
-        const double power = magnitude * magnitude;
-        sum += power;
-        squares += power * power;
-    }
-    const ReadingChannels channels = channelsOf(notch.notch);
-    const SomeLines::Range range = linesAround(channels.reference, channels.bandwidth,
-                                               sampleRate / signal.length, signal.length);
+    const SomeLines::Range range =
+        linesWithin(referenceBand(notch.notch), sampleRate / signal.length, signal.length);
     const double* const first = signal.magnitude.constData() + signal.length / 2 + range.first;
     const double power = std::inner_product(first, first + range.count, first, 0.0);
-    return power * sum / (squares * notch.lines);
+    // The mean line of the signal, weighted by its power so that empty notches don't count.
+    const LineSums all = lineSumsOf(signal);
+    return power * all.power / (all.square * notch.lines);
 }
 
 bool isSameNotch(double center, double width, double otherCenter, double otherWidth)

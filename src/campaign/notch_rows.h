@@ -6,6 +6,7 @@
 
 #include <QVector>
 
+struct ChannelBand;
 struct MeasurementSetup;
 struct SignalData;
 
@@ -21,6 +22,9 @@ struct NumberedNotch
 // All notches of the setup, whose signal has so many samples. None in carrier mode, where rows are
 // lone lines.
 QVector<NumberedNotch> numberedNotches(const MeasurementSetup& setup, int signalLength);
+
+// Two for each notch: of its reference channel and of the channel in the notch.
+QVector<ChannelBand> bandsOf(const QVector<NumberedNotch>& notches);
 
 // Density of the signal in the notch's reference channel over that of the whole signal: 1 for an
 // even one. Less where another notch or the end of the band lies in the channel; the ratio is too

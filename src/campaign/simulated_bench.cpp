@@ -14,23 +14,6 @@ namespace {
 // a quick end.
 constexpr int levelsPerCore = 2;
 
-ChannelBand bandAround(double center, double bandwidth)
-{
-    return {center - bandwidth / 2.0, center + bandwidth / 2.0};
-}
-
-// Reference and notch channel of each, in turns.
-QVector<ChannelBand> bandsOf(const QVector<NumberedNotch>& notches)
-{
-    QVector<ChannelBand> bands;
-    for (const NumberedNotch& numbered : notches) {
-        const ReadingChannels channels = channelsOf(numbered.notch);
-        bands << bandAround(channels.reference, channels.bandwidth)
-              << bandAround(channels.notch(), channels.bandwidth);
-    }
-    return bands;
-}
-
 } // namespace
 
 SimulatedBench::SimulatedBench(MeasurementSetup itsSetup, Chain itsChain, QString itsDescription)

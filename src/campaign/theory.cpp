@@ -1,7 +1,6 @@
 #include "campaign/theory.h"
 
 #include "campaign/theory_orders.h"
-#include "measurement/channels.h"
 #include "setup/signal_data.h"
 #include "transform/decibels.h"
 #include "transform/transform.h"
@@ -146,14 +145,8 @@ bool Theory::isIn(const DeviceSettings& device)
 
 Theory::Theory(const SignalData& signal, double sampleRate, const Chain& itsChain,
                const QVector<NumberedNotch>& notches)
-    : chain(itsChain)
+    : chain(itsChain), bands(bandsOf(notches))
 {
-    for (const NumberedNotch& numbered : notches) {
-        const ReadingChannels channels = channelsOf(numbered.notch);
-        const double half = channels.bandwidth / 2.0;
-        bands << ChannelBand{channels.reference - half, channels.reference + half}
-              << ChannelBand{channels.notch() - half, channels.notch() + half};
-    }
     const double spacing = sampleRate / signal.length;
     Powers lines = sourceLines(signal, chain.sourceNotch);
     shapeByRipple(lines, chain.ripple, spacing);

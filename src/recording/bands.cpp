@@ -1,6 +1,7 @@
 #include "recording/bands.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -12,6 +13,12 @@ void append(Bands& bands, FrequencyBand band)
 }
 
 } // namespace
+
+LineRange linesIn(FrequencyBand band, double spacing)
+{
+    return {static_cast<int>(std::ceil(band.low / spacing)),
+            static_cast<int>(std::floor(band.high / spacing))};
+}
 
 Bands within(const Bands& bands, FrequencyBand limits)
 {

@@ -11,6 +11,16 @@ struct FrequencyBand
     double width() const { return high - low; }
 };
 
+// Lines of a transform, by number: their frequency over their spacing. None where last < first.
+struct LineRange
+{
+    int first;
+    int last;
+};
+
+// Those within a band, its ends included, which fit into an int.
+LineRange linesIn(FrequencyBand band, double spacing);
+
 using Bands = QVector<FrequencyBand>;
 
 // What of some bands lies within a band, or outside of it.

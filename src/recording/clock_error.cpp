@@ -16,13 +16,6 @@ constexpr qint64 shortestStretch = 1024;
 constexpr double leastCoherence = 0.3;
 constexpr int refinements = 4; // of a slope, each ten times nearer
 
-// Frequencies of a transform of the stretches.
-struct LineRange
-{
-    int first;
-    int last;
-};
-
 Value turned(Value value, double radians)
 {
     return plainProduct(value, {std::cos(radians), std::sin(radians)});
@@ -241,12 +234,12 @@ private:
     const ComplexBuffer beginning;
 };
 
+// Of a transform of the stretches.
 LineRange linesWithin(FrequencyBand band, double sampleRate, qint64 stretch)
 {
-    const double spacing = sampleRate / static_cast<double>(stretch);
     const double half = 0.5 * sampleRate;
-    return {static_cast<int>(std::ceil(std::max(band.low, -half) / spacing)),
-            static_cast<int>(std::floor(std::min(band.high, half) / spacing))};
+    return linesIn({std::max(band.low, -half), std::min(band.high, half)},
+                   sampleRate / static_cast<double>(stretch));
 }
 
 bool areEnough(LineRange lines)

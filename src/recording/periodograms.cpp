@@ -5,7 +5,6 @@
 #include "transform/vector_clones.h"
 
 #include <algorithm>
-#include <cmath>
 #include <utility>
 
 namespace {
@@ -72,8 +71,8 @@ BandDensity densityIn(const Bands& bands, const PowerDensity& density)
     BandDensity result;
     const auto length = static_cast<qint64>(density.bins.size());
     for (const FrequencyBand& band : bands) {
-        const auto last = static_cast<qint64>(std::floor(band.high / density.spacing));
-        for (auto k = static_cast<qint64>(std::ceil(band.low / density.spacing)); k <= last; ++k) {
+        const LineRange range = linesIn(band, density.spacing);
+        for (int k = range.first; k <= range.last; ++k) {
             result.density += density.bins[static_cast<std::size_t>((k + length) % length)];
             ++result.bins;
         }

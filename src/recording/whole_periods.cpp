@@ -3,31 +3,18 @@
 #include "transform/transform.h"
 
 #include <algorithm>
-#include <cmath>
 #include <set>
 
 namespace {
 
 constexpr int sumsPerLine = 3;
 
-struct LineRange
-{
-    int first;
-    int last;
-};
-
-LineRange linesOf(FrequencyBand band, double spacing)
-{
-    return {static_cast<int>(std::ceil(band.low / spacing)),
-            static_cast<int>(std::floor(band.high / spacing))};
-}
-
 std::vector<int> linesWithin(const QVector<Bands>& sets, double spacing)
 {
     std::set<int> lines;
     for (const Bands& bands : sets) {
         for (const FrequencyBand& band : bands) {
-            const LineRange range = linesOf(band, spacing);
+            const LineRange range = linesIn(band, spacing);
             for (int line = range.first; line <= range.last; ++line) {
                 lines.insert(lines.end(), line);
             }
@@ -82,7 +69,7 @@ PeriodLines::Density PeriodLines::in(const Bands& wanted) const
     double noise = 0.0;
     const auto periodCount = static_cast<double>(count);
     for (const FrequencyBand& band : wanted) {
-        const LineRange range = linesOf(band, spacing);
+        const LineRange range = linesIn(band, spacing);
         const auto begin = std::lower_bound(lines.begin(), lines.end(), range.first);
         for (auto line = begin; line != lines.end() && *line <= range.last; ++line) {
             const double* const sums =

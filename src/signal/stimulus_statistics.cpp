@@ -58,14 +58,8 @@ double levelExceeded(Powers& powers, double share)
 // Of equal lines their count; lines far below the others hardly count.
 double effectiveLines(const SignalData& signal)
 {
-    double power = 0.0;
-    double square = 0.0;
-    for (const double magnitude : signal.magnitude) {
-        const double line = magnitude * magnitude;
-        power += line;
-        square += line * line;
-    }
-    return power * power / square;
+    const LineSums sums = lineSumsOf(signal);
+    return sums.power * sums.power / sums.square;
 }
 
 // The level of noise exceeded for a share of the time, and its scatter over n independent samples:
@@ -105,6 +99,17 @@ bool hasPeaksOfNoise(double peak, double lines)
 }
 
 } // namespace
+
+LineSums lineSumsOf(const SignalData& signal)
+{
+    LineSums sums;
+    for (const double magnitude : signal.magnitude) {
+        const double line = magnitude * magnitude;
+        sums.power += line;
+        sums.square += line * line;
+    }
+    return sums;
+}
 
 StimulusStatistics statisticsOf(const SignalData& signal)
 {

@@ -32,6 +32,15 @@ struct StimulusStatistics
     bool isNoiseLike = false;
 };
 
+// Over the lines of a signal's spectrum: of their powers and of the squares of these.
+struct LineSums
+{
+    double power = 0.0;
+    double square = 0.0;
+};
+
+LineSums lineSumsOf(const SignalData& signal);
+
 // Of a finished signal whose length is a power of two. Not-a-number for one without power. Throws
 // std::bad_alloc; takes the memory of another signal.
 StimulusStatistics statisticsOf(const SignalData& signal);
