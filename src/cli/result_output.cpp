@@ -8,8 +8,11 @@
 #include "cli/recording_table.h"
 #include "cli/text_table.h"
 
+#include <QFileInfo>
+
 #include <algorithm>
 #include <cmath>
+#include <functional>
 
 namespace {
 
@@ -71,8 +74,22 @@ std::optional<double> ratioAt(const NprPoint& place, const QVector<NprPoint>& po
     return found == points.end() ? std::nullopt : found->npr;
 }
 
+// A result without a point is no reason to lose a former one.
+bool keepsFormer(const NprResult& result, const QString& file, Console& console)
+{
+    const QFileInfo former(file);
+    const bool keeps = result.points.isEmpty() && former.isFile() && former.size() > 0;
+    if (keeps) {
+        console.message(file + " stays as it was, for nothing was measured");
+    }
+    return keeps;
+}
+
+using IsKept = std::function<bool(const QString& file)>;
+
 // The files that couldn't be written.
-QStringList writeForms(const NprResult& result, const Arguments& arguments, Console& console)
+QStringList writeForms(const NprResult& result, const Arguments& arguments, Console& console,
+                       const IsKept& isKept)
 {
     QStringList unwritten;
     for (const Form& form : forms) {
@@ -80,7 +97,7 @@ QStringList writeForms(const NprResult& result, const Arguments& arguments, Cons
             const QByteArray bytes = form.bytes(result);
             if (file == standardOutput) {
                 console.printBytes(bytes);
-            } else if (!writeWholeFile(file, bytes)) {
+            } else if (!isKept(file) && !writeWholeFile(file, bytes)) {
                 unwritten << file;
             }
         }
@@ -109,9 +126,10 @@ void printTables(const NprResult& result, const ResultContext& context, Console&
 void putOutAll(const NprResult& result, const ResultContext& context, const Arguments& arguments,
                Console& console)
 {
-    QStringList unwritten = writeForms(result, arguments, console);
+    const IsKept isKept = [&](const QString& file) { return keepsFormer(result, file, console); };
+    QStringList unwritten = writeForms(result, arguments, console, isKept);
     for (const QString& file : arguments.values("plot")) {
-        if (!saveChart(chartOf(result, context), file)) {
+        if (!isKept(file) && !saveChart(chartOf(result, context), file)) {
             unwritten << file;
         }
     }
@@ -166,7 +184,7 @@ void checkResultOptions(const Arguments& arguments, const QStringList& furtherFi
 
 void writeResult(const NprResult& result, const Arguments& arguments, Console& console)
 {
-    requireWritten(writeForms(result, arguments, console));
+    requireWritten(writeForms(result, arguments, console, [](const QString&) { return false; }));
 }
 
 void writeBytes(const QByteArray& bytes, const QString& file, Console& console)

@@ -27,7 +27,8 @@ void writeChart(const NprChartData& chart, const QString& file);
 
 // The same with the pictures of --plot, and the tables unless standard output got one of them,
 // after work that ended so. The first failure decides the program's status: throws Failure only
-// where all went well before, and otherwise tells it.
+// where all went well before, and otherwise tells it. A result without a point takes no place of a
+// file that has something in it.
 void putOut(ExitStatus status, const NprResult& result, const ResultContext& context,
             const Arguments& arguments, Console& console);
 

@@ -102,6 +102,7 @@ private slots:
     void instrumentsAreMeasuredWith();
     void aNotchBelowZeroHertzIsTold();
     void aLostInstrumentIsStatusFour();
+    void aMeasurementWithoutAPointKeepsFormerFiles();
     void withoutInstrumentsItIsStatusFour();
 
 private:
@@ -560,6 +561,23 @@ void TestCliMeasure::aLostInstrumentIsStatusFour()
              qPrintable(run.err));
     QVERIFY(schemaErrors(contentOf(file)).isEmpty());
     QVERIFY(jsonOf(contentOf(file))["points"].toArray().isEmpty());
+}
+
+void TestCliMeasure::aMeasurementWithoutAPointKeepsFormerFiles()
+{
+    const QString json = cli->path("monday.json");
+    const QString csv = cli->path("monday.csv");
+    const QString plot = cli->path("monday.png");
+    const QStringList files{"--json", json, "--csv", csv, "--plot", plot};
+    QCOMPARE(cli->run(measuring(rapp + files)).status, 0);
+    const QList<QByteArray> monday{contentOf(json), contentOf(csv), contentOf(plot)};
+
+    const MeasuredDevices devices("-40.0\n"); // too few numbers: no reading at all
+    const CliRun run = cli->run(measuring(instruments + files));
+    QCOMPARE(run.status, 4);
+    QVERIFY2(run.err.contains(json + " stays as it was, for nothing was measured"),
+             qPrintable(run.err));
+    QCOMPARE((QList<QByteArray>{contentOf(json), contentOf(csv), contentOf(plot)}), monday);
 }
 
 void TestCliMeasure::withoutInstrumentsItIsStatusFour()
