@@ -76,9 +76,16 @@ void CurvesWindow::askToSave()
     const QString name = QFileDialog::getSaveFileName(this, QStringLiteral("Save"),
                                                       proposedPath(present(ids).constFirst()),
                                                       savingFilters(), &filter);
-    if (!name.isEmpty()) {
-        dismissMessages(); // of what was before
-        saveAndTell(present(ids), withEnding(name, filter));
+    if (name.isEmpty()) {
+        return;
+    }
+    dismissMessages(); // of what was before
+    const QVector<ShownResult> results = present(ids);
+    if (results.isEmpty()) {
+        tell(QStringLiteral("There is nothing to save: the measurement ended before its first "
+                            "point."));
+    } else {
+        saveAndTell(results, withEnding(name, filter));
     }
 }
 

@@ -69,6 +69,7 @@ private slots:
     void theEndAsksForWhatIsNotSaved();
     void theEndSavesWhatIsMeasuredWhileItAsks();
     void aResultThatGrowsIsToldToBeSavedAgain();
+    void aMeasurementThatEndsWithoutAPointIsNotSaved();
     void whatAKilledProgramLeftIsOffered();
     void whatIsDeclinedIsDeleted();
     void whatALivingProgramKeepsIsNotOffered();
@@ -245,6 +246,26 @@ void TestSavingCurves::aResultThatGrowsIsToldToBeSavedAgain()
     QCOMPARE(operate->text("message_text"),
              "Saved " + path("growing.json") +
                  ". It is still being measured: save it again at its end.");
+}
+
+void TestSavingCurves::aMeasurementThatEndsWithoutAPointIsNotSaved()
+{
+    QStringList words = quick;
+    words << "--settle"
+          << "3600"; // s
+    window->measure(words);
+    QTRY_COMPARE_WITH_TIMEOUT(window->results().rowCount(), 1, 30000);
+    operate->onNext<QFileDialog>([this](QFileDialog* dialog) {
+        operate->find<QAction>("action_stop")->trigger();
+        QTRY_COMPARE_WITH_TIMEOUT(window->results().rowCount(), 0, 30000);
+        auto* edit = dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        edit->setText(path("none.json"));
+        QTest::keyClick(edit, Qt::Key_Return);
+    });
+    operate->trigger("action_save");
+    QCOMPARE(operate->text("message_text"),
+             QString("There is nothing to save: the measurement ended before its first point."));
+    QVERIFY(!QFile::exists(path("none.json")));
 }
 
 void TestSavingCurves::whatAKilledProgramLeftIsOffered()
