@@ -121,6 +121,17 @@ QVector<NprCurve> curvesOf(const QVector<NprPoint>& points, const QVector<double
     return curves;
 }
 
+void addThresholds(const NprResult& result, QVector<double>& thresholds)
+{
+    for (const NprCurve& curve : result.curves) {
+        for (const NprRange& range : curve.ranges) {
+            if (!thresholds.contains(range.threshold)) {
+                thresholds << range.threshold;
+            }
+        }
+    }
+}
+
 void applyLimit(QVector<NprPoint>& points, double limit)
 {
     for (NprPoint& point : points) {

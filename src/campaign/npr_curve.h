@@ -8,6 +8,9 @@
 // Ranges: from the peak outwards to the nearest crossing on each side, by linear interpolation.
 QVector<NprCurve> curvesOf(const QVector<NprPoint>& points, const QVector<double>& thresholds);
 
+// Appends those of the result's ranges that aren't there yet.
+void addThresholds(const NprResult& result, QVector<double>& thresholds);
+
 // Tells each point whether it passes; one without a ratio doesn't.
 void applyLimit(QVector<NprPoint>& points, double limit);
 

@@ -5,30 +5,28 @@
 
 namespace {
 
-const QChar minus(0x2212);
-
-// With the sign of print.
-QString number(double value, int decimals)
+// The minus sign of print.
+QString inPrint(QString number)
 {
-    return QString::number(value, 'f', decimals).replace('-', minus);
+    return number.replace('-', QChar(0x2212));
 }
 
 QString upTo(const QVector<double>& values)
 {
     const auto [least, most] = std::minmax_element(values.begin(), values.end());
-    return number(*least, 2) + (*least < *most ? " to " + number(*most, 2) : QString());
+    return printed(*least, 2) + (*least < *most ? " to " + printed(*most, 2) : QString());
 }
 
 QString rangeText(const ChartRange& range, const QString& unit)
 {
     if (range.from && range.to) {
-        return number(*range.to - *range.from, 2) + " dB, from " + number(*range.from, 2) + " to " +
-               number(*range.to, 2) + ' ' + unit;
+        return printed(*range.to - *range.from, 2) + " dB, from " + printed(*range.from, 2) +
+               " to " + printed(*range.to, 2) + ' ' + unit;
     }
     if (range.from) {
-        return "from " + number(*range.from, 2) + ' ' + unit + " on";
+        return "from " + printed(*range.from, 2) + ' ' + unit + " on";
     }
-    return range.to ? "up to " + number(*range.to, 2) + ' ' + unit : "not crossed";
+    return range.to ? "up to " + printed(*range.to, 2) + ' ' + unit : "not crossed";
 }
 
 QVector<ChartRange> rangesOver(double threshold, const QVector<ChartLine>& lines)
@@ -74,6 +72,17 @@ QString rangesText(const QVector<ChartRange>& ranges, const QString& unit)
 
 } // namespace
 
+QString printed(double value, int decimals)
+{
+    return inPrint(QString::number(value, 'f', decimals));
+}
+
+QString notchText(int notch, double center)
+{
+    const QString megahertz = inPrint(QString::number(center / 1e6, 'g', 4));
+    return QStringLiteral("notch %1, %2 MHz").arg(notch).arg(megahertz);
+}
+
 QString titleHtml(const NprChartData& data)
 {
     const QString what =
@@ -95,26 +104,25 @@ QString ratioTitle(const NprChartData& data)
 
 QString peakText(const QPointF& peak, const QString& unit)
 {
-    return number(peak.y(), 2) + " dB at " + number(peak.x(), 2) + ' ' + unit;
+    return printed(peak.y(), 2) + " dB at " + printed(peak.x(), 2) + ' ' + unit;
 }
 
 QString legendText(const ChartLine& line, const QString& unit)
 {
-    const QString name = QString(line.name).replace('-', minus);
-    return line.peak ? name + ": peak " + peakText(*line.peak, unit) : name;
+    return line.peak ? line.name + ": peak " + peakText(*line.peak, unit) : line.name;
 }
 
 QString thresholdText(double threshold, const QVector<ChartLine>& lines, const QString& unit)
 {
     const QVector<ChartRange> ranges = rangesOver(threshold, lines);
-    const QString above = "above " + number(threshold, 1).remove(".0") + " dB: ";
+    const QString above = "above " + printed(threshold, 1).remove(".0") + " dB: ";
     return above +
            (ranges.size() == 1 ? rangeText(ranges.constFirst(), unit) : rangesText(ranges, unit));
 }
 
 QString limitText(double limit)
 {
-    return "limit " + number(limit, 1).remove(".0") + " dB";
+    return "limit " + printed(limit, 1).remove(".0") + " dB";
 }
 
 QString bandText()

@@ -5,6 +5,12 @@
 
 #include <QStringList>
 
+// With so many decimals and the minus sign of print.
+QString printed(double value, int decimals);
+
+// "notch 1, -32 MHz": center in Hz from the carrier.
+QString notchText(int notch, double center);
+
 QString titleHtml(const NprChartData& data);
 QString levelTitle(const QString& unit);
 QString ratioTitle(const NprChartData& data);

@@ -1,5 +1,7 @@
 #include "cli/result_chart.h"
 
+#include "chart/chart_texts.h"
+
 #include <algorithm>
 
 namespace {
@@ -29,9 +31,7 @@ ChartLine lineOf(const QVector<NprPoint>& points)
 {
     const NprPoint& first = points.constFirst();
     ChartLine line;
-    line.name = QStringLiteral("notch %1, %2 MHz")
-                    .arg(first.notch)
-                    .arg(QString::number(first.center / 1e6, 'g', 4));
+    line.name = notchText(first.notch, first.center);
     for (const NprPoint& point : points) {
         line.points << ChartPoint{point.level, point.npr, point.sigma};
     }

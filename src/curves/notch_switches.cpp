@@ -1,7 +1,7 @@
 #include "curves/notch_switches.h"
 
+#include "chart/chart_texts.h"
 #include "curves/plot_content.h"
-#include "curves/result_texts.h"
 #include "curves/swatch.h"
 
 #include <QListWidget>

@@ -1,7 +1,6 @@
 #include "curves/plot_content.h"
 
-#include "curves/result_texts.h"
-
+#include "campaign/npr_curve.h"
 #include "chart/chart_ratios.h"
 #include "chart/chart_scale.h"
 #include "chart/chart_style.h"
@@ -141,17 +140,6 @@ PlotLine patternOf(const ShownResult& result, const PlotChoice& choice)
     pattern.isChosen = choice.results.contains(result.id);
     pattern.isShown = result.isShown;
     return pattern;
-}
-
-void addThresholds(const NprResult& result, QVector<double>& thresholds)
-{
-    for (const NprCurve& curve : result.curves) {
-        for (const NprRange& range : curve.ranges) {
-            if (!thresholds.contains(range.threshold)) {
-                thresholds << range.threshold;
-            }
-        }
-    }
 }
 
 void addNotches(const ShownResult& result, const PlotLine& pattern, const PlotChoice& choice,

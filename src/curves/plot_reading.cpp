@@ -1,6 +1,6 @@
 #include "curves/plot_reading.h"
 
-#include "curves/result_texts.h"
+#include "chart/chart_texts.h"
 
 #include <algorithm>
 #include <cmath>

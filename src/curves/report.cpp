@@ -1,8 +1,10 @@
 #include "curves/report.h"
 
+#include "campaign/npr_curve.h"
 #include "campaign/result_json.h"
 #include "chart/chart_file.h"
 #include "chart/chart_style.h"
+#include "chart/chart_texts.h"
 #include "cli/result_chart.h"
 #include "curves/result_texts.h"
 
@@ -115,11 +117,7 @@ NprChartData pictureOf(const QVector<ShownResult>& results)
     QVector<ChartedResult> charted;
     for (const ShownResult& shown : results) {
         QVector<double> thresholds;
-        if (!shown.result.curves.isEmpty()) {
-            for (const NprRange& range : shown.result.curves.constFirst().ranges) {
-                thresholds << range.threshold;
-            }
-        }
+        addThresholds(shown.result, thresholds);
         charted << ChartedResult{
             shown.name, shown.result, {shown.theoryName, shown.theory, shown.limit, thresholds}};
     }

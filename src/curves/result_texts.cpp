@@ -1,6 +1,7 @@
 #include "curves/result_texts.h"
 
 #include "campaign/npr_curve.h"
+#include "chart/chart_texts.h"
 
 #include <QDateTime>
 #include <QSet>
@@ -22,11 +23,6 @@ const NprCurve* highestOf(const QVector<NprCurve>& curves)
 }
 
 } // namespace
-
-QString printed(double value, int decimals)
-{
-    return QString::number(value, 'f', decimals).replace('-', QChar(0x2212));
-}
 
 QString deviceText(const NprResult& result)
 {
@@ -85,10 +81,4 @@ QString verdictText(const NprResult& result)
     return !hasLimit                       ? QString()
            : hasMissedLimit(result.points) ? QStringLiteral("FAIL")
                                            : QStringLiteral("pass");
-}
-
-QString notchText(int notch, double center)
-{
-    const QString megahertz = QString::number(center / 1e6, 'g', 4);
-    return QStringLiteral("notch %1, %2 MHz").arg(notch).arg(megahertz).replace('-', QChar(0x2212));
 }

@@ -14,8 +14,3 @@ QString peakText(const NprResult& result);
 QString rangeText(const NprResult& result);
 // "pass", "FAIL", or empty without a limit.
 QString verdictText(const NprResult& result);
-// "notch 1, -32 MHz"
-QString notchText(int notch, double center);
-
-// With so many decimals.
-QString printed(double value, int decimals);

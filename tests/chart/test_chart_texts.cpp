@@ -11,7 +11,7 @@ namespace {
 
 const QChar minus(0x2212);
 
-QString printed(QString text)
+QString inPrint(QString text)
 {
     return text.replace('-', minus);
 }
@@ -37,6 +37,8 @@ private slots:
     void severalLinesTellTheSpanOfTheirRanges();
     void whatIsNoNprIsCalledSo();
     void namesAreNoMarkup();
+    void notchesAreNamedByTheirCentre();
+    void namesKeepTheirHyphens();
     void linesAreToldApartWithoutColours();
 };
 
@@ -75,11 +77,11 @@ void TestChartTexts::thresholdsTellTheirRange()
         return thresholdText(41.0, {lineWith({range})}, "dBm");
     };
     QCOMPARE(text({41.0, -33.0, -7.66}),
-             printed("above 41 dB: 25.34 dB, from -33.00 to -7.66 dBm"));
-    QCOMPARE(text({41.0, -33.0, {}}), printed("above 41 dB: from -33.00 dBm on"));
-    QCOMPARE(text({41.0, {}, -7.66}), printed("above 41 dB: up to -7.66 dBm"));
+             inPrint("above 41 dB: 25.34 dB, from -33.00 to -7.66 dBm"));
+    QCOMPARE(text({41.0, -33.0, {}}), inPrint("above 41 dB: from -33.00 dBm on"));
+    QCOMPARE(text({41.0, {}, -7.66}), inPrint("above 41 dB: up to -7.66 dBm"));
     QCOMPARE(thresholdText(41.0, {lineWith({{41.0, -33.0, {}}})}, "dBFS"),
-             printed("above 41 dB: from -33.00 dBFS on"));
+             inPrint("above 41 dB: from -33.00 dBFS on"));
     QCOMPARE(text({41.0, {}, {}}), QString("above 41 dB: not crossed"));
     QCOMPARE(text({30.0, -33.0, -7.66}), QString("above 41 dB: not crossed"));
     QCOMPARE(thresholdText(40.5, {}, "dBm"), QString("above 40.5 dB: not crossed"));
@@ -92,7 +94,7 @@ void TestChartTexts::severalLinesTellTheSpanOfTheirRanges()
     const ChartLine open = lineWith({{41.0, -32.0, {}}});
     QCOMPARE(thresholdText(41.0, {wide, narrow}, "dBm"), QString("above 41 dB: 24.50 to 26.00 dB"));
     QCOMPARE(thresholdText(41.0, {wide, narrow, open}, "dBm"),
-             printed("above 41 dB: 24.50 to 26.00 dB, or from -32.00 dBm on"));
+             inPrint("above 41 dB: 24.50 to 26.00 dB, or from -32.00 dBm on"));
     const ChartLine below = lineWith({{41.0, {}, {}}});
     QCOMPARE(thresholdText(41.0, {wide, narrow, below}, "dBm"),
              QString("above 41 dB: 24.50 to 26.00 dB, or not crossed"));
@@ -100,9 +102,9 @@ void TestChartTexts::severalLinesTellTheSpanOfTheirRanges()
     const ChartLine early = lineWith({{41.0, {}, -9.5}});
     const ChartLine late = lineWith({{41.0, {}, -8.25}});
     QCOMPARE(thresholdText(41.0, {late, early}, "dBm"),
-             printed("above 41 dB: ending at -9.50 to -8.25 dBm"));
+             inPrint("above 41 dB: ending at -9.50 to -8.25 dBm"));
     QCOMPARE(thresholdText(41.0, {late, below}, "dBFS"),
-             printed("above 41 dB: ending at -8.25 dBFS, or not crossed"));
+             inPrint("above 41 dB: ending at -8.25 dBFS, or not crossed"));
     QCOMPARE(thresholdText(41.0, {wide, wide}, "dBm"), QString("above 41 dB: 26.00 dB"));
 }
 
@@ -126,6 +128,25 @@ void TestChartTexts::namesAreNoMarkup()
 
 // Ten lines differ in mark or colour, neighbours in both; on grey paper no two neighbours' colours
 // need to differ, for their marks do.
+void TestChartTexts::notchesAreNamedByTheirCentre()
+{
+    QCOMPARE(notchText(1, -3.2e7), inPrint("notch 1, -32 MHz"));
+    QCOMPARE(notchText(12, 0.0), QString("notch 12, 0 MHz"));
+    QCOMPARE(notchText(3, 1.23456e6), QString("notch 3, 1.235 MHz"));
+    QCOMPARE(printed(-0.06, 1), inPrint("-0.1"));
+}
+
+// A result is named after its file, where a minus sign would be another name.
+void TestChartTexts::namesKeepTheirHyphens()
+{
+    ChartLine line;
+    line.name = "device-7, notch 1";
+    QCOMPARE(legendText(line, "dBm"), QString("device-7, notch 1"));
+    line.peak = QPointF(-10.0, 60.0);
+    QCOMPARE(legendText(line, "dBm"),
+             "device-7, notch 1: peak " + inPrint("60.00 dB at -10.00 dBm"));
+}
+
 void TestChartTexts::linesAreToldApartWithoutColours()
 {
     for (int i = 0; i < 10; ++i) {
