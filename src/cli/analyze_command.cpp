@@ -1,8 +1,8 @@
-#include "cli/analyze_command.h"
+#include "cli/commands.h"
 
+#include "campaign/conclusion.h"
 #include "campaign/npr_curve.h"
 #include "campaign/recorded_points.h"
-#include "campaign/subtraction.h"
 #include "campaign/theory.h"
 #include "cli/analyze_request.h"
 #include "cli/made_signal.h"
@@ -210,20 +210,14 @@ ExitStatus addRecordings(const Task& task, NprResult& result)
 void conclude(const AnalyzeRequest& request, NprResult& result)
 {
     result.bench.analyzer = QStringLiteral("recordings");
-    for (NprPoint& point : result.points) {
-        if (!result.signal.noiseLike) {
-            point.addMark(PointMark::notNoiseLike);
-        }
-    }
+    Judgement by;
     if (request.without) {
-        subtractBench(request.without->points, result.points);
+        by.without.emplace(request.without->points);
     }
-    if (request.limit) {
-        applyLimit(result.points, *request.limit);
-    }
-    if (request.files.size() > 1) {
-        result.curves = curvesOf(result.points, request.thresholds);
-    }
+    by.limit = request.limit;
+    by.thresholds = request.thresholds;
+    by.hasCurves = request.files.size() > 1;
+    conclude(result, by);
 }
 
 QVector<NprPoint> theoryOf(const Task& task, const QVector<NprPoint>& points)

@@ -1,7 +1,8 @@
 // A command of the program.
 //
-// To add one: 1. its function in a file of its own, NAME_command.cpp, which is given what was typed
-// and where to print, and throws a Failure where it can't go on; 2. its row in command_table.cpp.
+// To add one: 1. its function in a file of its own, NAME_command.cpp, declared in commands.h, which
+// is given what was typed and where to print, and throws a Failure where it can't go on; 2. its row
+// in command_table.cpp.
 // Options, help and the check of what is typed follow from the row.
 #pragma once
 

@@ -1,11 +1,4 @@
-#include "cli/analyze_command.h"
-#include "cli/command.h"
-#include "cli/curve_command.h"
-#include "cli/measure_command.h"
-#include "cli/plot_command.h"
-#include "cli/serve_command.h"
-#include "cli/signal_command.h"
-#include "cli/trim_command.h"
+#include "cli/commands.h"
 
 const QVector<Command>& commandTable()
 {

@@ -1,51 +1,16 @@
-#include "cli/curve_command.h"
+#include "cli/commands.h"
 
-#include "campaign/plan.h"
 #include "cli/measuring.h"
 #include "cli/measuring_request.h"
-#include "cli/values.h"
 
 namespace {
 
-constexpr Range dbm{-300.0, 300.0, "dBm"};
-
-QVector<double> levelsOf(const QString& text)
-{
-    const QStringList fields = text.split(':');
-    if (fields.size() != 3) {
-        failUsage("--levels takes FROM:TO:STEP in dBm, such as -40:0:1, not \"" + text + '"');
-    }
-    const double from = numberOf(fields.at(0), "--levels FROM", dbm);
-    const double to = numberOf(fields.at(1), "--levels TO", dbm);
-    const double step = numberOf(fields.at(2), "--levels STEP", {-600.0, 600.0, "dB"});
-    const QVector<double> levels = levelSteps(from, to, step);
-    if (levels.isEmpty()) {
-        failUsage(QStringLiteral("--levels: a step of %1 dB gives no levels or more than %2")
-                      .arg(step)
-                      .arg(mostLevels));
-    }
-    return levels;
-}
-
 ExitStatus run(const Session& session)
 {
-    return measure(session, curveOf(session.arguments));
+    return measure(session, curveRequestOf(session.arguments));
 }
 
 } // namespace
-
-Measuring curveOf(const Arguments& arguments)
-{
-    if (!arguments.has("levels")) {
-        failUsage(QStringLiteral("curve needs --levels FROM:TO:STEP in dBm, such as -40:0:1"));
-    }
-    Measuring wanted;
-    wanted.levels = levelsOf(arguments.value("levels"));
-    for (const QString& threshold : arguments.values("threshold")) {
-        wanted.thresholds << thresholdOf(threshold);
-    }
-    return wanted;
-}
 
 Command curveCommand()
 {

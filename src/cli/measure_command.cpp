@@ -1,4 +1,4 @@
-#include "cli/measure_command.h"
+#include "cli/commands.h"
 
 #include "cli/measuring.h"
 #include "cli/measuring_request.h"

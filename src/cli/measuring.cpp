@@ -9,19 +9,7 @@
 
 #include <QEventLoop>
 
-#include <cmath>
-
 namespace {
-
-QString durationText(double seconds)
-{
-    const auto whole = static_cast<qint64>(std::ceil(seconds));
-    return whole < 60 ? QStringLiteral("%1 s").arg(whole)
-                      : QStringLiteral("%1:%2:%3 h")
-                            .arg(whole / 3600)
-                            .arg(whole / 60 % 60, 2, 10, QLatin1Char('0'))
-                            .arg(whole % 60, 2, 10, QLatin1Char('0'));
-}
 
 void tellBeforehand(const InstrumentBench& bench, const CampaignPlan& plan, Console& console)
 {
@@ -30,12 +18,11 @@ void tellBeforehand(const InstrumentBench& bench, const CampaignPlan& plan, Cons
         "connection: write it with \"notchbench-cli signal CONFIG --out BASE --format wv\" and "
         "load "
         "it there, or let it fetch it from \"notchbench-cli serve CONFIG\""));
-    console.message(
-        QStringLiteral("%1 readings, about %2; the level of the %3 goes from %4 to %5 dBm")
-            .arg(plan.readingCount())
-            .arg(durationText(bench.expectedSeconds(plan)), bench.levelledInstrument())
-            .arg(plan.lowestLevel())
-            .arg(plan.highestLevel()));
+    console.message(QStringLiteral("%1 readings, %2; the level of the %3 goes from %4 to %5 dBm")
+                        .arg(plan.readingCount())
+                        .arg(durationText(bench.expectedSeconds(plan)), bench.levelledInstrument())
+                        .arg(plan.lowestLevel())
+                        .arg(plan.highestLevel()));
 }
 
 CampaignOutcome run(const CampaignPlan& plan, const std::shared_ptr<Bench>& bench,
@@ -77,7 +64,7 @@ ExitStatus statusOf(const CampaignOutcome& outcome, const NprResult& result,
 
 } // namespace
 
-ExitStatus measure(const Session& session, const Measuring& wanted)
+ExitStatus measure(const Session& session, const CurveRequest& wanted)
 {
     const PreparedMeasuring ready = prepareMeasuring(session.arguments, wanted, session.console);
     if (const auto* instruments = dynamic_cast<const InstrumentBench*>(ready.bench.get())) {

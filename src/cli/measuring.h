@@ -5,4 +5,4 @@
 #include "cli/prepared_measuring.h"
 
 // Reads CONFIG, measures, writes. Throws Failure.
-ExitStatus measure(const Session& session, const Measuring& wanted);
+ExitStatus measure(const Session& session, const CurveRequest& wanted);

@@ -10,11 +10,32 @@
 #include "cli/values.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
 constexpr int mostAverages = 100000;
 constexpr double usualSettling = 0.1; // s, of instruments
+
+constexpr Range dbm{-300.0, 300.0, "dBm"};
+
+QVector<double> levelsOf(const QString& text)
+{
+    const QStringList fields = text.split(':');
+    if (fields.size() != 3) {
+        failUsage("--levels takes FROM:TO:STEP in dBm, such as -40:0:1, not \"" + text + '"');
+    }
+    const double from = numberOf(fields.at(0), "--levels FROM", dbm);
+    const double to = numberOf(fields.at(1), "--levels TO", dbm);
+    const double step = numberOf(fields.at(2), "--levels STEP", {-600.0, 600.0, "dB"});
+    const QVector<double> levels = levelSteps(from, to, step);
+    if (levels.isEmpty()) {
+        failUsage(QStringLiteral("--levels: a step of %1 dB gives no levels or more than %2")
+                      .arg(step)
+                      .arg(mostLevels));
+    }
+    return levels;
+}
 
 void requireLines(const QVector<NumberedNotch>& notches)
 {
@@ -72,6 +93,19 @@ Options measuringOptions()
                 "A result measured without the device, whose distortion and noise are subtracted."},
            } +
            resultOptions() + Options{{"quiet", "", "No progress line."}} + setupOptions();
+}
+
+CurveRequest curveRequestOf(const Arguments& arguments)
+{
+    if (!arguments.has("levels")) {
+        failUsage(QStringLiteral("curve needs --levels FROM:TO:STEP in dBm, such as -40:0:1"));
+    }
+    CurveRequest wanted;
+    wanted.levels = levelsOf(arguments.value("levels"));
+    for (const QString& threshold : arguments.values("threshold")) {
+        wanted.thresholds << thresholdOf(threshold);
+    }
+    return wanted;
 }
 
 MeasuringRequest requestOf(const Arguments& arguments)
@@ -135,4 +169,18 @@ CampaignPlan planOf(const MeasurementSetup& setup, int signalLength,
     plan.averages = request.averages;
     plan.settleSeconds = request.settleSeconds;
     return plan;
+}
+
+QString durationText(double seconds)
+{
+    const auto whole = static_cast<qint64>(std::ceil(seconds));
+    const auto parted = [](qint64 all, const char* unit) {
+        return QStringLiteral("about %1:%2 %3")
+            .arg(all / 60)
+            .arg(all % 60, 2, 10, QLatin1Char('0'))
+            .arg(QLatin1String(unit));
+    };
+    return whole < 60     ? QStringLiteral("about %1 s").arg(whole)
+           : whole < 3600 ? parted(whole, "min")
+                          : parted((whole + 30) / 60, "h"); // in minutes
 }

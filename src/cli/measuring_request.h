@@ -29,7 +29,18 @@ struct MeasuringRequest
     std::optional<Chain> theory;
 };
 
+// As a measurement is expected to take: "about 20 s", "about 1:10 min", "about 2:05 h".
+QString durationText(double seconds);
+
+// None for the present level alone, of which there is no curve.
+struct CurveRequest
+{
+    QVector<double> levels;     // dBm
+    QVector<double> thresholds; // dB
+};
+
 // Throws Failure.
+CurveRequest curveRequestOf(const Arguments& arguments);
 MeasuringRequest requestOf(const Arguments& arguments);
 
 // Before hours of measuring, not after them: throws Failure when the result of "--subtract" lacks a

@@ -1,4 +1,4 @@
-#include "cli/plot_command.h"
+#include "cli/commands.h"
 
 #include "campaign/npr_curve.h"
 #include "campaign/recorded_config.h"
@@ -28,13 +28,7 @@ QVector<double> thresholdsOf(const Arguments& arguments, const QVector<ChartedRe
         return thresholds;
     }
     for (const ChartedResult& one : results) {
-        for (const NprCurve& curve : one.result.curves) {
-            for (const NprRange& range : curve.ranges) {
-                if (!thresholds.contains(range.threshold)) {
-                    thresholds << range.threshold;
-                }
-            }
-        }
+        addThresholds(one.result, thresholds);
     }
     return thresholds;
 }

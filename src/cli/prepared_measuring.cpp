@@ -1,7 +1,6 @@
 #include "cli/prepared_measuring.h"
 
 #include "campaign/instrument_bench.h"
-#include "campaign/npr_curve.h"
 #include "campaign/simulated_bench.h"
 #include "cli/exit_status.h"
 #include "cli/made_signal.h"
@@ -47,7 +46,7 @@ ChosenBench chosenBench(const MeasurementSetup& setup, const MeasuringRequest& r
             presentLevel};
 }
 
-QVector<double> levelsOf(const Measuring& wanted, double presentLevel)
+QVector<double> levelsOf(const CurveRequest& wanted, double presentLevel)
 {
     constexpr double most = 300.0; // dBm, the bound of --levels
     if (!wanted.levels.isEmpty()) {
@@ -108,7 +107,7 @@ void addTheory(ResultContext& context, const MeasurementSetup& setup, const Camp
 
 } // namespace
 
-PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
+PreparedMeasuring prepareMeasuring(const Arguments& arguments, const CurveRequest& wanted,
                                    Console& console, const StopCheck& stop)
 {
     PreparedMeasuring ready;
@@ -131,14 +130,16 @@ PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& 
     }
     requireSubtractable(ready.request.without, ready.result, ready.plan, arguments);
     if (ready.request.without) {
-        ready.without.emplace(ready.request.without->points);
+        ready.judgement.without.emplace(ready.request.without->points);
     }
+    ready.judgement.limit = ready.request.limit;
+    ready.judgement.thresholds = wanted.thresholds;
+    ready.judgement.hasCurves = !wanted.levels.isEmpty();
     ready.context.limit = ready.request.limit;
     ready.context.thresholds = wanted.thresholds;
     if (ready.request.theory) {
         addTheory(ready.context, setup, ready.plan, ready.request, arguments.value("theory"), stop);
     }
-    ready.hasCurves = !wanted.levels.isEmpty();
     return ready;
 }
 
@@ -149,19 +150,6 @@ NprResult resultOf(const PreparedMeasuring& ready, const QVector<NprPoint>& poin
     result.bench = bench;
     result.signal.seeds = seeds;
     result.points = points;
-    for (NprPoint& point : result.points) {
-        if (!result.signal.noiseLike) {
-            point.addMark(PointMark::notNoiseLike);
-        }
-    }
-    if (ready.without) {
-        subtractBench(*ready.without, result.points);
-    }
-    if (ready.request.limit) {
-        applyLimit(result.points, *ready.request.limit);
-    }
-    if (ready.hasCurves) {
-        result.curves = curvesOf(result.points, ready.context.thresholds);
-    }
+    conclude(result, ready.judgement);
     return result;
 }

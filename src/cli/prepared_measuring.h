@@ -3,7 +3,7 @@
 #pragma once
 
 #include "campaign/bench.h"
-#include "campaign/subtraction.h"
+#include "campaign/conclusion.h"
 #include "cli/console.h"
 #include "cli/measuring_request.h"
 #include "cli/result_chart.h"
@@ -11,27 +11,19 @@
 
 #include <memory>
 
-// levels: none for the present one. thresholds: of the curves; none are drawn up without levels.
-struct Measuring
-{
-    QVector<double> levels;
-    QVector<double> thresholds;
-};
-
 struct PreparedMeasuring
 {
     MeasuringRequest request;
     NprResult result; // without points
     CampaignPlan plan;
     std::shared_ptr<Bench> bench;
-    std::optional<BenchPoints> without; // the device, of the request
+    Judgement judgement;
     ResultContext context;
-    bool hasCurves = false;
 };
 
 // Reads CONFIG and makes the signal and its theory, which takes a while; asks stop between the
 // steps. Warnings go to the console. Any thread. Throws Failure.
-PreparedMeasuring prepareMeasuring(const Arguments& arguments, const Measuring& wanted,
+PreparedMeasuring prepareMeasuring(const Arguments& arguments, const CurveRequest& wanted,
                                    Console& console, const StopCheck& stop = endAtSignal);
 
 // What so many points are worth: marks, subtraction, limit, curves. Any thread.

@@ -1,4 +1,4 @@
-#include "cli/serve_command.h"
+#include "cli/commands.h"
 
 #include "cli/made_signal.h"
 #include "cli/setup_arguments.h"

@@ -1,4 +1,4 @@
-#include "cli/signal_command.h"
+#include "cli/commands.h"
 
 #include "cli/made_signal.h"
 #include "cli/nearest_name.h"

@@ -1,4 +1,4 @@
-#include "cli/trim_command.h"
+#include "cli/commands.h"
 
 #include "cli/made_signal.h"
 #include "cli/new_result.h"

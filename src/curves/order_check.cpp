@@ -2,8 +2,7 @@
 
 #include "campaign/instrument_bench.h"
 #include "campaign/recorded_config.h"
-#include "cli/arguments.h"
-#include "cli/curve_command.h"
+#include "cli/commands.h"
 #include "cli/exit_status.h"
 #include "cli/new_result.h"
 #include "cli/setup_arguments.h"
@@ -12,7 +11,6 @@
 #include <QFile>
 
 #include <algorithm>
-#include <cmath>
 #include <cstdlib>
 
 namespace {
@@ -95,7 +93,7 @@ QString carrierNotice(const MeasurementSetup& setup, const CampaignPlan& plan)
 
 void estimate(const Arguments& arguments, HeardConsole& console, OrderCheck& check)
 {
-    const Measuring wanted = curveOf(arguments);
+    const CurveRequest wanted = curveRequestOf(arguments);
     const MeasuringRequest request = requestOf(arguments);
     const MeasurementSetup setup = readSetup(arguments, console.itself());
     requireMeasurable(setup);
@@ -151,7 +149,8 @@ ReadyOrder prepareOrder(const QStringList& words, const std::function<bool()>& i
     try {
         const Arguments arguments = argumentsOf(words);
         refuseStandardInput(arguments);
-        ready.measuring = prepareMeasuring(arguments, curveOf(arguments), console.itself(), stop);
+        ready.measuring =
+            prepareMeasuring(arguments, curveRequestOf(arguments), console.itself(), stop);
         ready.measuring.result.program.replace("notchbench-cli", "notchbench-curves");
         ready.holders = holdersOf(ready.measuring);
         ready.failure.clear();
@@ -160,18 +159,4 @@ ReadyOrder prepareOrder(const QStringList& words, const std::function<bool()>& i
     }
     ready.warnings = console.lines();
     return ready;
-}
-
-QString durationText(double seconds)
-{
-    const auto whole = static_cast<qint64>(std::ceil(seconds));
-    const auto parted = [](qint64 all, const char* unit) {
-        return QStringLiteral("about %1:%2 %3")
-            .arg(all / 60)
-            .arg(all % 60, 2, 10, QLatin1Char('0'))
-            .arg(QLatin1String(unit));
-    };
-    return whole < 60     ? QStringLiteral("about %1 s").arg(whole)
-           : whole < 3600 ? parted(whole, "min")
-                          : parted((whole + 30) / 60, "h"); // in minutes
 }

@@ -30,6 +30,3 @@ struct ReadyOrder
 // Makes the signal. isStopped is asked between the steps, here.
 ReadyOrder prepareOrder(
     const QStringList& words, const std::function<bool()>& isStopped = [] { return false; });
-
-// "about 20 s", "about 1:10 min", "about 2:05 h"
-QString durationText(double seconds);

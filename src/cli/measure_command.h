@@ -1,6 +1,0 @@
-// "measure": NPR in all notches at the present level.
-#pragma once
-
-#include "cli/command.h"
-
-Command measureCommand();

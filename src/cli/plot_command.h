@@ -1,6 +1,0 @@
-// "plot": results drawn together.
-#pragma once
-
-#include "cli/command.h"
-
-Command plotCommand();
