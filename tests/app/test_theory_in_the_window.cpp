@@ -32,16 +32,12 @@ const ChannelLines reference{lineAt(3.7), lineAt(3.0)};
 
 double theoryOf(const Gain& gain)
 {
-    const QVector<double> orders = distortionOrders(gain);
-    const LinePowers lines = stimulus();
-    return theoreticalReading(lines, orders[0], distortionLines(lines, orders), reference, notch);
+    return deviceReading(stimulus(), distortionOrders(gain), reference, notch);
 }
 
 double converterTheory(int bits, double loading)
 {
-    const LinePowers lines = stimulus();
-    return theoreticalReading(lines, converterGain(loading),
-                              converterDistortionLines(lines, bits, loading), reference, notch);
+    return converterReading(stimulus(), bits, loading, reference, notch);
 }
 
 // 0.1 dB and three sigmas of a single reading: 3932 lines scatter by 0.07 dB, and none of the cases

@@ -1,6 +1,7 @@
 #include "dut/experiment.h"
 
 #include "dut/plain_distortion.h"
+#include "kit/converter_theory.h"
 #include "transform/transform.h"
 
 #include <algorithm>
@@ -138,25 +139,14 @@ Averaged measureSeed(const Chain& chain, double level, const Stimulus& stimulus,
 
 double theoryOf(const Stimulus& stimulus, const QVector<double>& orders)
 {
-    const LinePowers lines = stimulus.lines();
-    return theoreticalReading(lines, orders[0], distortionLines(lines, orders),
-                              stimulus.referenceChannel(), stimulus.notchChannel());
+    return deviceReading(stimulus.lines(), orders, stimulus.referenceChannel(),
+                         stimulus.notchChannel());
 }
 
 double theoryOf(const Stimulus& stimulus, int bits, double loading)
 {
-    const LinePowers lines = stimulus.lines();
-    return theoreticalReading(lines, converterGain(loading),
-                              converterDistortionLines(lines, bits, loading),
-                              stimulus.referenceChannel(), stimulus.notchChannel());
-}
-
-double scatterOfClipping(const Stimulus& stimulus, int bits, double loading)
-{
-    const double rounding = loading * loading / (3.0 * std::pow(4.0, bits));
-    const double noise = std::pow(10.0, -converterNpr(bits, loading) / 10.0);
-    const double clipped = 2.0 * stimulus.count * std::erfc(loading / std::sqrt(2.0));
-    return 10.0 / std::log(10.0) * (1.0 - rounding / noise) * std::sqrt(6.0 / clipped);
+    return converterReading(stimulus.lines(), bits, loading, stimulus.referenceChannel(),
+                            stimulus.notchChannel());
 }
 
 Averaged measureOverSeeds(const Chain& chain, double level, const Stimulus& stimulus,

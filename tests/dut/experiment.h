@@ -47,16 +47,12 @@ Averaged measureSeed(const Chain& chain, double level, const Stimulus& stimulus,
 double theoryOf(const Stimulus& stimulus, const QVector<double>& orders);
 double theoryOf(const Stimulus& stimulus, int bits, double loading);
 
-// Scatter in dB that moments too rare to be seen add to the reading of one stimulus: the samples
-// that converters clip, whose noise of n of them scatters by the root of 6/n.
-double scatterOfClipping(const Stimulus& stimulus, int bits, double loading);
-
 // How long stimuli are averaged.
 struct Averaging
 {
     double sigma;             // dB, to be reached
     int mostSeeds;            // even if it isn't
-    double rareScatter = 0.0; // of one stimulus, as above
+    double rareScatter = 0.0; // dB, that moments too rare to be seen add to one stimulus's reading
 };
 
 // Drives the chain at level with one stimulus after the other.

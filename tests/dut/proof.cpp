@@ -3,6 +3,7 @@
 #include "dut/experiment.h"
 
 #include "base/parallel.h"
+#include "kit/converter_theory.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -91,7 +92,7 @@ void addConverter(Rows& rows, int bits, double loading)
                     chain,
                     0.0,
                     theoryOf(stimulus, bits, loading),
-                    scatterOfClipping(stimulus, bits, loading),
+                    scatterOfClipping(bits, loading, stimulus.count),
                     {}};
     }
 }

@@ -1,5 +1,6 @@
 // The short form of docs/physics.md: devices against theory, averaged over seeds.
 #include "dut/experiment.h"
+#include "kit/converter_theory.h"
 
 #include <QtTest>
 
@@ -95,7 +96,7 @@ void TestDevicesFollowTheory::convertersReadWhatTheoryTells()
     QFETCH(double, loading);
     QFETCH(double, beta);
     const Stimulus played = stimulus(beta, 0.1, false);
-    const Averaging averaging{averagedSigma, 1000, scatterOfClipping(played, bits, loading)};
+    const Averaging averaging{averagedSigma, 1000, scatterOfClipping(bits, loading, played.count)};
     const Averaged measured = measureOverSeeds(converter(bits, loading), 0.0, played, averaging);
     QVERIFY(measured.sigma <= averagedSigma);
     const double expected = theoryOf(played, bits, loading);

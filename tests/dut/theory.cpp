@@ -1,5 +1,6 @@
 #include "dut/theory.h"
 
+#include "kit/converter_theory.h"
 #include "transform/transform.h"
 
 #include <algorithm>
@@ -8,7 +9,6 @@
 
 namespace {
 
-constexpr double pi = 3.141592653589793;
 constexpr int orderCount = 80;
 constexpr double longestPower = 400.0; // where the last order's function has died away
 constexpr int steps = 40000;
@@ -19,20 +19,21 @@ double ratio(double decibels)
     return std::pow(10.0, decibels / 10.0);
 }
 
-double upperTail(double x)
-{
-    return 0.5 * std::erfc(x / std::sqrt(2.0));
-}
-
-double density(double x)
-{
-    return std::exp(-0.5 * x * x) / std::sqrt(2.0 * pi);
-}
-
 double sumOf(const LinePowers& lines, ChannelLines channel)
 {
     const auto first = lines.begin() + lines.size() / 2 + channel.first;
     return std::accumulate(first, first + channel.count, 0.0);
+}
+
+// Density of signal (gain times the stimulus) and distortion in the one channel over that in the
+// other, dB.
+double theoreticalReading(const LinePowers& stimulus, double gain, const LinePowers& distortion,
+                          ChannelLines reference, ChannelLines notch)
+{
+    const auto densityIn = [&](ChannelLines channel) {
+        return (gain * sumOf(stimulus, channel) + sumOf(distortion, channel)) / channel.count;
+    };
+    return 10.0 * std::log10(densityIn(reference) / densityIn(notch));
 }
 
 // A line's power in transform order, on a grid of so many lines.
@@ -79,7 +80,7 @@ QVector<double> clippingOrders(double loading)
     const double step = widest / steps;
     for (int k = 0; k < steps; ++k) { // both signs at once: the function is odd
         const double x = (k + 0.5) * step;
-        const double y = 2.0 * std::min(x, loading) * density(x) * step;
+        const double y = 2.0 * std::min(x, loading) * normalDensity(x) * step;
         total += y * std::min(x, loading);
         double before = 1.0;
         double polynomial = x;
@@ -189,7 +190,7 @@ LinePowers converterDistortionLines(const LinePowers& stimulus, int bits, double
         return std::complex<double>(power(r.real()), power(r.imag()));
     };
     LinePowers lines = linesOf(stimulus, stimulus.size(), distorted);
-    const double rounding = loading * loading / (3.0 * std::pow(4.0, bits)) *
+    const double rounding = converterNoise(bits, loading).rounding *
                             std::accumulate(stimulus.begin(), stimulus.end(), 0.0);
     for (double& line : lines) {
         line += rounding / lines.size();
@@ -202,29 +203,27 @@ double converterGain(double loading)
     return clippingOrders(loading)[0];
 }
 
-double theoreticalReading(const LinePowers& stimulus, double gain, const LinePowers& distortion,
-                          ChannelLines reference, ChannelLines notch)
+double deviceReading(const LinePowers& stimulus, const QVector<double>& orders,
+                     ChannelLines reference, ChannelLines notch)
 {
-    const auto densityIn = [&](ChannelLines channel) {
-        return (gain * sumOf(stimulus, channel) + sumOf(distortion, channel)) / channel.count;
-    };
-    return 10.0 * std::log10(densityIn(reference) / densityIn(notch));
+    return theoreticalReading(stimulus, orders[0], distortionLines(stimulus, orders), reference,
+                              notch);
 }
 
-double converterNpr(int bits, double loading)
+double converterReading(const LinePowers& stimulus, int bits, double loading,
+                        ChannelLines reference, ChannelLines notch)
 {
-    const double k = loading;
-    const double rounding = k * k / (3.0 * std::pow(4.0, bits));
-    const double clipping = 2.0 * ((1.0 + k * k) * upperTail(k) - k * density(k));
-    return -10.0 * std::log10(rounding + clipping);
+    return theoreticalReading(stimulus, converterGain(loading),
+                              converterDistortionLines(stimulus, bits, loading), reference, notch);
 }
 
 double bestLoading(int bits)
 {
+    const auto npr = [bits](double loading) { return converterNoise(bits, loading).npr(); };
     double best = 1.0;
     for (int hundredths = 100; hundredths < 800; ++hundredths) {
         const double k = hundredths / 100.0;
-        best = converterNpr(bits, k) > converterNpr(bits, best) ? k : best;
+        best = npr(k) > npr(best) ? k : best;
     }
     return best;
 }

@@ -44,15 +44,12 @@ LinePowers converterDistortionLines(const LinePowers& stimulus, int bits, double
 // Share of the stimulus's power that clipped converters let through.
 double converterGain(double loading);
 
-// What an analyzer reads, reference over notch channel in dB: density of signal (gain times the
-// stimulus) and distortion in the one over that in the other.
-double theoreticalReading(const LinePowers& stimulus, double gain, const LinePowers& distortion,
-                          ChannelLines reference, ChannelLines notch);
+// What an analyzer reads, reference over notch channel in dB, behind a device of these orders and
+// behind converters.
+double deviceReading(const LinePowers& stimulus, const QVector<double>& orders,
+                     ChannelLines reference, ChannelLines notch);
+double converterReading(const LinePowers& stimulus, int bits, double loading,
+                        ChannelLines reference, ChannelLines notch);
 
-// Noise power ratio in dB of a pair of converters whose full scale is loading times the rms of a
-// component, for noise that fills the whole rate. (Gray and Zeoli, "Quantization and saturation
-// noise due to analog-to-digital conversion", IEEE Trans. Aerospace, January 1971.)
-double converterNpr(int bits, double loading);
-
-// The loading of the highest ratio.
+// The loading of the highest ratio of such converters in closed form.
 double bestLoading(int bits);

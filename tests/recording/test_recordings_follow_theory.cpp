@@ -1,4 +1,5 @@
 // Recordings of devices that are calculated here, against closed forms.
+#include "kit/converter_theory.h"
 #include "recording/made_recording.h"
 
 #include <QtTest>
@@ -14,15 +15,6 @@ MadeSignal fullBand()
     return {
         length, rate, -length / 2, length / 2 - 1, {{-20000, -19345}, {3000, 3655}, {20000, 20655}},
         0.0};
-}
-
-// Noise through two ideal converters, in dB. Phi and Q are those of the normal distribution.
-double converterNpr(int bits, double k)
-{
-    const double q = 0.5 * std::erfc(k / std::sqrt(2.0));
-    const double phi = std::exp(-0.5 * k * k) / std::sqrt(twoPi);
-    const double rounding = k * k / (3.0 * std::pow(4.0, bits));
-    return -10.0 * std::log10(rounding + 2.0 * ((1.0 + k * k) * q - k * phi));
 }
 
 RecordingRequest requestFor(const MadeSignal& signal)
@@ -109,12 +101,13 @@ void TestRecordingsFollowTheory::convertersReadWhatTheirBitsAndLoadingAllow()
     // Three notches of 655 lines scatter by 0.1 dB. The energies of n clipped samples are spread
     // like squares of exponentials, relative variance 6/n: 1400 samples 0.28 dB, 490 samples 0.48
     // dB.
-    QVERIFY2(std::abs(meanNpr(analyses) - converterNpr(bits, loading)) < (seeds > 4   ? 1.2
-                                                                          : seeds > 1 ? 0.9
+    QVERIFY2(std::abs(meanNpr(analyses) - converterNoise(bits, loading).npr()) < (seeds > 4 ? 1.2
+                                                                                  : seeds > 1
+                                                                                      ? 0.9
                                                                                       : 0.5),
              qPrintable(QString("%1 dB, theory %2 dB")
                             .arg(meanNpr(analyses))
-                            .arg(converterNpr(bits, loading))));
+                            .arg(converterNoise(bits, loading).npr())));
 }
 
 // y = x - a x |x|^2: (1 - 2a)^2 / (2 a^2 (3/4 - (f/B)^2)). Each percent of the band in a notch of
@@ -173,7 +166,7 @@ void TestRecordingsFollowTheory::noiseReadsAtItsDensity()
         // What is left is the converter: k = 4 at 8 bits.
         const double distortion =
             10.0 * std::log10((reading.beside - reading.within) / *reading.distortion);
-        QVERIFY2(std::abs(distortion - converterNpr(8, 4.0)) < 0.7,
+        QVERIFY2(std::abs(distortion - converterNoise(8, 4.0).npr()) < 0.7,
                  qPrintable(QString::number(distortion)));
     }
 }
