@@ -3,6 +3,7 @@
 #include "campaign/campaign.h"
 #include "campaign/instrument_bench.h"
 #include "campaign/simulated_bench.h"
+#include "kit/device_chains.h"
 #include "kit/simulator_process.h"
 #include "setup/notch_editing.h"
 #include "status/status_server.h"
@@ -81,12 +82,9 @@ void TestCampaignOverSockets::bothBenchesAgree()
     QVERIFY2(overSockets.warning.isEmpty(), qPrintable(overSockets.warning));
     QVERIFY(simulator.refusals().isEmpty());
 
-    Chain chain;
-    chain.device.name = "rapp";
-    chain.device.saturationPower = 0.0;
     CampaignPlan plan = planOf(setup);
     plan.averages = 1;
-    SimulatedBench bench(setup.forOtherThread(), chain, "rapp");
+    SimulatedBench bench(setup.forOtherThread(), chainOf("rapp"), "rapp");
     const CampaignOutcome inProcess = runCampaign(plan, bench, Interruption());
     QCOMPARE(overSockets.points.size(), 18);
     QCOMPARE(inProcess.points.size(), 18);

@@ -4,6 +4,7 @@
 #include "campaign/campaign.h"
 #include "campaign/npr_curve.h"
 #include "campaign/simulated_bench.h"
+#include "kit/device_chains.h"
 #include "kit/instrumented.h"
 #include "setup/notch_editing.h"
 
@@ -51,18 +52,10 @@ CampaignOutcome measured(const MeasurementSetup& setup, const Chain& chain,
     return runCampaign(plan, bench, Interruption());
 }
 
-Chain deviceChain(const char* name)
+// Its full scale is a carrier of 0 dBm.
+Chain converterChain(int bits)
 {
-    Chain chain;
-    chain.device.name = QLatin1String(name);
-    chain.device.saturationPower = 0.0;
-    chain.device.thirdOrderIntercept = 20.0;
-    return chain;
-}
-
-Chain converter(int bits)
-{
-    Chain chain = deviceChain("adc");
+    Chain chain = chainOf("adc");
     chain.device.bits = bits;
     chain.device.fullScale = 0.0;
     return chain;
@@ -126,8 +119,7 @@ void TestSimulatedBench::aLinearDeviceReadsTheDepthOfTheNotch()
     for (Notch& notch : setup.notches->items) {
         notch.depth = -40.0;
     }
-    const CampaignOutcome outcome =
-        measured(setup, deviceChain("linear"), planOf(setup, {-20.0, 3.0}));
+    const CampaignOutcome outcome = measured(setup, chainOf("linear"), planOf(setup, {-20.0, 3.0}));
     QCOMPARE(outcome.ending, CampaignOutcome::Ending::Done);
     QCOMPARE(outcome.points.size(), 18);
     for (const NprPoint& point : outcome.points) {
@@ -162,7 +154,7 @@ void TestSimulatedBench::aConverterHasItsPeakAndRange()
     const MeasurementSetup setup = oneNotch();
     const QVector<double> levels = levelSteps(-36.0, -5.0, 1.0);
     const CampaignOutcome outcome =
-        measured(setup, converter(bits), planOf(setup, levels, averages));
+        measured(setup, converterChain(bits), planOf(setup, levels, averages));
     const NprCurve curve = curvesOf(outcome.points, {41.0}).constFirst();
     QVERIFY2(std::abs(*curve.peakNpr - npr) < 0.5, qPrintable(QString::number(*curve.peakNpr)));
     QVERIFY2(std::abs(*curve.peakLevel - level) < 0.7,
@@ -179,7 +171,7 @@ void TestSimulatedBench::fourteenBitsHaveTheirRange()
 {
     const MeasurementSetup setup = oneNotch(7);
     const CampaignPlan plan = planOf(setup, levelSteps(-46.0, -5.0, 1.0), 4);
-    const CampaignOutcome outcome = measured(setup, converter(14), plan);
+    const CampaignOutcome outcome = measured(setup, converterChain(14), plan);
     const NprCurve curve = curvesOf(outcome.points, {41.0}).constFirst();
     QVERIFY2(std::abs(*curve.ranges[0].range() - 37.39) < 0.6,
              qPrintable(QString::number(*curve.ranges[0].range())));
@@ -221,7 +213,7 @@ void TestSimulatedBench::readingsNearTheBestLoadingTellTheirScatter()
     const MeasurementSetup setup = oneNotch();
     const double level = 3.0103 - 20.0 * std::log10(loading);
     const NprPoint point =
-        measured(setup, converter(bits), planOf(setup, {level}, averages)).points.constFirst();
+        measured(setup, converterChain(bits), planOf(setup, {level}, averages)).points.constFirst();
     const QString text = QString("%1 dB, sigma %2").arg(*point.npr).arg(*point.sigma);
     QVERIFY2(std::abs(*point.npr - npr) < 3.0 * *point.sigma + 0.1, qPrintable(text));
     QVERIFY2(*point.sigma < 6.0, qPrintable(text));
@@ -232,7 +224,7 @@ void TestSimulatedBench::readingsNearTheBestLoadingTellTheirScatter()
 // the band (100 MHz) of N = -40 dBm: 10 (-4 + 4 - 0.477) / 3 = -1.59 dBm and 36.65 dB.
 void TestSimulatedBench::aCubicDeviceWithANoiseFloorPeaksWhereItMust()
 {
-    Chain chain = deviceChain("cubic");
+    Chain chain = chainOf("cubic");
     chain.noiseFloor = -120.0;
     const MeasurementSetup setup = oneNotch();
     const CampaignOutcome outcome =
@@ -248,7 +240,7 @@ void TestSimulatedBench::averagesTakeTheNextSeeds()
 {
     MeasurementSetup setup = oneNotch(9);
     setup.seed = 41;
-    const CampaignOutcome outcome = measured(setup, deviceChain("cubic"), planOf(setup, {0.0}, 3));
+    const CampaignOutcome outcome = measured(setup, chainOf("cubic"), planOf(setup, {0.0}, 3));
     QCOMPARE(outcome.seeds, (QVector<quint32>{41, 42, 43}));
     // Their powers averaged, each measured by itself.
     double reference = 0.0;
@@ -256,7 +248,7 @@ void TestSimulatedBench::averagesTakeTheNextSeeds()
     for (const quint32 seed : {41U, 42U, 43U}) {
         setup.seed = seed;
         const NprPoint point =
-            measured(setup, deviceChain("cubic"), planOf(setup, {0.0})).points.constFirst();
+            measured(setup, chainOf("cubic"), planOf(setup, {0.0})).points.constFirst();
         reference += milliwatts(point.power);
         notch += milliwatts(point.power) / (1.0 + milliwatts(*point.npr));
     }
@@ -268,8 +260,8 @@ void TestSimulatedBench::aPhaseLawWithoutASeedRepeatsItsStimulus()
 {
     MeasurementSetup setup = oneNotch(9);
     setup.phaseMode = PhaseLaw::Parabolic;
-    const CampaignOutcome once = measured(setup, deviceChain("rapp"), planOf(setup, {-6.0}));
-    const CampaignOutcome often = measured(setup, deviceChain("rapp"), planOf(setup, {-6.0}, 5));
+    const CampaignOutcome once = measured(setup, chainOf("rapp"), planOf(setup, {-6.0}));
+    const CampaignOutcome often = measured(setup, chainOf("rapp"), planOf(setup, {-6.0}, 5));
     QVERIFY(often.seeds.isEmpty());
     QVERIFY(std::abs(*often.points[0].npr - *once.points[0].npr) < 1e-12);
     QVERIFY(std::abs(*often.points[0].sigma - *once.points[0].sigma) < 1e-12);
@@ -282,10 +274,10 @@ void TestSimulatedBench::sigmaIsWhatScatters_data()
     QTest::addColumn<double>("factor");
     QTest::addColumn<bool>("fewPeaks");
     QTest::addColumn<int>("lengthIndex");
-    static Chain cubic = deviceChain("cubic");
-    static Chain rapp = deviceChain("rapp");
-    static Chain adc = converter(10);
-    static Chain soft = deviceChain("soft");
+    static Chain cubic = chainOf("cubic");
+    static Chain rapp = chainOf("rapp");
+    static Chain adc = converterChain(10);
+    static Chain soft = chainOf("soft");
     QTest::newRow("cubic 20 dB") << &cubic << 0.0 << 1.15 << false << 7;
     QTest::newRow("Rapp 6 dB") << &rapp << -6.0 << 1.15 << false << 7;
     QTest::newRow("rounding flank") << &adc << -25.0 << 1.15 << false << 7;
@@ -293,7 +285,7 @@ void TestSimulatedBench::sigmaIsWhatScatters_data()
     // Rare peaks take a long signal.
     QTest::newRow("soft limiter 10 dB") << &soft << -10.0 << 2.0 << true << 5;
     // k = 4.22: 1.6 clipped samples a stimulus; k = 4.73: one in six stimuli.
-    static Chain twelve = converter(12);
+    static Chain twelve = converterChain(12);
     QTest::newRow("a clip or two") << &twelve << -9.5 << 2.0 << true << 7;
     QTest::newRow("hardly a clip") << &twelve << -10.5 << 2.0 << true << 7;
 }
@@ -320,9 +312,9 @@ void TestSimulatedBench::theCoresChangeNoBit()
 {
     const MeasurementSetup setup = nineNotches();
     const CampaignPlan plan = planOf(setup, levelSteps(-12.0, 0.0, 2.0), 2);
-    const CampaignOutcome many = measured(setup, deviceChain("rapp"), plan);
+    const CampaignOutcome many = measured(setup, chainOf("rapp"), plan);
     const WorkAlone alone;
-    const CampaignOutcome one = measured(setup, deviceChain("rapp"), plan);
+    const CampaignOutcome one = measured(setup, chainOf("rapp"), plan);
     QCOMPARE(many.points.size(), 7 * 9);
     QCOMPARE(one.points.size(), many.points.size());
     for (int k = 0; k < one.points.size(); ++k) {
@@ -336,10 +328,10 @@ void TestSimulatedBench::aReadingDoesNotDependOnItsNeighbours()
 {
     const MeasurementSetup setup = nineNotches(9);
     const CampaignOutcome curve =
-        measured(setup, deviceChain("soft"), planOf(setup, levelSteps(-12.0, 0.0, 1.0)));
+        measured(setup, chainOf("soft"), planOf(setup, levelSteps(-12.0, 0.0, 1.0)));
     CampaignPlan plan = planOf(setup, {-5.0});
     plan.notches = {plan.notches[6]};
-    const CampaignOutcome single = measured(setup, deviceChain("soft"), plan);
+    const CampaignOutcome single = measured(setup, chainOf("soft"), plan);
     QCOMPARE(single.points.size(), 1);
     QCOMPARE(single.points[0].notch, 7);
     QVERIFY(*single.points[0].npr == *curve.points[7 * 9 + 6].npr);
@@ -349,13 +341,12 @@ void TestSimulatedBench::aSignalThatIsThereIsNotCalculatedAgain()
 {
     MeasurementSetup setup = oneNotch(9);
     setup.calculateSignal();
-    const CampaignOutcome expected =
-        measured(oneNotch(9), deviceChain("cubic"), planOf(setup, {0.0}));
-    const CampaignOutcome found = measured(setup, deviceChain("cubic"), planOf(setup, {0.0}));
+    const CampaignOutcome expected = measured(oneNotch(9), chainOf("cubic"), planOf(setup, {0.0}));
+    const CampaignOutcome found = measured(setup, chainOf("cubic"), planOf(setup, {0.0}));
     QVERIFY(*found.points[0].npr == *expected.points[0].npr);
     // Another one in its place is what is played then.
     setup.signal = SignalData(setup.fftLength());
-    const CampaignOutcome silent = measured(setup, deviceChain("cubic"), planOf(setup, {0.0}));
+    const CampaignOutcome silent = measured(setup, chainOf("cubic"), planOf(setup, {0.0}));
     QVERIFY(!silent.points[0].npr);
 }
 
@@ -363,7 +354,7 @@ void TestSimulatedBench::aSignalOfOddLengthIsRefused()
 {
     MeasurementSetup setup = oneNotch(9);
     setup.signal = SignalData(1000);
-    SimulatedBench bench(setup.forOtherThread(), deviceChain("rapp"), QString());
+    SimulatedBench bench(setup.forOtherThread(), chainOf("rapp"), QString());
     const CampaignOutcome outcome = runCampaign(planOf(setup, {0.0}), bench, Interruption());
     QCOMPARE(outcome.ending, CampaignOutcome::Ending::Failed);
     QVERIFY(outcome.failure.contains("1000"));

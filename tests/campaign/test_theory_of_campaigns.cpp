@@ -7,6 +7,7 @@
 #include "campaign/theory_orders.h"
 #include "dut/experiment.h"
 #include "dut/theory.h"
+#include "kit/device_chains.h"
 #include "setup/notch_editing.h"
 
 #include <QtTest>
@@ -68,7 +69,7 @@ void TestTheoryOfCampaigns::notchesOfAllWidthsReadWhatTheyMust_data()
     QTest::addColumn<double>("npr");
     const auto row = [](const char* name, const char* device, double width, double backOff,
                         double npr) {
-        QTest::newRow(name) << chainOf(device) << width << backOff << npr;
+        QTest::newRow(name) << chainOf(device, {0.0, 0.0}) << width << backOff << npr;
     };
     row("cubic, 1 %", "cubic", 1e6, 20.0, 38.15);
     row("cubic, 5 %", "cubic", 5e6, 20.0, 38.53);
@@ -106,7 +107,7 @@ void TestTheoryOfCampaigns::ordersAreThoseOfThePlainIntegrals()
 {
     QFETCH(QString, device);
     QFETCH(QVector<double>, expected);
-    const DeviceSettings settings = chainOf(device.toLatin1()).device;
+    const DeviceSettings settings = deviceOf(device, {0.0, 0.0});
     const QVector<double> found = memorylessOrders(gainOf(settings), settings, milliwatts(-4.0));
     QCOMPARE(found.size(), expected.size());
     for (int m = 0; m < found.size(); ++m) {
@@ -162,8 +163,7 @@ void TestTheoryOfCampaigns::convertersHaveTheirTable()
 void TestTheoryOfCampaigns::noiseAndSourceFillTheNotch()
 {
     const MeasurementSetup setup = setupWith(1e6);
-    Chain chain = chainOf("cubic");
-    chain.device.thirdOrderIntercept = 80.0;
+    Chain chain = chainOf("cubic", {0.0, 80.0});
     chain.noiseFloor = -123.0102999566;
     chain.deviceNoise = -123.0102999566;
     const double withNoise = theoryOfFirst(setup, chain, 0.0);
@@ -179,8 +179,7 @@ void TestTheoryOfCampaigns::campaignsFollowTheory_data()
 {
     QTest::addColumn<Chain>("chain");
     for (const char* name : {"rapp", "soft", "saleh", "cubic", "adc"}) {
-        Chain chain = chainOf(name);
-        chain.device.thirdOrderIntercept = 15.0;
+        Chain chain = chainOf(name, {0.0, 15.0});
         chain.device.bits = 8;
         chain.device.fullScale = 6.0;
         chain.ripple = {2.0, 30e6};

@@ -1,7 +1,6 @@
 #include "dut/experiment.h"
 
 #include "dut/plain_distortion.h"
-#include "kit/converter_theory.h"
 #include "transform/transform.h"
 
 #include <algorithm>
@@ -72,15 +71,6 @@ void measureOnce(const Chain& chain, double level, const Stimulus& stimulus, uns
 }
 
 } // namespace
-
-Chain chainOf(const char* device)
-{
-    Chain chain;
-    chain.device.name = QLatin1String(device);
-    chain.device.saturationPower = 0.0;
-    chain.device.thirdOrderIntercept = 0.0;
-    return chain;
-}
 
 LinePowers Stimulus::lines() const
 {

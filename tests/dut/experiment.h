@@ -24,9 +24,6 @@ struct Stimulus
     ChannelLines referenceChannel() const;
 };
 
-// Nothing but a device, which saturates and intercepts at 0 dBm.
-Chain chainOf(const char* device);
-
 Q_DECLARE_METATYPE(Chain)
 Q_DECLARE_METATYPE(Stimulus)
 

@@ -4,6 +4,7 @@
 
 #include "base/parallel.h"
 #include "kit/converter_theory.h"
+#include "kit/device_chains.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -77,19 +78,17 @@ void addMemorylessDevices(Rows& rows)
         addMemoryless(rows, QStringLiteral("Saleh"), chainOf("saleh"), backOff, salehGain(backOff));
     }
     for (const double backOff : {10.0, 20.0, 30.0}) {
-        addMemoryless(rows, QStringLiteral("cubic"), chainOf("cubic"), backOff, cubicGain(backOff));
+        addMemoryless(rows, QStringLiteral("cubic"), chainOf("cubic", {0.0, 0.0}), backOff,
+                      cubicGain(backOff));
     }
 }
 
 void addConverter(Rows& rows, int bits, double loading)
 {
-    Chain chain = chainOf("adc");
-    chain.device.bits = bits;
-    chain.device.loadingFactor = loading;
     for (const Stimulus& stimulus : stimuli) {
         rows << Row{QStringLiteral("%1 bits, k = %2").arg(bits).arg(loading, 0, 'f', 2),
                     stimulus,
-                    chain,
+                    chainOf(converterOf(bits, loading)),
                     0.0,
                     theoryOf(stimulus, bits, loading),
                     scatterOfClipping(bits, loading, stimulus.count),

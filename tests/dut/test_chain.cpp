@@ -1,17 +1,11 @@
 // From a signal and a level to the powers behind a device: level, source, oversampling, noise.
 #include "dut/chain.h"
 #include "dut/multitone.h"
+#include "kit/device_chains.h"
 
 #include <QtTest>
 
 namespace {
-
-Chain chainWith(const char* device)
-{
-    Chain chain;
-    chain.device.name = QLatin1String(device);
-    return chain;
-}
 
 ChainOutput outputOf(const Chain& chain, const Envelope& signal, double level)
 {
@@ -67,14 +61,14 @@ void TestChain::theLevelIsTheMeanPowerAtTheDevice()
 {
     const Envelope noise = noiseWithNotch(4096, {900, 1099}, -60.0);
     for (const char* device : {"linear", "rapp", "adc"}) {
-        const Envelope input = deviceInput(chainWith(device), noise, -12.5);
+        const Envelope input = deviceInput(chainOf(device), noise, -12.5);
         QVERIFY(isClose(dbm(meanPower(input)), -12.5));
     }
 }
 
 void TestChain::aSignalWithoutPowerIsNone()
 {
-    const Chain chain = chainWith("rapp");
+    const Chain chain = chainOf("rapp");
     QCOMPARE(deviceInput(chain, silence(64), 0.0).size(), 0);
     QCOMPARE(deviceInput(chain, Envelope(), 0.0).size(), 0);
     Envelope broken = tone(64, 1);
@@ -86,8 +80,7 @@ void TestChain::aSignalWithoutPowerIsNone()
 // Lines at 20 and 30 of a rate of 64 make one at 40, which would fold back to -24.
 void TestChain::distortionBeyondTheRateDoesNotFoldBack()
 {
-    Chain chain = chainWith("cubic");
-    chain.device.thirdOrderIntercept = 20.0;
+    const Chain chain = chainOf("cubic", {10.0, 20.0});
     // Each line has -10 dBm, so intermodulation stands 60 dB below it.
     const ChainOutput output = outputOf(chain, twoTones(64, 20, 30), -10.0 + 3.010299957);
     QVERIFY(isClose(dbm(output.channelPower(39.5, 40.5)), -70.0));
@@ -97,16 +90,16 @@ void TestChain::distortionBeyondTheRateDoesNotFoldBack()
 
 void TestChain::aConverterSeesTheSamplesThemselves()
 {
-    const Chain chain = chainWith("adc");
+    const Chain chain = chainOf("adc");
     const Envelope input = deviceInput(chain, tone(64, 3), 0.0);
     QCOMPARE(input.size(), 64);
     QCOMPARE(input.sampleRate, 64.0);
-    QCOMPARE(deviceInput(chainWith("saleh"), tone(64, 3), 0.0).size(), 256);
+    QCOMPARE(deviceInput(chainOf("saleh"), tone(64, 3), 0.0).size(), 256);
 }
 
 void TestChain::veryLongSignalsAreInterpolatedLess()
 {
-    const Chain chain = chainWith("soft");
+    const Chain chain = chainOf("soft");
     QCOMPARE(deviceInput(chain, silence(1 << 23), 0.0).size(), 0);
     Envelope step = silence(1 << 23);
     step.iSamples[0] = 1.0;
@@ -118,7 +111,7 @@ void TestChain::veryLongSignalsAreInterpolatedLess()
 void TestChain::aLoneCarrierPassesEveryDevice()
 {
     for (const QString& name : QStringList{"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
-        Chain chain = chainWith(qPrintable(name));
+        Chain chain = chainOf(name, {10.0, 20.0});
         chain.device.bits = 24;
         const ChainOutput output = outputOf(chain, {{1.0}, {0.0}, 1.0}, -60.0);
         const double gain = name == "saleh" ? 20.0 * std::log10(2.1587) : 0.0;
@@ -131,7 +124,7 @@ void TestChain::aLoneCarrierPassesEveryDevice()
 // power but for the share of the notch.
 void TestChain::aSourceFillsNotchesToItsDepth()
 {
-    Chain chain = chainWith("linear");
+    Chain chain = chainOf("linear");
     chain.sourceNotch = 45.0;
     const ChainOutput output = outputOf(chain, noiseWithNotch(4096, {900, 1099}, -200.0), 0.0);
     const double notch = output.channelPower(924.5, 1074.5);
@@ -141,7 +134,7 @@ void TestChain::aSourceFillsNotchesToItsDepth()
 
 void TestChain::aSourceLeavesTheSignalItsLevel()
 {
-    Chain chain = chainWith("linear");
+    Chain chain = chainOf("linear");
     chain.sourceNotch = 10.0;
     const ChainOutput output = outputOf(chain, tone(1024, 100), -7.0);
     QVERIFY(isClose(dbm(output.channelPower(-600, 600)), -7.0));
@@ -152,7 +145,7 @@ void TestChain::aSourceLeavesTheSignalItsLevel()
 // - 1.5 dB at half of it.
 void TestChain::rippleHasItsHeightAndPeriod()
 {
-    Chain chain = chainWith("linear");
+    Chain chain = chainOf("linear");
     chain.ripple = {3.0, 32.0};
     const struct
     {
@@ -170,7 +163,7 @@ void TestChain::rippleHasItsHeightAndPeriod()
 // -150 and -153.0103 dBm/Hz in 1 kHz: -120 dBm and half as much again.
 void TestChain::noiseOfDeviceAndAnalyzerAdds()
 {
-    Chain chain = chainWith("linear");
+    Chain chain = chainOf("linear");
     chain.noiseFloor = -150.0;
     QVERIFY(isClose(dbm(ChainOutput(chain, {}).channelPower(0.0, 1000.0)), -120.0));
     chain.deviceNoise = -153.0103;
@@ -179,7 +172,7 @@ void TestChain::noiseOfDeviceAndAnalyzerAdds()
 
 void TestChain::anEmptyChannelHoldsNoNoise()
 {
-    Chain chain = chainWith("linear");
+    Chain chain = chainOf("linear");
     chain.noiseFloor = -100.0;
     QCOMPARE(ChainOutput(chain, {}).channelPower(5.0, 5.0), 0.0);
     QCOMPARE(ChainOutput(chain, {}).channelPower(5.0, 4.0), 0.0);
@@ -187,7 +180,7 @@ void TestChain::anEmptyChannelHoldsNoNoise()
 
 void TestChain::theSameSignalGivesTheSameBytes()
 {
-    Chain chain = chainWith("saleh");
+    Chain chain = chainOf("saleh", {10.0, 20.0});
     chain.sourceNotch = 40.0;
     chain.ripple = {1.0, 500.0};
     const Envelope noise = noiseWithNotch(65536, {900, 1099}, -60.0);
@@ -200,7 +193,7 @@ void TestChain::theSameSignalGivesTheSameBytes()
 
 void TestChain::compressionCutsPeaksOnly()
 {
-    const Chain chain = chainWith("linear");
+    const Chain chain = chainOf("linear");
     Envelope samples = deviceInput(chain, twoTones(64, 2, 5), 0.0); // peaks of 3.01 dBm
     const Envelope before = samples;
     QVERIFY(!compressAbove(3.02, chain, samples));

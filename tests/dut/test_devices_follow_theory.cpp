@@ -1,6 +1,7 @@
 // The short form of docs/physics.md: devices against theory, averaged over seeds.
 #include "dut/experiment.h"
 #include "kit/converter_theory.h"
+#include "kit/device_chains.h"
 
 #include <QtTest>
 
@@ -15,14 +16,6 @@ Chain rapp(double smoothness)
 {
     Chain chain = chainOf("rapp");
     chain.device.smoothness = smoothness;
-    return chain;
-}
-
-Chain converter(int bits, double loading)
-{
-    Chain chain = chainOf("adc");
-    chain.device.bits = bits;
-    chain.device.loadingFactor = loading;
     return chain;
 }
 
@@ -60,8 +53,9 @@ void TestDevicesFollowTheory::memorylessDevicesReadWhatTheoryTells_data()
     add("soft limiter, 4 dB", chainOf("soft"), 4, softLimiterGain(4), stimulus(1.0, 0.1, false));
     add("Saleh, 3 dB", chainOf("saleh"), 3, salehGain(3), stimulus(0.8, 0.1, true));
     add("Saleh, 10 dB", chainOf("saleh"), 10, salehGain(10), stimulus(1.0, 0.1, false));
-    add("cubic, 10 dB", chainOf("cubic"), 10, cubicGain(10), stimulus(1.0, 0.1, true));
-    add("cubic, 20 dB", chainOf("cubic"), 20, cubicGain(20), stimulus(0.8, 0.05, false));
+    add("cubic, 10 dB", chainOf("cubic", {0.0, 0.0}), 10, cubicGain(10), stimulus(1.0, 0.1, true));
+    add("cubic, 20 dB", chainOf("cubic", {0.0, 0.0}), 20, cubicGain(20),
+        stimulus(0.8, 0.05, false));
 }
 
 void TestDevicesFollowTheory::memorylessDevicesReadWhatTheoryTells()
@@ -97,7 +91,8 @@ void TestDevicesFollowTheory::convertersReadWhatTheoryTells()
     QFETCH(double, beta);
     const Stimulus played = stimulus(beta, 0.1, false);
     const Averaging averaging{averagedSigma, 1000, scatterOfClipping(bits, loading, played.count)};
-    const Averaged measured = measureOverSeeds(converter(bits, loading), 0.0, played, averaging);
+    const Averaged measured =
+        measureOverSeeds(chainOf(converterOf(bits, loading)), 0.0, played, averaging);
     QVERIFY(measured.sigma <= averagedSigma);
     const double expected = theoryOf(played, bits, loading);
     QVERIFY2(std::abs(measured.reading - expected) < tolerance,
@@ -130,8 +125,7 @@ void TestDevicesFollowTheory::aSingleReadingScattersAsItSays()
 void TestDevicesFollowTheory::noiseAndDistortionHaveTheirBestLevel()
 {
     const Stimulus played = stimulus(0.8, 0.1, false);
-    Chain chain = chainOf("cubic");
-    chain.device.thirdOrderIntercept = 20.0;
+    Chain chain = chainOf("cubic", {0.0, 20.0});
     chain.deviceNoise = -40.0 - 10.0 * std::log10(0.8 * played.count);
     const double best = (-40.0 + 2.0 * 20.0 - 4.771) / 3.0;
     const auto reading = [&](double level) {

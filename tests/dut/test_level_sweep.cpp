@@ -2,6 +2,7 @@
 #include "dut/level_sweep.h"
 #include "dut/multitone.h"
 #include "dut/plain_distortion.h"
+#include "kit/device_chains.h"
 
 #include <QtTest>
 
@@ -18,12 +19,9 @@ Envelope stimulus()
     return noiseWithNotch(count, {100, 199}, -70.0);
 }
 
-Chain chainOf(const QString& device)
+Chain noisyChainOf(const QString& device)
 {
-    Chain chain;
-    chain.device.name = device;
-    chain.device.saturationPower = 6.0;
-    chain.device.thirdOrderIntercept = 20.0;
+    Chain chain = chainOf(device, {6.0, 20.0});
     chain.noiseFloor = -60.0;
     return chain;
 }
@@ -56,15 +54,15 @@ void TestLevelSweep::channelsHoldWhatAChainPutsThere_data()
     static Chain chains[8];
     int row = 0;
     for (const char* device : {"linear", "rapp", "soft", "saleh", "cubic", "adc"}) {
-        chains[row] = chainOf(device);
+        chains[row] = noisyChainOf(device);
         QTest::newRow(device) << &chains[row];
         ++row;
     }
-    chains[6] = chainOf(QStringLiteral("rapp"));
+    chains[6] = noisyChainOf(QStringLiteral("rapp"));
     chains[6].sourceNotch = 40.0;
     chains[6].ripple = {3.0, 1000.0};
     QTest::newRow("source and ripple") << &chains[6];
-    chains[7] = chainOf(QStringLiteral("adc"));
+    chains[7] = noisyChainOf(QStringLiteral("adc"));
     chains[7].device.fullScale = 3.0;
     QTest::newRow("full scale") << &chains[7];
 }
@@ -100,7 +98,7 @@ void TestLevelSweep::distortionIsThatOfTheWholeSignal()
 {
     QFETCH(QString, device);
     QFETCH(int, stretch);
-    const Chain chain = chainOf(device);
+    const Chain chain = noisyChainOf(device);
     LevelSweep::Scratch scratch;
     const DistortionEnergy found = LevelSweep(chain, stimulus(), {}).at(3.0, scratch).distortion;
     const Envelope input = deviceInput(chain, stimulus(), 3.0);
@@ -115,7 +113,7 @@ void TestLevelSweep::aLinearDeviceAddsNothing()
 {
     LevelSweep::Scratch scratch;
     const LevelResponse response =
-        LevelSweep(chainOf(QStringLiteral("linear")), stimulus(), channels).at(-7.0, scratch);
+        LevelSweep(noisyChainOf(QStringLiteral("linear")), stimulus(), channels).at(-7.0, scratch);
     QCOMPARE(response.channels.size(), channels.size());
     for (const ChannelContent& channel : response.channels) {
         QVERIFY(areClose(channel.stimulus, channel.lines));
@@ -141,7 +139,7 @@ void TestLevelSweep::silenceLeavesTheNoise()
 {
     LevelSweep::Scratch scratch;
     const LevelResponse response =
-        LevelSweep(chainOf(QStringLiteral("rapp")), silence(count), channels).at(0.0, scratch);
+        LevelSweep(noisyChainOf(QStringLiteral("rapp")), silence(count), channels).at(0.0, scratch);
     QVERIFY(areClose(response.channels[0].power(), 81.0 * 1e-6));
     QCOMPARE(response.channels[0].lines, 0.0);
     QCOMPARE(response.channels[4].power(), 0.0);
@@ -149,7 +147,7 @@ void TestLevelSweep::silenceLeavesTheNoise()
 
 void TestLevelSweep::aBufferThatWasUsedChangesNothing()
 {
-    const LevelSweep sweep(chainOf(QStringLiteral("rapp")), stimulus(), channels);
+    const LevelSweep sweep(noisyChainOf(QStringLiteral("rapp")), stimulus(), channels);
     LevelSweep::Scratch used;
     sweep.at(12.0, used);
     LevelSweep::Scratch fresh;

@@ -1,21 +1,13 @@
 // Peaks to be expected, against tabled tails of the normal distribution and against sums of random
 // peaks.
 #include "dut/rare_peaks.h"
+#include "kit/device_chains.h"
 
 #include <QtTest>
 
 #include <random>
 
 namespace {
-
-DeviceSettings converter(int bits, double loading)
-{
-    DeviceSettings device;
-    device.name = QStringLiteral("adc");
-    device.bits = bits;
-    device.loadingFactor = loading;
-    return device;
-}
 
 bool isWithin(double value, double expected, double share)
 {
@@ -64,7 +56,7 @@ private slots:
 // which rounding alone would be 25 / (3 x 4^12), 63.04 dB.
 void TestRarePeaks::aConverterClipsTheTailsOfTwoComponents()
 {
-    const RarePeaks peaks = rarePeaksOf(converter(12, 5.0), 4.0, 131072.0, 0.8);
+    const RarePeaks peaks = rarePeaksOf(converterOf(12, 5.0), 4.0, 131072.0, 0.8);
     QVERIFY(isWithin(peaks.count, 0.150289, 1e-5));
     QVERIFY(isWithin(peaks.evenPower, 4.0 * 25.0 / 3.0 / 16777216.0, 1e-12));
     const double npr = -10.0 * std::log10((peaks.power + peaks.evenPower) / 4.0);
@@ -74,7 +66,7 @@ void TestRarePeaks::aConverterClipsTheTailsOfTwoComponents()
 // A carrier of 0 dBm that just reaches full scale, 3.0103 dB - 20 lg 5 = -10.9691 dBm of noise.
 void TestRarePeaks::theFullScaleGivesTheLoading()
 {
-    DeviceSettings device = converter(12, 1.0);
+    DeviceSettings device = converterOf(12, 1.0);
     device.fullScale = 0.0;
     const RarePeaks peaks = rarePeaksOf(device, milliwatts(-10.9691), 131072.0, 1.0);
     QVERIFY(isWithin(peaks.count, 0.150289, 1e-3));
@@ -85,9 +77,7 @@ void TestRarePeaks::theFullScaleGivesTheLoading()
 // less than 3 dB than it would be if it were spread over the band alone.
 void TestRarePeaks::aLimiterCutsAsOftenAsTheEnvelopeRises()
 {
-    DeviceSettings device;
-    device.name = QStringLiteral("soft");
-    device.saturationPower = 0.0;
+    const DeviceSettings device = deviceOf("soft", {0.0, 20.0});
     const RarePeaks peaks = rarePeaksOf(device, milliwatts(-10.0), 1e5, 0.5);
     QVERIFY(isWithin(peaks.count, 0.5e5 * 1.46918e-4, 1e-4));
     QCOMPARE(peaks.evenPower, 0.0);
@@ -99,9 +89,7 @@ void TestRarePeaks::aLimiterCutsAsOftenAsTheEnvelopeRises()
 // there as much as those at 10 dB, by the lines alone.
 void TestRarePeaks::aLimiterThatLimitsNearlyAlwaysHasNone()
 {
-    DeviceSettings device;
-    device.name = QStringLiteral("soft");
-    device.saturationPower = 0.0;
+    const DeviceSettings device = deviceOf("soft", {0.0, 20.0});
     QCOMPARE(scatterOf(rarePeaksOf(device, milliwatts(30.0), 131072.0, 0.8)), 0.0);
     QVERIFY(scatterOf(rarePeaksOf(device, milliwatts(2.9), 131072.0, 0.8)) > 0.0);
 }
@@ -109,11 +97,10 @@ void TestRarePeaks::aLimiterThatLimitsNearlyAlwaysHasNone()
 void TestRarePeaks::gentleDevicesHaveNone()
 {
     for (const char* name : {"linear", "rapp", "saleh", "cubic"}) {
-        DeviceSettings device;
-        device.name = QLatin1String(name);
+        const DeviceSettings device = deviceOf(name, {10.0, 20.0});
         QCOMPARE(scatterOf(rarePeaksOf(device, 1.0, 131072.0, 1.0)), 0.0);
     }
-    QCOMPARE(rarePeaksOf(converter(12, 5.0), 0.0, 131072.0, 1.0).count, 0.0);
+    QCOMPARE(rarePeaksOf(converterOf(12, 5.0), 0.0, 131072.0, 1.0).count, 0.0);
 }
 
 void TestRarePeaks::scatterIsThatOfRandomPeaks_data()
