@@ -3,12 +3,12 @@
 #include "base/worker_threads.h"
 #include "fit/polyfit.h"
 #include "fit/trace_correction.h"
+#include "kit/same_bits.h"
 
 #include <QtTest>
 
 #include <atomic>
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -29,12 +29,6 @@ template <typename Law> AnalyzerTrace traceOf(int points, double span, Law level
 double tilt(double frequency)
 {
     return -10.0 + frequency / 10e6; // from -15 dB at -50 MHz to -5 dB at 50 MHz
-}
-
-bool sameBits(const QVector<double>& a, const QVector<double>& b)
-{
-    return a.size() == b.size() &&
-           std::memcmp(a.constData(), b.constData(), sizeof(double) * std::size_t(a.size())) == 0;
 }
 
 // One loop on one thread over a trace whose points first to last overlap the lines.

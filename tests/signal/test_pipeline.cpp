@@ -2,6 +2,7 @@
 // operations for the bits.
 #include "base/parallel.h"
 #include "files/signal_input.h"
+#include "kit/same_bits.h"
 #include "kit/thread_count.h"
 #include "setup/measurement_setup.h"
 #include "signal/notch_operations.h"
@@ -10,8 +11,6 @@
 
 #include <QTemporaryDir>
 #include <QtTest>
-
-#include <cstring>
 
 namespace {
 
@@ -45,13 +44,6 @@ std::complex<double> sampleAt(const SignalData& data, int k)
         sum += std::polar(data.magnitude[i], data.phase[i] + turn);
     }
     return sum / std::sqrt(double(data.length));
-}
-
-bool sameBits(const QVector<double>& a, const QVector<double>& b)
-{
-    return a.size() == b.size() &&
-           std::memcmp(a.constData(), b.constData(),
-                       static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
 }
 
 // Rows of the FFT lengths, the greatest first.

@@ -1,11 +1,11 @@
 // The transform against its textbook loop, bit for bit, and against closed forms.
+#include "kit/same_bits.h"
 #include "kit/thread_count.h"
 #include "reference_transform.h"
 #include "transform/transform.h"
 
 #include <QtTest>
 
-#include <cstring>
 #include <limits>
 #include <random>
 
@@ -31,19 +31,6 @@ ComplexBuffer bufferOf(const std::vector<Complex>& x)
     ComplexBuffer buffer(x.size());
     std::copy(x.begin(), x.end(), buffer.data());
     return buffer;
-}
-
-bool sameBits(const ComplexBuffer& buffer, const std::vector<Complex>& x)
-{
-    return buffer.size() == x.size() &&
-           std::memcmp(buffer.data(), x.data(), x.size() * sizeof(Complex)) == 0;
-}
-
-bool sameBits(const QVector<double>& a, const QVector<double>& b)
-{
-    return a.size() == b.size() &&
-           std::memcmp(a.constData(), b.constData(),
-                       static_cast<std::size_t>(a.size()) * sizeof(double)) == 0;
 }
 
 QVector<double> realNoise(int count, quint32 seed)
