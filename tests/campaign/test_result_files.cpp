@@ -1,10 +1,9 @@
 // JSON and CSV of a result: what stands in them, and that JSON reads back.
 #include "campaign/result_csv.h"
 #include "campaign/result_json.h"
+#include "kit/json_object.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QtTest>
 
 #include <limits>
@@ -111,7 +110,7 @@ private slots:
 
 void TestResultFiles::jsonHasItsMembers()
 {
-    const QJsonObject json = QJsonDocument::fromJson(resultToJson(result())).object();
+    const QJsonObject json = jsonOf(resultToJson(result()));
     QCOMPARE(json["format"].toString(), QString("notchbench-npr"));
     QCOMPARE(json["version"].toInt(), 1);
     QCOMPARE(json["config"].toObject()["NPR"].toObject()["SRate"].toString(), QString("1e+08"));
@@ -131,7 +130,7 @@ void TestResultFiles::jsonHasItsMembers()
 
 void TestResultFiles::whatIsMissingIsNull()
 {
-    const QJsonObject json = QJsonDocument::fromJson(resultToJson(result())).object();
+    const QJsonObject json = jsonOf(resultToJson(result()));
     const QJsonObject point = json["points"].toArray()[1].toObject();
     for (const char* name : {"npr_db", "sigma_db", "evm_percent", "passed", "power_dbm"}) {
         QVERIFY2(point[name].isNull(), name);
@@ -144,10 +143,7 @@ void TestResultFiles::whatIsMissingIsNull()
     QCOMPARE(range["to_dbm"].toDouble(), -9.0);
     NprResult real = result();
     real.bench.simulated.reset();
-    QVERIFY(QJsonDocument::fromJson(resultToJson(real))
-                .object()["bench"]
-                .toObject()["simulated"]
-                .isNull());
+    QVERIFY(jsonOf(resultToJson(real))["bench"].toObject()["simulated"].isNull());
 }
 
 void TestResultFiles::jsonReadsBack()
@@ -237,7 +233,7 @@ void TestResultFiles::recordingsTellTheirOwnUnitAndHowTheyWereRead()
 {
     const NprResult made = recordedResult();
     const QByteArray json = resultToJson(made);
-    const QJsonObject whole = QJsonDocument::fromJson(json).object();
+    const QJsonObject whole = jsonOf(json);
     QCOMPARE(whole["level_unit"].toString(), QString("dBFS"));
     const QJsonObject point = whole["points"].toArray().at(0).toObject();
     QCOMPARE(point["level_dbfs"].toDouble(), -20.5);

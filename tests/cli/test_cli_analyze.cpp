@@ -1,10 +1,10 @@
 // "analyze" of the built program: recordings that "signal" writes, and those of converters.
 #include "cli/cli_process.h"
 #include "kit/file_content.h"
+#include "kit/json_object.h"
 #include "kit/json_schema.h"
 
 #include <QFile>
-#include <QJsonDocument>
 #include <QtEndian>
 #include <QtTest>
 
@@ -19,11 +19,6 @@
 namespace {
 
 const QStringList config{"default", "--notches", "3,1e6,-100,0"};
-
-QJsonObject jsonOf(const QString& text)
-{
-    return QJsonDocument::fromJson(text.toUtf8()).object();
-}
 
 // Of every point.
 QVector<double> numbersOf(const QJsonObject& result, const char* member)
@@ -154,9 +149,8 @@ void TestCliAnalyze::everyFormThatSignalWritesReadsBack()
     QFETCH(double, most);
     const CliRun run = analyze(words + QStringList{"--json", "-"});
     QVERIFY2(run.status == 0 && run.err.isEmpty(), qPrintable(run.err));
-    const QJsonObject result = jsonOf(run.out);
-    const QJsonObject schema =
-        jsonOf(QString::fromUtf8(contentOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json")));
+    const QJsonObject result = jsonOf(run.out.toUtf8());
+    const QJsonObject schema = jsonOf(contentOf(NOTCHBENCH_SOURCE_DIR "/docs/result.schema.json"));
     QCOMPARE(JsonSchema(schema).errorsIn(result), QStringList());
     QCOMPARE(result["level_unit"].toString(), QString("dBFS"));
     const QVector<double> ratios = numbersOf(result, "npr_db");
@@ -182,7 +176,7 @@ void TestCliAnalyze::aConverterDrawsItsCurveOverItsOwnLevel()
     QVERIFY2(run.status == 0, qPrintable(run.err));
     QVERIFY(run.out.contains("level/dBFS") && run.out.contains("whole periods"));
     QVERIFY(contentOf(cli.path("curve.csv")).startsWith("level_dbfs,notch,"));
-    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("curve.json"))));
+    const QJsonObject result = jsonOf(contentOf(cli.path("curve.json")));
     QCOMPARE(numbersOf(result, "npr_db").size(), 18);
     for (const QJsonValue value : result["curves"].toArray()) {
         const QJsonObject curve = value.toObject();
@@ -199,7 +193,7 @@ void TestCliAnalyze::levelsThatAreGivenAreTheAxis()
     const CliRun run = analyze({quantised("one.ci8", 8.0), quantised("two.ci8", 4.0), "--rate",
                                 "1e8", "--level", "-20", "--level=-14", "--json", "-"});
     QVERIFY2(run.status == 0, qPrintable(run.err));
-    const QJsonObject result = jsonOf(run.out);
+    const QJsonObject result = jsonOf(run.out.toUtf8());
     QCOMPARE(result["level_unit"].toString(), QString("dBm"));
     QCOMPARE(numbersOf(result, "level_dbm"), (QVector<double>{-20, -20, -20, -14, -14, -14}));
     QVERIFY(result["points"].toArray().at(0).toObject()["power_dbm"].isNull());
@@ -251,8 +245,8 @@ void TestCliAnalyze::theoryOfAConverterIsThatOfCONFIGsRate()
 void TestCliAnalyze::aChosenNotchIsReadAlone()
 {
     const QStringList words{quantised("chosen.ci8", 8.0), "--rate", "1e8", "--json", "-"};
-    const QVector<double> all = numbersOf(jsonOf(analyze(words).out), "npr_db");
-    const QJsonObject chosen = jsonOf(analyze(words + QStringList{"--notch", "3,1"}).out);
+    const QVector<double> all = numbersOf(jsonOf(analyze(words).out.toUtf8()), "npr_db");
+    const QJsonObject chosen = jsonOf(analyze(words + QStringList{"--notch", "3,1"}).out.toUtf8());
     QCOMPARE(numbersOf(chosen, "notch"), (QVector<double>{1, 3}));
     QCOMPARE(numbersOf(chosen, "npr_db"), (QVector<double>{all.at(0), all.at(2)}));
     const CliRun none = analyze(words + QStringList{"--notch", "4"});
@@ -266,13 +260,12 @@ void TestCliAnalyze::whatFillsTheNotchesWithoutTheDeviceIsSubtracted()
     const QStringList device{quantised("device.ci8", 9.0), "--rate", "1e8", "--level", "-10"};
     const CliRun before = analyze(bench + QStringList{"--json", "bench.json"});
     QVERIFY2(before.status == 0, qPrintable(before.err));
-    const QVector<double> without =
-        numbersOf(jsonOf(QString::fromUtf8(contentOf(cli.path("bench.json")))), "npr_db");
+    const QVector<double> without = numbersOf(jsonOf(contentOf(cli.path("bench.json"))), "npr_db");
     const QStringList toJson{"--json", "-"};
-    const QVector<double> with = numbersOf(jsonOf(analyze(device + toJson).out), "npr_db");
+    const QVector<double> with = numbersOf(jsonOf(analyze(device + toJson).out.toUtf8()), "npr_db");
     const CliRun run = analyze(device + toJson + QStringList{"--subtract", "bench.json"});
     QVERIFY2(run.status == 0, qPrintable(run.err));
-    const QVector<double> left = numbersOf(jsonOf(run.out), "npr_db");
+    const QVector<double> left = numbersOf(jsonOf(run.out.toUtf8()), "npr_db");
     QCOMPARE(left.size(), 3);
     for (int k = 0; k < left.size(); ++k) {
         const double share =
@@ -313,7 +306,7 @@ void TestCliAnalyze::frequenciesOfRecordingAndCONFIGTellWhereTheCarrierLies()
     writeShifted("carried", 4096, capture);
     const CliRun run = analyze(QStringList{"carried.sigmf-meta", "--json", "-"} + words);
     QVERIFY2(run.status == 0, qPrintable(run.err));
-    const QJsonObject result = jsonOf(run.out);
+    const QJsonObject result = jsonOf(run.out.toUtf8());
     const QJsonObject facts = result["recordings"].toArray().at(0).toObject();
     QCOMPARE(facts["center_hz"].toDouble(), center);
     for (const QJsonValue point : result["points"].toArray()) {
@@ -410,7 +403,7 @@ void TestCliAnalyze::aRecordingThatCantBeReadIsLeftOut()
     QVERIFY2(run.errLines().constLast().contains("empty.ci8 holds no sample; it is left out"),
              qPrintable(run.err));
     QVERIFY2(run.out.contains("peak/dB"), qPrintable(run.out));
-    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("kept.json"))));
+    const QJsonObject result = jsonOf(contentOf(cli.path("kept.json")));
     QCOMPARE(numbersOf(result, "level_dbm"), (QVector<double>{-8, -8, -8, -6, -6, -6}));
     QCOMPARE(numbersOf(result, "recording"), (QVector<double>{0, 0, 0, 1, 1, 1}));
     QCOMPARE(result["recordings"].toArray().size(), 2);
@@ -425,7 +418,7 @@ void TestCliAnalyze::whatCameBeforeAMistakeIsKept()
     QCOMPARE(run.status, 2);
     QCOMPARE(run.errLines().size(), 1);
     QVERIFY2(run.err.contains("noise.npy doesn't tell its sample rate"), qPrintable(run.err));
-    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("before.json"))));
+    const QJsonObject result = jsonOf(contentOf(cli.path("before.json")));
     QCOMPARE(numbersOf(result, "recording"), (QVector<double>{0, 0, 0}));
 }
 
@@ -459,7 +452,7 @@ void TestCliAnalyze::whatCameBeforeAnInterruptionIsKept()
     QCOMPARE(cli.process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(cli.process.exitCode(), 143);
     QVERIFY(cli.process.readAllStandardOutput().contains("NPR/dB"));
-    const QJsonObject result = jsonOf(QString::fromUtf8(contentOf(cli.path("left.json"))));
+    const QJsonObject result = jsonOf(contentOf(cli.path("left.json")));
     QCOMPARE(numbersOf(result, "notch"), (QVector<double>{1, 2, 3}));
     QCOMPARE(result["recordings"].toArray().size(), 1);
 #endif

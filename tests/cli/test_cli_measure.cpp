@@ -1,11 +1,11 @@
 // The commands that measure: tables, files, statuses, interruptions; simulated and on instruments.
 #include "cli/cli_process.h"
 #include "kit/file_content.h"
+#include "kit/json_object.h"
 #include "kit/json_schema.h"
 #include "kit/scripted_instrument.h"
 
 #include <QFile>
-#include <QJsonDocument>
 #include <QtTest>
 
 #include <csignal>
@@ -31,11 +31,6 @@ QStringList curve(const QStringList& options)
 const QStringList instruments{"--set",    "Generator1/IP Addr=127.0.0.2",
                               "--set",    "Analyzer/IP Addr=127.0.0.3",
                               "--settle", "0"};
-
-QJsonObject jsonOf(const QByteArray& bytes)
-{
-    return QJsonDocument::fromJson(bytes).object();
-}
 
 QStringList schemaErrors(const QByteArray& bytes)
 {

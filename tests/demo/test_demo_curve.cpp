@@ -1,10 +1,10 @@
 // The curve that a newcomer sees first, by the command that draws it, against the formula of Gray
 // and Zeoli.
-#include <QFile>
+#include "kit/file_content.h"
+#include "kit/json_object.h"
+
 #include <QImage>
 #include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -31,18 +31,14 @@ void TestDemoCurve::theConverterHasItsPeakItsRangeAndItsPicture()
     QVERIFY(said.contains("theory/dB") && said.contains("over 41 dB"));
     QCOMPARE(process.readAllStandardError(), QByteArray());
 
-    QFile file(folder.filePath("new/curve.json"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QJsonObject result = QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonObject result = jsonOf(contentOf(folder.filePath("new/curve.json")));
     QCOMPARE(result["signal"].toObject()["seeds"].toArray().size(), 16);
     const QJsonObject curve = result["curves"].toArray()[0].toObject();
     QVERIFY(std::abs(curve["peak_npr_db"].toDouble() - 62.71) < 0.5);
     const QJsonObject range = curve["ranges"].toArray()[0].toObject();
     QVERIFY(std::abs(range["range_db"].toDouble() - 25.35) < 0.6);
 
-    QFile csv(folder.filePath("new/curve.csv"));
-    QVERIFY(csv.open(QIODevice::ReadOnly));
-    QCOMPARE(csv.readAll().count('\n'), 39);
+    QCOMPARE(contentOf(folder.filePath("new/curve.csv")).count('\n'), 39);
     QCOMPARE(QImage(folder.filePath("new/curve.png")).size(), QSize(1600, 1000));
 }
 

@@ -2,21 +2,16 @@
 // the rules of their format.
 #include "files/sample_output.h"
 #include "kit/file_content.h"
+#include "kit/json_object.h"
 #include "kit/json_schema.h"
 #include "setup/measurement_setup.h"
 
-#include <QJsonDocument>
 #include <QTemporaryDir>
 #include <QtTest>
 
 #include <cmath>
 
 namespace {
-
-QJsonObject objectIn(const QByteArray& text)
-{
-    return QJsonDocument::fromJson(text).object();
-}
 
 // 64 lines of 100 Hz each.
 MeasurementSetup smallSetup()
@@ -67,7 +62,7 @@ private:
 
 QJsonObject TestSampleOutput::metadataOf(const MeasurementSetup& setup)
 {
-    return writeSigmfFiles(setup, "bench 1.2", path("")) ? objectIn(contentOf(path(".sigmf-meta")))
+    return writeSigmfFiles(setup, "bench 1.2", path("")) ? jsonOf(contentOf(path(".sigmf-meta")))
                                                          : QJsonObject();
 }
 
@@ -165,7 +160,7 @@ void TestSampleOutput::metadataKeepsTheRulesOfTheFormat()
     addRow(setup, -10, -5);
     addRow(setup, 3, 3);
     const QJsonObject metadata = metadataOf(setup);
-    const JsonSchema schema(objectIn(contentOf(NOTCHBENCH_TEST_DATA "/sigmf.schema.json")));
+    const JsonSchema schema(jsonOf(contentOf(NOTCHBENCH_TEST_DATA "/sigmf.schema.json")));
     QCOMPARE(schema.errorsIn(metadata), QStringList());
     const QJsonObject global = metadata["global"].toObject();
     QCOMPARE(global["core:datatype"].toString(), QString("cf32_le"));
@@ -226,7 +221,7 @@ void TestSampleOutput::theRulesAreNotEmpty()
         changed[member] = value;
     }
     metadata[part] = isList ? QJsonValue(QJsonArray{changed}) : QJsonValue(changed);
-    const JsonSchema schema(objectIn(contentOf(NOTCHBENCH_TEST_DATA "/sigmf.schema.json")));
+    const JsonSchema schema(jsonOf(contentOf(NOTCHBENCH_TEST_DATA "/sigmf.schema.json")));
     QCOMPARE(schema.errorsIn(metadata).size(), 1);
 }
 
