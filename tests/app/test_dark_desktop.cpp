@@ -5,7 +5,6 @@
 #include "kit/dark_desktop.h"
 #include "kit/main_window_test.h"
 #include "kit/top_level.h"
-#include "look/house_look.h"
 #include "support/dialogs/about_window.h"
 
 #include <QChart>
@@ -22,7 +21,6 @@ QT_CHARTS_USE_NAMESPACE
 
 namespace {
 
-constexpr double readable = 4.5;
 const QColor accent(0, 142, 214);
 
 bool isAccentByTheScheme(const QLabel& label)
@@ -62,7 +60,7 @@ class TestDarkDesktop : public MainWindowTest
     Q_OBJECT
 
 private slots:
-    void initTestCase();
+    void initTestCase() { startOnADarkDesktop(); }
     void init();
     void cleanup();
 
@@ -85,12 +83,6 @@ private:
     void judgeTabs(QWidget& shown);
     int judged = 0;
 };
-
-void TestDarkDesktop::initTestCase()
-{
-    darkenTheDesktop();
-    applyHouseLook(*qApp);
-}
 
 void TestDarkDesktop::init()
 {

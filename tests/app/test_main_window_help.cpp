@@ -205,7 +205,7 @@ void TestMainWindowHelp::tipHasTheLookOfTheHouse()
             const QColor color = image.pixelColor(x, image.height() / 2);
             text = luminance(color) > luminance(text) ? color : text;
         }
-        QVERIFY(contrast(text, ground) >= 4.5);
+        QVERIFY(contrast(text, ground) >= readable);
         QToolTip::hideText();
     }
 }

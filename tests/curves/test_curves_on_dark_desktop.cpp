@@ -3,15 +3,12 @@
 #include "curves/measure_dialog.h"
 #include "kit/contrast.h"
 #include "kit/dark_desktop.h"
-#include "look/house_look.h"
 
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QTableView>
 
 namespace {
-
-constexpr double readable = 4.5;
 
 double contrastIn(QWidget& window, const QWidget& widget, const QRect& area)
 {
@@ -25,11 +22,7 @@ class TestCurvesOnDarkDesktop : public CurvesWindowTest
     Q_OBJECT
 
 private slots:
-    void initTestCase()
-    {
-        darkenTheDesktop();
-        applyHouseLook(*qApp);
-    }
+    void initTestCase() { startOnADarkDesktop(); }
     void init() { openWindow(); }
     void cleanup() { closeWindow(); }
 

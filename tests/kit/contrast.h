@@ -1,5 +1,4 @@
-// The contrast of two colours, as web accessibility rules define it: 1 to 21. They ask for 4.5 with
-// small text.
+// The contrast of two colours, as web accessibility rules define it: 1 to 21.
 #pragma once
 
 #include <QColor>
@@ -8,6 +7,8 @@
 #include <QWidget>
 
 #include <cmath>
+
+constexpr double readable = 4.5; // what they ask for with small text
 
 inline double luminance(const QColor& color)
 {

@@ -1,6 +1,8 @@
 // A desktop with dark colours, as a platform makes one.
 #pragma once
 
+#include "look/house_look.h"
+
 #include <QApplication>
 #include <QPalette>
 
@@ -28,4 +30,11 @@ inline void darkenTheDesktop()
           "QLabel", "QTabBar", "QAbstractItemView", "QHeaderView", "QComboBox", "QTipLabel"}) {
         QApplication::setPalette(darkPalette(), kind);
     }
+}
+
+// With the look that the programs give themselves as they begin.
+inline void startOnADarkDesktop()
+{
+    darkenTheDesktop();
+    applyHouseLook(*qApp);
 }
