@@ -1,13 +1,22 @@
-// What pausing and stopping a measurement wait for, and who comes between two passes.
+// What pausing and stopping a measurement wait for, who comes between two passes, and who has the
+// link after them.
 #include "measurement/npr_measurement_thread.h"
 
+#include "kit/background_jobs.h"
+#include "kit/system_limits.h"
+#include "kit/thread_state.h"
 #include "measurement/usual_device.h"
+#include "remote/ko_remote_exception.h"
+#include "remote/ko_remote_interface.h"
 
 #include <QSemaphore>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include <atomic>
+#include <memory>
+#include <new>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -26,6 +35,17 @@ LinkTurn turnAfterThePass(UsualDevice& device, const Analyzer& analyzer)
     return given;
 }
 
+// A connection to a device for whose answers there is no room.
+class NoMemory : public KORemoteInterface
+{
+public:
+    void open() override {}
+    void close() override {}
+    void sendSCPI(const QString& /*command*/) override {}
+    QString querySCPI(const QString& /*command*/) override { throw std::bad_alloc(); }
+    void goToLocal() override {}
+};
+
 } // namespace
 
 class TestMeasurementTurns : public QObject
@@ -33,9 +53,20 @@ class TestMeasurementTurns : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { isLimited = becomeOrdinaryUser() && threadLimitBinds(); }
     void pausingDoesNotWaitForWhomThePassWaitsFor();
     void aTurnDuringAPassComesBeforeTheNext();
     void stoppingInterruptsNothing();
+    void whoIsToldOfAFailureMayUseTheThread();
+    void aLackOfMemoryIsToldLikeAnyFailure();
+    void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
+    void aStoppedThreadDoesNotWaitForItsTurn();
+    void aPausedThreadAsksForNoTurn();
+    void afterItsEndNoRequestReachesTheDevice();
+    void withoutAThreadForARequestTheNextOneIsServed();
+
+private:
+    bool isLimited = false;
 };
 
 // The link's turn comes before the mutex.
@@ -97,6 +128,156 @@ void TestMeasurementTurns::stoppingInterruptsNothing()
     QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
     QTRY_VERIFY(thread.isFinished());
     QCOMPARE(device.takeReceivedUpTo("&GTL\n"), QByteArray("&GTL\n"));
+}
+
+void TestMeasurementTurns::whoIsToldOfAFailureMayUseTheThread()
+{
+    NPRMeasurementThread thread;
+    Analyzer analyzer;
+    analyzer.interfaceKind = InterfaceKind::Gpib0;
+    thread.setAnalyzer(analyzer);
+    bool mayPause = false;
+    QSemaphore paused;
+    std::thread user;
+    connect(
+        &thread, &NPRMeasurementThread::measurementError, this,
+        [&] {
+            user = std::thread([&] {
+                thread.pause(); // waits for the end of a measurement in progress
+                paused.release();
+            });
+            mayPause = paused.tryAcquire(1, 5000);
+        },
+        Qt::DirectConnection);
+    thread.measureOnce();
+    QVERIFY(user.joinable());
+    user.join();
+    QVERIFY(mayPause);
+}
+
+void TestMeasurementTurns::aLackOfMemoryIsToldLikeAnyFailure()
+{
+    const Analyzer analyzer;
+    analyzer.link()->setRemote(std::make_shared<AnalyzerCommands>(std::make_unique<NoMemory>()));
+    NPRMeasurementThread thread;
+    thread.setAnalyzer(analyzer);
+    QString told;
+    bool mayPause = false;
+    connect(
+        &thread, &NPRMeasurementThread::measurementError, &thread,
+        [&](KORemoteException* failure) {
+            told = failure->message();
+            QSemaphore paused;
+            std::thread other([&] { // would wait for the end of the measurement
+                thread.pause();
+                paused.release();
+            });
+            mayPause = paused.tryAcquire(1, 5000);
+            mayPause ? other.join() : other.detach();
+        },
+        Qt::DirectConnection);
+    thread.measureOnce();
+    QCOMPARE(told, QString("Not enough memory"));
+    QVERIFY(mayPause);
+}
+
+void TestMeasurementTurns::aMeasurementOnTheCallingThreadIsDoneWhenItReturns()
+{
+    UsualDevice device;
+    device.answer(acpQuery, "-10.5,-1.25,-42\n");
+    NPRMeasurementThread thread;
+    const Analyzer analyzer = connectedAnalyzer();
+    thread.setAnalyzer(analyzer);
+    thread.measureOnce();
+    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{-10.5, -1.25, -42.0}));
+    QVERIFY(isFree(analyzer));
+    device.takeReceivedUpTo("ACP\n&GTL\n");
+    analyzer.link()->retire();
+    thread.measureOnce();
+    analyzer.commands()->send("end");
+    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
+}
+
+// Somebody else talks to the analyzer, perhaps for long. The thread is met as it begins and asleep.
+void TestMeasurementTurns::aStoppedThreadDoesNotWaitForItsTurn()
+{
+    const Analyzer analyzer;
+    bool hasEnded = true;
+    for (int round = 0; round < 20 && hasEnded; ++round) {
+        LinkTurn other = analyzer.link()->takeTurn();
+        NPRMeasurementThread thread;
+        const NewThreads begun;
+        thread.setAnalyzer(analyzer);
+        thread.pause();
+        thread.start(QThread::InheritPriority);
+        if (round % 2 == 1) {
+            QTRY_VERIFY(begun.areAsleep());
+        }
+        thread.stop();
+        hasEnded = thread.wait(5000);
+        other.giveBack();
+    }
+    QVERIFY(hasEnded);
+}
+
+// Whoever asks for the link of a device that nobody measures with is first in the queue.
+void TestMeasurementTurns::aPausedThreadAsksForNoTurn()
+{
+    const Analyzer analyzer;
+    LinkTurn other = analyzer.link()->takeTurn();
+    NPRMeasurementThread thread;
+    const NewThreads begun;
+    thread.setAnalyzer(analyzer);
+    thread.pause();
+    thread.start(QThread::InheritPriority);
+    QTRY_VERIFY(begun.areAsleep()); // it would have asked by then
+    std::thread::id served;
+    analyzer.link()->ask([&served](const LinkTurn&) { served = std::this_thread::get_id(); });
+    other.giveBack(); // to the next one, within this call
+    QVERIFY(served == std::this_thread::get_id());
+}
+
+void TestMeasurementTurns::afterItsEndNoRequestReachesTheDevice()
+{
+    UsualDevice device;
+    device.answer(acpQuery, "1,2,3\n");
+    const Analyzer analyzer = connectedAnalyzer();
+    device.takeReceivedUpTo("&GTL\n");
+    LinkTurn other = analyzer.link()->takeTurn();
+    {
+        NPRMeasurementThread thread;
+        thread.setAnalyzer(analyzer);
+        thread.requestSingleMeasurement();
+        thread.requestSingleMeasurement();
+    }
+    other.giveBack();
+    waitForBackgroundJobs();
+    QVERIFY(isFree(analyzer));
+    analyzer.commands()->send("end");
+    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
+}
+
+void TestMeasurementTurns::withoutAThreadForARequestTheNextOneIsServed()
+{
+    if (!isLimited) {
+        QSKIP("no limit on threads binds this process");
+    }
+    UsualDevice device;
+    device.answer(acpQuery, "1,2,3\n");
+    NPRMeasurementThread thread;
+    const Analyzer analyzer = connectedAnalyzer();
+    thread.setAnalyzer(analyzer);
+    {
+        const ThreadLimit limit;
+        const NoIdleWorkers none;
+        thread.requestSingleMeasurement();
+        QVERIFY(isFree(analyzer));
+    }
+    waitForBackgroundJobs();
+    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{0.0, 0.0, 0.0}));
+    thread.requestSingleMeasurement();
+    waitForBackgroundJobs();
+    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
 }
 
 QTEST_GUILESS_MAIN(TestMeasurementTurns)

@@ -6,11 +6,11 @@
 #include "measurement/usual_device.h"
 #include "remote/ko_remote_exception.h"
 
+#include <QSemaphore>
 #include <QSignalSpy>
 #include <QtTest>
 
 #include <atomic>
-#include <thread>
 
 namespace {
 
@@ -51,6 +51,7 @@ private slots:
     void aPausedThreadMeasuresNothing();
     void resumedItMeasuresWithoutAPause();
     void pausingWaitsForTheEndOfTheMeasurement();
+    void resumingBeginsAThreadThatNeverBegan();
     void stoppedWhilePausedItEndsWithoutMeasuring();
     void stoppedInItsSleepItWakesAndEnds();
     void destructionInTheMiddleOfAMeasurementWaitsForIt();
@@ -60,7 +61,6 @@ private slots:
     void aMissingVisaLibraryIsReported();
     void aFailedMeasurementKeepsTheFormerResult();
     void aFailingDeviceDoesNotFillTheQueue();
-    void whoIsToldOfAFailureMayUseTheThread();
     void aReplacedAnalyzerIsUsed();
 };
 
@@ -157,6 +157,18 @@ void TestNprMeasurementThread::pausingWaitsForTheEndOfTheMeasurement()
         device.answer(acpQuery, {{500, QByteArray::number(round + 1) + ",2,3\n"}});
         thread.resume();
     }
+}
+
+void TestNprMeasurementThread::resumingBeginsAThreadThatNeverBegan()
+{
+    UsualDevice device;
+    device.answer(acpQuery, "1,2,3\n");
+    NPRMeasurementThread thread;
+    thread.setAnalyzer(connectedAnalyzer());
+    QVERIFY(!thread.isRunning());
+    thread.resume();
+    QVERIFY(thread.isRunning());
+    QTRY_COMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
 }
 
 void TestNprMeasurementThread::stoppedWhilePausedItEndsWithoutMeasuring()
@@ -312,31 +324,6 @@ void TestNprMeasurementThread::aFailingDeviceDoesNotFillTheQueue()
     QTRY_VERIFY(passes.available() >= 3); // and goes on with it
     thread.stop();                        // while there is somebody to count
     QVERIFY(thread.wait(10000));
-}
-
-void TestNprMeasurementThread::whoIsToldOfAFailureMayUseTheThread()
-{
-    NPRMeasurementThread thread;
-    Analyzer analyzer;
-    analyzer.interfaceKind = InterfaceKind::Gpib0;
-    thread.setAnalyzer(analyzer);
-    bool isFree = false;
-    QSemaphore paused;
-    std::thread user;
-    connect(
-        &thread, &NPRMeasurementThread::measurementError, this,
-        [&] {
-            user = std::thread([&] {
-                thread.pause(); // waits for the end of a measurement in progress
-                paused.release();
-            });
-            isFree = paused.tryAcquire(1, 5000);
-        },
-        Qt::DirectConnection);
-    thread.measureOnce();
-    QVERIFY(user.joinable());
-    user.join();
-    QVERIFY(isFree);
 }
 
 void TestNprMeasurementThread::aReplacedAnalyzerIsUsed()

@@ -1,51 +1,16 @@
-// The preset away from the main thread, who is told of its failure, and the channels of a reading.
+// The preset away from the main thread, and who is told of its failure.
 #include "measurement/preset.h"
 
 #include "kit/background_jobs.h"
 #include "kit/remote_failure.h"
 #include "kit/scripted_instrument.h"
 #include "kit/system_limits.h"
-#include "kit/thread_state.h"
-#include "measurement/channels.h"
-#include "measurement/npr_measurement_thread.h"
 #include "measurement/usual_device.h"
-#include "remote/ko_remote_interface.h"
 
-#include <QSemaphore>
 #include <QtTest>
 
 #include <new>
 #include <thread>
-
-namespace {
-
-Notch notchAt(double center, double width)
-{
-    Notch notch;
-    notch.center = center;
-    notch.width = width;
-    return notch;
-}
-
-// A connection to a device for whose answers there is no room.
-class NoMemory : public KORemoteInterface
-{
-public:
-    void open() override {}
-    void close() override {}
-    void sendSCPI(const QString& /*command*/) override {}
-    QString querySCPI(const QString& /*command*/) override { throw std::bad_alloc(); }
-    void goToLocal() override {}
-};
-
-bool isFree(const Instrument& instrument)
-{
-    bool given = false;
-    instrument.link()->ask([&given](const LinkTurn& turn) { given = bool(turn); });
-    return given;
-}
-
-} // namespace
 
 class TestPreset : public QObject
 {
@@ -53,46 +18,17 @@ class TestPreset : public QObject
 
 private slots:
     void initTestCase() { isLimited = becomeOrdinaryUser() && threadLimitBinds(); }
-    void channelsOfAnUpperNotch();
-    void channelsOfALowerNotch();
     void inTheBackgroundTheWholeChainIsSet();
     void aPlaceIsTakenBeforeWhoeverAsksNext();
     void aFailureInTheBackgroundIsToldOnce();
     void aRetiredLinkEndsThePreset();
     void aRetiredAnalyzerIsNotPreset();
-    void aMeasurementOnTheCallingThreadIsDoneWhenItReturns();
-    void aStoppedThreadDoesNotWaitForItsTurn();
-    void aPausedThreadAsksForNoTurn();
-    void resumingBeginsAThreadThatNeverBegan();
-    void afterItsEndNoRequestReachesTheDevice();
-    void aLackOfMemoryIsToldLikeAnyFailure();
     void aLackOfMemoryDuringThePresetIsSaid();
     void withoutAThreadForThePresetItIsSaid();
-    void withoutAThreadForARequestTheNextOneIsServed();
 
 private:
     bool isLimited = false;
 };
-
-// 1.2 widths between the channels' middles, 0.75 widths wide.
-void TestPreset::channelsOfAnUpperNotch()
-{
-    const ReadingChannels channels = channelsOf(notchAt(10e6, 2e6));
-    QVERIFY(channels.notchIsUpper);
-    QCOMPARE(channels.reference, 7.6e6);
-    QCOMPARE(channels.bandwidth, 1.5e6);
-    QCOMPARE(channels.spacing, 2.4e6);
-    QCOMPARE(channels.notch(), 10e6);
-}
-
-void TestPreset::channelsOfALowerNotch()
-{
-    const ReadingChannels channels = channelsOf(notchAt(-10e6, 2e6));
-    QVERIFY(!channels.notchIsUpper);
-    QCOMPARE(channels.reference, -7.6e6);
-    QCOMPARE(channels.spacing, 2.4e6);
-    QCOMPARE(channels.notch(), -10e6);
-}
 
 void TestPreset::inTheBackgroundTheWholeChainIsSet()
 {
@@ -177,120 +113,6 @@ void TestPreset::aRetiredAnalyzerIsNotPreset()
     QCOMPARE(device.connectionCount(), 0);
 }
 
-void TestPreset::aMeasurementOnTheCallingThreadIsDoneWhenItReturns()
-{
-    UsualDevice device;
-    device.answer(acpQuery, "-10.5,-1.25,-42\n");
-    NPRMeasurementThread thread;
-    const Analyzer analyzer = connectedAnalyzer();
-    thread.setAnalyzer(analyzer);
-    thread.measureOnce();
-    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{-10.5, -1.25, -42.0}));
-    QVERIFY(isFree(analyzer));
-    device.takeReceivedUpTo("ACP\n&GTL\n");
-    analyzer.link()->retire();
-    thread.measureOnce();
-    analyzer.commands()->send("end");
-    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
-}
-
-// Somebody else talks to the analyzer, perhaps for long. The thread is met as it begins and asleep.
-void TestPreset::aStoppedThreadDoesNotWaitForItsTurn()
-{
-    const Analyzer analyzer;
-    bool hasEnded = true;
-    for (int round = 0; round < 20 && hasEnded; ++round) {
-        LinkTurn other = analyzer.link()->takeTurn();
-        NPRMeasurementThread thread;
-        const NewThreads begun;
-        thread.setAnalyzer(analyzer);
-        thread.pause();
-        thread.start(QThread::InheritPriority);
-        if (round % 2 == 1) {
-            QTRY_VERIFY(begun.areAsleep());
-        }
-        thread.stop();
-        hasEnded = thread.wait(5000);
-        other.giveBack();
-    }
-    QVERIFY(hasEnded);
-}
-
-// Whoever asks for the link of a device that nobody measures with is first in the queue.
-void TestPreset::aPausedThreadAsksForNoTurn()
-{
-    const Analyzer analyzer;
-    LinkTurn other = analyzer.link()->takeTurn();
-    NPRMeasurementThread thread;
-    const NewThreads begun;
-    thread.setAnalyzer(analyzer);
-    thread.pause();
-    thread.start(QThread::InheritPriority);
-    QTRY_VERIFY(begun.areAsleep()); // it would have asked by then
-    std::thread::id served;
-    analyzer.link()->ask([&served](const LinkTurn&) { served = std::this_thread::get_id(); });
-    other.giveBack(); // to the next one, within this call
-    QVERIFY(served == std::this_thread::get_id());
-}
-
-void TestPreset::resumingBeginsAThreadThatNeverBegan()
-{
-    UsualDevice device;
-    device.answer(acpQuery, "1,2,3\n");
-    NPRMeasurementThread thread;
-    thread.setAnalyzer(connectedAnalyzer());
-    QVERIFY(!thread.isRunning());
-    thread.resume();
-    QVERIFY(thread.isRunning());
-    QTRY_COMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
-}
-
-void TestPreset::afterItsEndNoRequestReachesTheDevice()
-{
-    UsualDevice device;
-    device.answer(acpQuery, "1,2,3\n");
-    const Analyzer analyzer = connectedAnalyzer();
-    device.takeReceivedUpTo("&GTL\n");
-    LinkTurn other = analyzer.link()->takeTurn();
-    {
-        NPRMeasurementThread thread;
-        thread.setAnalyzer(analyzer);
-        thread.requestSingleMeasurement();
-        thread.requestSingleMeasurement();
-    }
-    other.giveBack();
-    waitForBackgroundJobs();
-    QVERIFY(isFree(analyzer));
-    analyzer.commands()->send("end");
-    QCOMPARE(device.takeReceivedUpTo("end\n"), QByteArray("end\n"));
-}
-
-void TestPreset::aLackOfMemoryIsToldLikeAnyFailure()
-{
-    const Analyzer analyzer;
-    analyzer.link()->setRemote(std::make_shared<AnalyzerCommands>(std::make_unique<NoMemory>()));
-    NPRMeasurementThread thread;
-    thread.setAnalyzer(analyzer);
-    QString told;
-    bool mayPause = false;
-    connect(
-        &thread, &NPRMeasurementThread::measurementError, &thread,
-        [&](KORemoteException* failure) {
-            told = failure->message();
-            QSemaphore paused;
-            std::thread other([&] { // would wait for the end of the measurement
-                thread.pause();
-                paused.release();
-            });
-            mayPause = paused.tryAcquire(1, 5000);
-            mayPause ? other.join() : other.detach();
-        },
-        Qt::DirectConnection);
-    thread.measureOnce();
-    QCOMPARE(told, QString("Not enough memory"));
-    QVERIFY(mayPause);
-}
-
 // It comes from the one to whom the link is handed on after the first step.
 void TestPreset::aLackOfMemoryDuringThePresetIsSaid()
 {
@@ -322,29 +144,6 @@ void TestPreset::withoutAThreadForThePresetItIsSaid()
         QVERIFY(isFree(chain.analyzer));
     }
     waitForBackgroundJobs();
-}
-
-void TestPreset::withoutAThreadForARequestTheNextOneIsServed()
-{
-    if (!isLimited) {
-        QSKIP("no limit on threads binds this process");
-    }
-    UsualDevice device;
-    device.answer(acpQuery, "1,2,3\n");
-    NPRMeasurementThread thread;
-    const Analyzer analyzer = connectedAnalyzer();
-    thread.setAnalyzer(analyzer);
-    {
-        const ThreadLimit limit;
-        const NoIdleWorkers none;
-        thread.requestSingleMeasurement();
-        QVERIFY(isFree(analyzer));
-    }
-    waitForBackgroundJobs();
-    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{0.0, 0.0, 0.0}));
-    thread.requestSingleMeasurement();
-    waitForBackgroundJobs();
-    QCOMPARE(thread.results(), (NPRMeasurementThread::Result{1.0, 2.0, 3.0}));
 }
 
 QTEST_GUILESS_MAIN(TestPreset)

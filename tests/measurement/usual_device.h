@@ -19,3 +19,11 @@ class UsualDevice : public ScriptedInstrument
 public:
     UsualDevice() { answer("*IDN?", "an analyzer\n"); }
 };
+
+// Whether nobody has the link.
+inline bool isFree(const Instrument& instrument)
+{
+    bool given = false;
+    instrument.link()->ask([&given](const LinkTurn& turn) { given = bool(turn); });
+    return given;
+}
