@@ -1,11 +1,11 @@
 // The program's main job on full-size input, from a configuration to the client: nine notches at
 // 4194304 points, then signals from files that a script makes.
+#include "kit/free_port.h"
 #include "kit/main_window_test.h"
 #include "kit/sample_spectrum.h"
 #include "kit/status_client.h"
 
 #include <QProcess>
-#include <QTcpServer>
 #include <QTemporaryDir>
 
 #include <cmath>
@@ -41,10 +41,7 @@ void TestMainJob::nineNotchesAtFullLengthReachTheClient()
     operate->trigger("actionLoad_Cfg_File");
     QCOMPARE(operate->rowCount(), 9);
     QCOMPARE(operate->text("fft_length_input"), QStringLiteral("4194304"));
-    QTcpServer probe;
-    QVERIFY(probe.listen(QHostAddress::LocalHost));
-    const quint16 port = probe.serverPort();
-    probe.close();
+    const quint16 port = freePort();
     operate->type("port_input", QString::number(port));
     calculate();
     // Noise of 4 million samples peaks near sqrt(ln 4194304) = 11.8 dB.

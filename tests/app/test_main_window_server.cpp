@@ -1,4 +1,5 @@
 // The status server of the window, met by real clients on real sockets.
+#include "kit/free_port.h"
 #include "kit/main_window_test.h"
 #include "kit/status_client.h"
 
@@ -12,14 +13,6 @@ namespace {
 QByteArray hex(const char* text)
 {
     return QByteArray::fromHex(text);
-}
-
-// A port that was free a moment ago.
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
 }
 
 // Only a privileged process may listen on port 1000 on this platform.

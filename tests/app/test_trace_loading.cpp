@@ -3,12 +3,12 @@
 // that path again.
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/background_jobs.h"
+#include "kit/free_port.h"
 #include "kit/main_window_test.h"
 #include "kit/sample_spectrum.h"
 #include "kit/status_client.h"
 
 #include <QPointer>
-#include <QTcpServer>
 #include <QTemporaryDir>
 
 namespace {
@@ -104,13 +104,10 @@ void TestTraceLoading::take(const char* button)
 
 std::vector<std::complex<double>> TestTraceLoading::fetchSamples()
 {
-    QTcpServer probe;
-    const bool free = probe.listen(QHostAddress::LocalHost);
-    const quint16 port = probe.serverPort();
-    probe.close();
+    const quint16 port = freePort();
     operate->type("port_input", QString::number(port));
     StatusClient client;
-    if (!free || !client.isGreetedAt(port)) {
+    if (!client.isGreetedAt(port)) {
         return {};
     }
     return samplesOf(client.ask("GetSymbol", 4 + 8 * lineCount));

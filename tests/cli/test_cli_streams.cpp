@@ -1,9 +1,9 @@
 // Standard input, output and error that are closed, broken or no file.
 #include "cli/cli_process.h"
 #include "kit/file_content.h"
+#include "kit/free_port.h"
 
 #include <QFile>
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -84,10 +84,7 @@ void TestCliStreams::resultsAreWrittenWhateverStreamIsClosed()
 // socket that ends the program, for one.
 void TestCliStreams::itServesWithoutAnyStream()
 {
-    QTcpServer finder;
-    QVERIFY(finder.listen(QHostAddress::LocalHost, 0));
-    const quint16 port = finder.serverPort();
-    finder.close();
+    const quint16 port = freePort();
     cli->process.start("/bin/sh", {"-c", "exec \"$0\" \"$@\" <&- >&- 2>&-", NOTCHBENCH_CLI, "serve",
                                    "default", "--port", QString::number(port), "--set",
                                    "NPR/FFT Len=4096", "--set", "NPR/Phase Mode=2"});

@@ -1,5 +1,7 @@
 // A stranger on one of the ports that a demonstration needs is noticed and named, before anything
 // is measured.
+#include "kit/free_port.h"
+
 #include <QCoreApplication>
 #include <QProcess>
 #include <QTcpServer>
@@ -25,13 +27,6 @@ Outcome run(const QString& program, const QStringList& arguments)
 Outcome askFor(const QStringList& ports)
 {
     return run(QStringLiteral(NOTCHBENCH_SOURCE_DIR "/scripts/free-ports"), ports);
-}
-
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen();
-    return server.serverPort();
 }
 
 } // namespace

@@ -3,12 +3,12 @@
 #include "base/worker_threads.h"
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/background_jobs.h"
+#include "kit/free_port.h"
 #include "setup/config_file.h"
 #include "signal/dialogs/crest_factor_dialog.h"
 
 #include <QElapsedTimer>
 #include <QHeaderView>
-#include <QTcpServer>
 
 struct SoakOperator::Action
 {
@@ -45,9 +45,7 @@ SoakOperator::SoakOperator(MainWindow& drivenWindow, const QString& configFolder
         configs << info.filePath();
     }
     makeInputs();
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost);
-    port = probe.serverPort();
+    port = freePort();
     for (QProcess* process : {&clients, &simulator}) {
         process->setStandardErrorFile(QProcess::nullDevice());
     }

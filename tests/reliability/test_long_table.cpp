@@ -1,12 +1,12 @@
 // A table of a thousand notches, and more rows than anybody types: the window goes on answering.
 // What counts is the time that it calculates, for others may be at work.
 #include "app/main_window.h"
+#include "kit/free_port.h"
 #include "kit/fresh_home.h"
 #include "kit/heartbeat.h"
 #include "kit/instrumented.h"
 #include "setup/config_file.h"
 
-#include <QTcpServer>
 #include <QTcpSocket>
 #include <QtTest>
 
@@ -64,10 +64,7 @@ void TestLongTable::clientsThatComeAndGoDelayNothing()
 {
     constexpr int clients = 200;
     saveDefaultConfig(withRows(1000), QStringLiteral("Notchbench.cfg"));
-    QTcpServer probe; // for a port that anybody may use
-    QVERIFY(probe.listen(QHostAddress::LocalHost));
-    const quint16 port = probe.serverPort();
-    probe.close();
+    const quint16 port = freePort();
     MainWindow window(nullptr, port);
     window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&window));

@@ -2,11 +2,10 @@
 // that they never give back.
 #include "app/main_window.h"
 #include "kit/event_wait.h"
+#include "kit/free_port.h"
 #include "kit/fresh_home.h"
 #include "kit/status_client.h"
 #include "kit/window_driver.h"
-
-#include <QTcpServer>
 
 #include <memory>
 #include <vector>
@@ -16,13 +15,6 @@ namespace {
 constexpr int length = 1048576; // samples
 constexpr qint64 blockSize = (2LL * length + 1) * 4;
 constexpr qint64 mostUnsent = qint64{256} * 1048576; // bytes
-
-quint16 freePort()
-{
-    QTcpServer server;
-    server.listen(QHostAddress::LocalHost);
-    return server.serverPort();
-}
 
 } // namespace
 

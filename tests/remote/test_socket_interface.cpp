@@ -1,6 +1,7 @@
 // The raw socket transport against an instrument at the other end of a real connection.
 #include "remote/socket_interface.h"
 
+#include "kit/free_port.h"
 #include "kit/remote_failure.h"
 #include "kit/scripted_instrument.h"
 #include "kit/warning_count.h"
@@ -212,10 +213,7 @@ void TestSocketInterface::goToLocalIsACommandLine()
 
 void TestSocketInterface::anotherPortIsReachedWhereItIsGiven()
 {
-    QTcpServer probe;
-    QVERIFY(probe.listen(QHostAddress::LocalHost));
-    const quint16 port = probe.serverPort();
-    probe.close();
+    const quint16 port = freePort();
     ScriptedInstrument instrument(port);
     instrument.answer("*IDN?", "ACME\n");
     SocketInterface transport(localhost, port);
