@@ -4,6 +4,7 @@
 #include "base/worker_threads.h"
 #include "kit/background_jobs.h"
 #include "kit/bench_instrument.h"
+#include "kit/bench_words.h"
 #include "kit/full_listener.h"
 #include "kit/scripted_instrument.h"
 #include "kit/stand_in_visa.h"
@@ -102,8 +103,7 @@ void closeDuringAMeasurement(MainWindow& window, const WindowDriver& operate)
 {
     static ScriptedInstrument device;
     device.answer("*IDN?", "ACME,42\n");
-    device.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP",
-                  {ScriptedInstrument::Piece{200, "1,2,3\n"}});
+    device.answer(acpQuery, {ScriptedInstrument::Piece{200, "1,2,3\n"}});
     operate.type("notch_count_input", "3");
     operate.click("autocalc_notches_button");
     operate.click("preset_button");
@@ -179,8 +179,6 @@ void closeDuringASilentPreset(MainWindow& window, const WindowDriver& operate)
     awaitLine(silentAnalyzer(operate), "*IDN?", [&] { operate.click("preset_button"); });
     closeNow(window);
 }
-
-constexpr char acpQuery[] = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
 
 void closeDuringASilentMeasurement(MainWindow& window, const WindowDriver& operate)
 {

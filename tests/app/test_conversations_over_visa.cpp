@@ -1,5 +1,6 @@
 // The window with two instruments behind a VISA library, which is called from several threads.
 #include "kit/background_jobs.h"
+#include "kit/bench_words.h"
 #include "kit/main_window_test.h"
 #include "kit/message_boxes.h"
 #include "kit/stand_in_visa.h"
@@ -40,8 +41,8 @@ constexpr char analyzerResource[] = "TCPIP::127.0.0.1::INSTR";
 constexpr char generatorResource[] = "TCPIP::127.0.0.2::INSTR";
 constexpr int vxiRow = 3;
 constexpr char toLocal[] = "&GTL;@LOC;*OPC?\n";
-constexpr char acpQuery[] = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP\n";
 
+const QByteArray acpLine = acpQuery + '\n';
 const QString name = "ACME,42\n"; // over VISA the line end of an answer stays
 
 QByteArray writeOf(int session, const char* text)
@@ -57,7 +58,7 @@ void TestConversationsOverVisa::init()
     calls.clear();
     visa->tellSessionsApart();
     visa->answer("*IDN?\n", name.toLatin1());
-    visa->answer(acpQuery, "-10.126,-0.5,-43.75\n");
+    visa->answer(acpLine.constData(), "-10.126,-0.5,-43.75\n");
     openWindow();
     overVisa("g_interface", "g_address", "127.0.0.2");
     overVisa("a_interface", "a_address", "127.0.0.1");
@@ -176,7 +177,7 @@ void TestConversationsOverVisa::aLoadDuringAnInitSeesNothingOfItsEnd()
 void TestConversationsOverVisa::aReadingWhoseInstrumentWasReplacedIsNotShown_data()
 {
     QTest::addColumn<QByteArray>("waitsFor");
-    QTest::newRow("before it came") << QByteArray(acpQuery);
+    QTest::newRow("before it came") << acpLine;
     QTest::newRow("while the panel is handed back") << QByteArray(toLocal);
 }
 

@@ -2,6 +2,7 @@
 #include "app/remote_failure_box.h"
 #include "kit/background_jobs.h"
 #include "kit/bench_instrument.h"
+#include "kit/bench_words.h"
 #include "kit/main_window_test.h"
 #include "kit/scripted_instrument.h"
 #include "kit/top_level.h"
@@ -49,7 +50,6 @@ private:
 
 namespace {
 
-const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
 const char droppedFailure[] =
     "QObject::connect: Cannot queue arguments of type 'KORemoteException*'";
 

@@ -2,6 +2,7 @@
 // lost instruments.
 #include "campaign/campaign.h"
 #include "campaign/instrument_bench.h"
+#include "kit/bench_words.h"
 #include "kit/scripted_instrument.h"
 #include "setup/measurement_setup.h"
 
@@ -10,8 +11,6 @@
 #include <thread>
 
 namespace {
-
-const QByteArray askPower = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
 
 // A generator, an analyzer that reads 20 dB in the upper channel, and a microwave generator, each
 // at its address.
@@ -25,7 +24,7 @@ struct Devices
     {
         generator.answer("*IDN?", "a generator\n");
         analyzer.answer("*IDN?", "an analyzer\n");
-        analyzer.answer(askPower, "-40.0,-0.1,-20.0\n");
+        analyzer.answer(acpQuery, "-40.0,-0.1,-20.0\n");
         microwave.answer("*IDN?", "a microwave\n");
     }
 };
@@ -179,12 +178,12 @@ void TestInstrumentBench::anAnswerOfTwoNumbersIsAskedForOnceMore()
 {
     Devices devices;
     // The preset at the new connection comes between the two; the answer is mended by then.
-    devices.analyzer.answer(askPower, "-40.0,-0.1\n");
+    devices.analyzer.answer(acpQuery, "-40.0,-0.1\n");
     std::thread mender([&devices] {
         while (devices.analyzer.connectionCount() < 2) {
             std::this_thread::yield();
         }
-        devices.analyzer.answer(askPower, "-40.0,-0.1,-20.0\n");
+        devices.analyzer.answer(acpQuery, "-40.0,-0.1,-20.0\n");
     });
     const CampaignOutcome outcome = measured(setup(), plan());
     mender.join();
@@ -199,7 +198,7 @@ void TestInstrumentBench::anAnalyzerThatStaysLostEndsTheCampaign()
     const CampaignOutcome outcome = measured(setup(), plan({-30.0, -20.0, -10.0}),
                                              [&devices](const CampaignProgress& progress) {
                                                  if (progress.readings == 2) {
-                                                     devices.analyzer.answer(askPower, "-40.0\n");
+                                                     devices.analyzer.answer(acpQuery, "-40.0\n");
                                                  }
                                              });
     QCOMPARE(outcome.ending, CampaignOutcome::Ending::Failed);

@@ -1,5 +1,6 @@
 // The commands that measure: tables, files, statuses, interruptions; simulated and on instruments.
 #include "cli/cli_process.h"
+#include "kit/bench_words.h"
 #include "kit/file_content.h"
 #include "kit/json_object.h"
 #include "kit/json_schema.h"
@@ -50,7 +51,7 @@ struct MeasuredDevices
     {
         generator.answer("*IDN?", "a generator\n");
         analyzer.answer("*IDN?", "an analyzer\n");
-        analyzer.answer("*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP", reading);
+        analyzer.answer(acpQuery, reading);
     }
 
     ScriptedInstrument generator{5025, "127.0.0.2"};

@@ -2,6 +2,7 @@
 
 #include "kit/background_jobs.h"
 #include "kit/bench_instrument.h"
+#include "kit/bench_words.h"
 #include "kit/conversations.h"
 #include "kit/main_window_test.h"
 #include "kit/message_boxes.h"
@@ -96,8 +97,6 @@ protected:
         QTRY_COMPARE(countWith(*analyzer, "channel power"), before + 1);
         QVERIFY(backgroundJobsEnd(10000));
     }
-
-    static inline const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
 
     std::unique_ptr<BenchInstrument> analyzer;
     std::unique_ptr<BenchInstrument> generator;

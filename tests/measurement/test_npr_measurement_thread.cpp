@@ -91,7 +91,7 @@ void TestNprMeasurementThread::twoRequestsRunOneAfterTheOther()
     thread.requestSingleMeasurement();
     thread.requestSingleMeasurement();
     QTRY_COMPARE(finished.count(), 2);
-    const QByteArray once = "INIT:CONT OFF\nINIT;*WAI\n*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP\n&GTL\n";
+    const QByteArray once = "INIT:CONT OFF\nINIT;*WAI\n" + acpQuery + "\n&GTL\n";
     QCOMPARE(device.takeReceivedUpTo(once + once), once + once);
 }
 

@@ -2,9 +2,8 @@
 #pragma once
 
 #include "instruments/analyzer.h"
+#include "kit/bench_words.h"
 #include "kit/scripted_instrument.h"
-
-inline const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
 
 inline Analyzer connectedAnalyzer()
 {

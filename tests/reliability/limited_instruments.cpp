@@ -1,10 +1,10 @@
 // Instruments without a further thread.
+#include "kit/bench_words.h"
 #include "kit/top_level.h"
 #include "reliability/limited_bench.h"
 
 namespace {
 
-const QByteArray acpQuery = "*CLS;:CALC1:MARK1:FUNC:POW:RES? ACP";
 const QByteArray presetEnd = "SWE:TIME 1.000000\nDISP:WIND1:TRAC:Y:RLEV -20.000\n&GTL\n";
 const QString noThread = QStringLiteral("No thread for the instrument");
 const QString name = QStringLiteral("ACME,42");
