@@ -3,6 +3,7 @@
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/contrast.h"
 #include "kit/dark_desktop.h"
+#include "kit/file_content.h"
 #include "kit/main_window_test.h"
 #include "kit/top_level.h"
 #include "support/dialogs/about_window.h"
@@ -224,13 +225,13 @@ void TestDarkDesktop::theTraceWindowCanBeRead()
     MeasurementSetup setup;
     setup.signal.length = 64;
     QTemporaryDir place;
-    QFile file(place.filePath(QStringLiteral("trace.txt")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QString path = place.filePath(QStringLiteral("trace.txt"));
+    QByteArray trace;
     for (int point = 0; point < 64; ++point) {
-        file.write(QByteArray::number(950e6 + point * 2e6, 'f', 0) + ";-40\n");
+        trace += QByteArray::number(950e6 + point * 2e6, 'f', 0) + ";-40\n";
     }
-    file.close();
-    auto* dialog = new LoadTraceDialog(file.fileName(), &setup, window.get());
+    putContent(path, trace);
+    auto* dialog = new LoadTraceDialog(path, &setup, window.get());
     dialog->show();
     auto* direct = dialog->findChild<QAbstractButton*>(QStringLiteral("load_direct_button"));
     QTRY_VERIFY(direct->isEnabled());

@@ -1,4 +1,5 @@
 // The window as an operator meets it: first start, inputs and what they invalidate, calculation.
+#include "kit/file_content.h"
 #include "kit/main_window_test.h"
 
 class TestMainWindow : public MainWindowTest
@@ -348,17 +349,13 @@ void TestMainWindow::rowsWithoutANameSurviveTheWindow()
     cleanup();
     const QByteArrayList lines = {"Notch/Carrier = 7\n", "Phase Mode = 9\n", "Custom = 5\n"};
     const QByteArray notch = "[Notch 1]\nfcenter = 1e+06\n\n";
-    QFile file(defaultConfigPath());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("[NPR]\n" + lines.join() + '\n' + notch);
-    file.close();
+    putContent(defaultConfigPath(), "[NPR]\n" + lines.join() + '\n' + notch);
     window = std::make_unique<MainWindow>();
     operate = std::make_unique<WindowDriver>(*window);
     QCOMPARE(operate->rowCount(), 1);
     operate->type("seed_input", "3"); // refreshes
     cleanup();
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray saved = file.readAll();
+    const QByteArray saved = contentOf(defaultConfigPath());
     for (const QByteArray& line : lines) {
         QVERIFY2(saved.contains('\n' + line), saved.constData());
     }

@@ -89,9 +89,7 @@ void TestMainWindowMenus::cleanup()
 
 void TestMainWindowMenus::writeFile(const QString& name, const QByteArray& bytes)
 {
-    QFile file(folder->filePath(name));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64{bytes.size()});
+    putContent(folder->filePath(name), bytes);
 }
 
 QByteArray TestMainWindowMenus::readFile(const QString& name)

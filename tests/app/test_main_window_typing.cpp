@@ -1,4 +1,5 @@
 // What is typed into the inputs of the window stays as it is typed, whatever happens meanwhile.
+#include "kit/file_content.h"
 #include "kit/main_window_test.h"
 
 #include <QTemporaryDir>
@@ -87,11 +88,9 @@ void TestMainWindowTyping::aLoadedValueReplacesWhatIsTyped()
 {
     startTyping("nbw_srate_input", "0.");
     QTemporaryDir folder;
-    QFile file(folder.filePath("a.cfg"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("[NPR]\nNBW/SRate = 0.5\n");
-    file.close();
-    operate->answerFileDialog(file.fileName());
+    const QString path = folder.filePath("a.cfg");
+    putContent(path, "[NPR]\nNBW/SRate = 0.5\n");
+    operate->answerFileDialog(path);
     operate->trigger("actionLoad_Cfg_File");
     QCOMPARE(operate->text("nbw_srate_input"), QStringLiteral("0.500000"));
 }

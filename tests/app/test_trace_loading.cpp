@@ -3,6 +3,7 @@
 // that path again.
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/background_jobs.h"
+#include "kit/file_content.h"
 #include "kit/free_port.h"
 #include "kit/main_window_test.h"
 #include "kit/sample_spectrum.h"
@@ -78,15 +79,15 @@ void TestTraceLoading::cleanup()
 // A trace of the path around 2.4 GHz, its points where the lines of as many bins would lie.
 void TestTraceLoading::openTrace(int points)
 {
-    QFile file(folder->filePath("path.txt"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QString path = folder->filePath("path.txt");
+    QByteArray trace;
     for (int i = 0; i < points; ++i) {
         const double place = double(i) / points;
-        file.write(QByteArray::number(2.4e9 + 100e6 * i / (points - 1), 'f', 3) + ';' +
-                   QByteArray::number(pathGain(place), 'g', 15) + ";\n");
+        trace += QByteArray::number(2.4e9 + 100e6 * i / (points - 1), 'f', 3) + ';' +
+                 QByteArray::number(pathGain(place), 'g', 15) + ";\n";
     }
-    file.close();
-    operate->answerFileDialog(file.fileName());
+    putContent(path, trace);
+    operate->answerFileDialog(path);
     operate->trigger("actionLoad_SAN_Mag");
     dialog = window->findChild<LoadTraceDialog*>();
     QVERIFY(!dialog.isNull());
@@ -202,10 +203,9 @@ void TestTraceLoading::loadingAConfigurationClearsTheCorrection()
 {
     openTrace(lineCount);
     take("load_direct_button");
-    QFile file(folder->filePath("empty.cfg"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
-    operate->answerFileDialog(file.fileName());
+    const QString path = folder->filePath("empty.cfg");
+    putContent(path, "");
+    operate->answerFileDialog(path);
     operate->trigger("actionLoad_Cfg_File");
     QVERIFY(!operate->isEnabled("compensate_checkbox"));
     QVERIFY(!operate->find<QAbstractButton>("compensate_checkbox")->isChecked());

@@ -100,8 +100,8 @@ QString TestCliAnalyze::quantised(const QString& name, double k) const
         const double code = std::floor(value * 128.0 / (k * std::sqrt(0.97 / 2.0)) + 0.5);
         codes += static_cast<char>(std::min(std::max(code, -128.0), 127.0));
     }
-    QFile file(cli.path(name));
-    return file.open(QIODevice::WriteOnly) && file.write(codes) == codes.size() ? name : QString();
+    putContent(cli.path(name), codes);
+    return name;
 }
 
 // The signal so many of its lines higher, as a SigMF recording of a capture.
@@ -119,13 +119,11 @@ void TestCliAnalyze::writeShifted(const QString& base, int lines, const QByteArr
         qToLittleEndian(static_cast<float>(turned.real()), data.data() + 8 * k);
         qToLittleEndian(static_cast<float>(turned.imag()), data.data() + 8 * k + 4);
     }
-    QFile dataFile(cli.path(base + ".sigmf-data"));
-    QVERIFY(dataFile.open(QIODevice::WriteOnly) && dataFile.write(data) == data.size());
-    QFile metaFile(cli.path(base + ".sigmf-meta"));
-    QVERIFY(metaFile.open(QIODevice::WriteOnly));
-    QVERIFY(metaFile.write(R"({"global":{"core:datatype":"cf32_le","core:version":"1.0.0",)"
-                           R"("core:sample_rate":1e8},"captures":[{"core:sample_start":0)" +
-                           capture + "}]}") > 0);
+    putContent(cli.path(base + ".sigmf-data"), data);
+    putContent(cli.path(base + ".sigmf-meta"),
+               R"({"global":{"core:datatype":"cf32_le","core:version":"1.0.0",)"
+               R"("core:sample_rate":1e8},"captures":[{"core:sample_start":0)" +
+                   capture + "}]}");
 }
 
 void TestCliAnalyze::everyFormThatSignalWritesReadsBack_data()
@@ -380,8 +378,7 @@ void TestCliAnalyze::filesThatCantBeReadAreTold()
 {
     QFETCH(QStringList, words);
     QFETCH(QString, message);
-    QFile file(cli.path("noise.q"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
+    putContent(cli.path("noise.q"), "");
     const CliRun run = analyze(words);
     QVERIFY2(run.status == 3, qPrintable(run.err));
     QVERIFY2(run.errLines().last().contains(message), qPrintable(run.err));
@@ -391,8 +388,7 @@ void TestCliAnalyze::filesThatCantBeReadAreTold()
 void TestCliAnalyze::aRecordingThatCantBeReadIsLeftOut()
 {
     const QString good = quantised("good.ci8", 4.0);
-    QFile empty(cli.path("empty.ci8"));
-    QVERIFY(empty.open(QIODevice::WriteOnly));
+    putContent(cli.path("empty.ci8"), "");
     const CliRun run = analyze({"missing.ci8", good, "empty.ci8", good, "--rate", "1e8", "--level",
                                 "-9", "--level=-8", "--level=-7", "--level=-6", "--limit", "99",
                                 "--json", "kept.json", "--csv", "kept.csv"});

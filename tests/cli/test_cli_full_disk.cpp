@@ -62,9 +62,7 @@ void TestCliFullDisk::formerFileStaysAndTheNextTryWorks()
     QFETCH(QStringList, words);
     QFETCH(QStringList, files);
     for (const QString& name : files) {
-        QFile file(cli->path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write("good"), qint64{4});
+        putContent(cli->path(name), "good");
     }
     const QString limited = QString("ulimit -f %1; exec \"$0\" \"$@\"").arg(room / 512);
     const CliRun full = cli->runBy("/bin/sh", QStringList{"-c", limited, NOTCHBENCH_CLI} + words);

@@ -1,5 +1,6 @@
 // Man page and completion keep up with what the program itself tells.
 #include "cli/cli_process.h"
+#include "kit/file_content.h"
 #include "structure/source_files.h"
 
 #include <QtTest>
@@ -91,8 +92,7 @@ void TestCliPapers::completionOffersOptionsOfTheCommand()
 void TestCliPapers::completionOffersConfigurationsAndFormats()
 {
     for (const char* name : {"bench.cfg", "other.txt", "day.json"}) {
-        QFile file(cli.path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        putContent(cli.path(name), "");
     }
     QCOMPARE(complete({"signal", ""}), (QStringList{"bench.cfg", "default"}));
     QCOMPARE(complete({"plot", "day.json", ""}), QStringList{"day.json"});

@@ -148,10 +148,7 @@ void TestCliPlot::whatIsNoResultIsStatusThree()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, says);
-    QFile file(cli.path("bad.json"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    file.close();
+    putContent(cli.path("bad.json"), bytes);
     const CliRun run = cli.run({"plot", "warm.json", "bad.json", "--csv", "a.csv"});
     QCOMPARE(run.status, 3);
     QVERIFY2(run.err.contains("bad.json") && run.err.contains(says), qPrintable(run.err));

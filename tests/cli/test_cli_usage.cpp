@@ -1,8 +1,8 @@
 // The built program: help, mistakes, the configuration it takes, and how it ends.
 #include "cli/cli_process.h"
 #include "kit/caught_signals.h"
+#include "kit/file_content.h"
 
-#include <QFile>
 #include <QtTest>
 
 #include <csignal>
@@ -173,10 +173,7 @@ void TestCliUsage::mistakesAreOneLineAndStatusTwo()
 
 void TestCliUsage::configComesFromAFileOrFromStandardInput()
 {
-    QFile file(cli->path("one.cfg"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(oneNotch);
-    file.close();
+    putContent(cli->path("one.cfg"), oneNotch);
     const CliRun fromFile = cli->run({"signal", "one.cfg"});
     QCOMPARE(fromFile.status, 0);
     QCOMPARE(fromFile.err, QString());

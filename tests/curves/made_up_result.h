@@ -4,8 +4,8 @@
 
 #include "campaign/npr_curve.h"
 #include "campaign/result_json.h"
+#include "kit/file_content.h"
 
-#include <QFile>
 #include <QtTest>
 
 #include <cmath>
@@ -41,10 +41,6 @@ inline NprResult roofs(int notches, double from = -40.0, double to = 0.0, double
 
 inline QString writeResult(const QString& path, const NprResult& result)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly)) {
-        return {};
-    }
-    file.write(resultToJson(result));
+    putContent(path, resultToJson(result));
     return path;
 }

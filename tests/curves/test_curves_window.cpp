@@ -1,5 +1,6 @@
 // Results in the window, with mouse and keys.
 #include "curves/curves_window_test.h"
+#include "kit/file_content.h"
 
 #include <QListWidget>
 #include <QMimeData>
@@ -138,9 +139,7 @@ void TestCurvesWindow::theMenuOpensFiles()
 void TestCurvesWindow::aBrokenFileIsNamedAndTheOthersOpen()
 {
     const QString broken = folder.filePath("broken.json");
-    QFile file(broken);
-    QVERIFY(file.open(QIODevice::WriteOnly) && file.write("{") == 1);
-    file.close();
+    putContent(broken, "{");
     window->open({broken, writeResult(folder.filePath("whole.json"), roofs(1)),
                   folder.filePath("missing.json")});
     QTRY_COMPARE(window->results().rowCount(), 1);

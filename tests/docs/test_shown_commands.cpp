@@ -2,6 +2,7 @@
 // stands there, page by page in a folder of its own. Instruments are simulated, signals are
 // shorter, ports free ones.
 #include "cli/cli_process.h"
+#include "kit/file_content.h"
 #include "structure/source_files.h"
 
 #include <QRegularExpression>
@@ -152,10 +153,7 @@ void TestShownCommands::commandsRun()
 {
     QFETCH(QString, document);
     CliProcess cli;
-    QFile config(cli.path("bench.cfg"));
-    QVERIFY(config.open(QIODevice::WriteOnly));
-    config.write("[NPR]\nNBW/SRate = 0.8\n");
-    config.close();
+    putContent(cli.path("bench.cfg"), "[NPR]\nNBW/SRate = 0.8\n");
     const QStringList commands = commandsOf(document);
     if (commands.join(' ').contains("drive*")) { // recordings of the reader's own
         for (const char* name : {"drive1", "drive2", "generator", "device"}) {

@@ -3,6 +3,7 @@
 #include "files/waveform_output.h"
 #include "setup/measurement_setup.h"
 
+#include "kit/file_content.h"
 #include "kit/instrumented.h"
 #include "kit/system_limits.h"
 
@@ -57,10 +58,7 @@ void TestSavingWithoutMemory::itFailsAndTheFormerFileStays()
     const QTemporaryDir folder;
     const QString base = folder.filePath("a");
     const QString path = base + ending;
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::ReadWrite));
-    QCOMPARE(file.write("former"), qint64{6});
-    file.close();
+    putContent(path, "former");
     MeasurementSetup setup;
     setup.signal = SignalData(64);
     setup.signal.iSamples[0] = 1.0;
@@ -70,10 +68,9 @@ void TestSavingWithoutMemory::itFailsAndTheFormerFileStays()
         saved = save(setup, path, base);
     }
     QVERIFY(!saved);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("former"));
-    file.close();
+    QCOMPARE(contentOf(path), QByteArray("former"));
     QVERIFY(save(setup, path, base)); // with memory again
+    QFile file(path);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll() != "former");
 }

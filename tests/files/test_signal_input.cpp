@@ -1,5 +1,6 @@
 // The readers of signals: good files by hand-worked numbers, and every kind of bad one.
 #include "files/signal_input.h"
+#include "kit/file_content.h"
 
 #include <QTemporaryDir>
 #include <QtTest>
@@ -48,11 +49,8 @@ private slots:
 private:
     QString write(const QString& name, const QByteArray& bytes)
     {
-        QFile file(folder->filePath(name));
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
-            qFatal("no test file");
-        }
-        return file.fileName();
+        putContent(folder->filePath(name), bytes);
+        return folder->filePath(name);
     }
     SignalData readPmc(const QByteArray& text)
     {

@@ -1,5 +1,6 @@
 // Reading a stored trace: whole ones, and every way in which a file can be wrong.
 #include "fit/analyzer_trace.h"
+#include "kit/file_content.h"
 #include "kit/process_memory.h"
 
 #include <QSemaphore>
@@ -37,12 +38,9 @@ private:
 
 AnalyzerTrace TestAnalyzerTrace::read(const QByteArray& content, int mostPoints)
 {
-    QFile file(folder.filePath(QStringLiteral("trace.txt")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        qFatal("no room for the test's file");
-    }
-    file.close();
-    return readAnalyzerTrace(file.fileName(), mostPoints);
+    const QString path = folder.filePath(QStringLiteral("trace.txt"));
+    putContent(path, content);
+    return readAnalyzerTrace(path, mostPoints);
 }
 
 void TestAnalyzerTrace::theSpanIsCentred()

@@ -1,11 +1,11 @@
 // Signals with notches and recordings of them, made by plain sums and written byte by byte.
 #pragma once
 
+#include "kit/file_content.h"
 #include "recording/notch_analysis.h"
 #include "recording/recording_file.h"
 #include "transform/transform.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtEndian>
 
@@ -214,10 +214,8 @@ class RecordingFolder
 public:
     QString write(const QString& name, const QByteArray& bytes) const
     {
-        QFile file(folder.filePath(name));
-        file.open(QIODevice::WriteOnly);
-        file.write(bytes);
-        return file.fileName();
+        putContent(path(name), bytes);
+        return path(name);
     }
     QString path(const QString& name) const { return folder.filePath(name); }
 

@@ -3,6 +3,7 @@
 #include "base/worker_threads.h"
 #include "fit/dialogs/load_trace_dialog.h"
 #include "kit/background_jobs.h"
+#include "kit/file_content.h"
 #include "kit/free_port.h"
 #include "setup/config_file.h"
 #include "signal/dialogs/crest_factor_dialog.h"
@@ -72,27 +73,26 @@ SoakOperator::~SoakOperator()
 // the trace of a tilted path.
 void SoakOperator::makeInputs()
 {
-    QFile spectrum(folder.filePath("s.pmc"));
-    QFile samples(folder.filePath("s.wav"));
-    (void)spectrum.open(QIODevice::WriteOnly);
-    (void)samples.open(QIODevice::WriteOnly);
-    spectrum.write("4096\n");
+    QByteArray spectrum = "4096\n";
+    QByteArray samples;
     for (int line = 0; line < 4096; ++line) {
-        spectrum.write(QByteArray::number(line) + " 0." + QByteArray::number(line) + " 1.0\n");
-        samples.write(QByteArray::number(line * 7919 % 100).rightJustified(2, '0'));
+        spectrum += QByteArray::number(line) + " 0." + QByteArray::number(line) + " 1.0\n";
+        samples += QByteArray::number(line * 7919 % 100).rightJustified(2, '0');
     }
-    QFile trace(folder.filePath("t.txt"));
-    (void)trace.open(QIODevice::WriteOnly);
+    QByteArray trace;
     for (int point = 0; point <= 1000; ++point) {
-        trace.write(QByteArray::number(1e9 + (point - 500) * 1e5) + ";" +
-                    QByteArray::number(-20.0 - point * 0.003) + "\n");
+        trace += QByteArray::number(1e9 + (point - 500) * 1e5) + ";" +
+                 QByteArray::number(-20.0 - point * 0.003) + "\n";
     }
+    putContent(folder.filePath("s.pmc"), spectrum);
+    putContent(folder.filePath("s.wav"), samples);
+    putContent(folder.filePath("t.txt"), trace);
     MeasurementSetup base;
     base.fftLengthIndex = 8; // 16384
     base.tcpPort = port;
-    base.phaseMagFile = spectrum.fileName();
-    base.iFile = samples.fileName();
-    base.qFile = samples.fileName();
+    base.phaseMagFile = folder.filePath("s.pmc");
+    base.iFile = folder.filePath("s.wav");
+    base.qFile = base.iFile;
     for (Instrument* instrument :
          {static_cast<Instrument*>(&base.generator), static_cast<Instrument*>(&base.analyzer)}) {
         instrument->frequency = 1e9;

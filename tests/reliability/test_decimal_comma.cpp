@@ -130,11 +130,8 @@ void TestDecimalComma::signalFilesHaveAPoint()
     QString errorText;
     QCOMPARE(loadWaveform(folder->filePath("s.wv"), errorText).sampleRate, 1e8);
 
-    QFile pmc(folder->filePath("s.pmc"));
-    QVERIFY(pmc.open(QIODevice::WriteOnly));
-    pmc.write("2\n1 0.25 1.5\n");
-    pmc.close();
-    const SignalData spectrum = loadMagnitudePhaseFile(pmc.fileName());
+    putContent(folder->filePath("s.pmc"), "2\n1 0.25 1.5\n");
+    const SignalData spectrum = loadMagnitudePhaseFile(folder->filePath("s.pmc"));
     QCOMPARE(spectrum.phase, (QVector<double>{0.0, 0.25}));
     QCOMPARE(spectrum.magnitude, (QVector<double>{0.0, 1.5}));
 }

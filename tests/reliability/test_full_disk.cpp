@@ -95,13 +95,6 @@ const QMap<QByteArray, Form> forms = {
       {".sigmf-data", ".sigmf-meta"}}},
 };
 
-void put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64{bytes.size()});
-}
-
 } // namespace
 
 class TestFullDisk : public QObject
@@ -158,7 +151,7 @@ void TestFullDisk::limitOnFilesLeavesTheFormerOnes()
     QFETCH(QByteArray, name);
     const Form& form = forms[name];
     for (const QString& ending : form.endings) {
-        put(base() + ending, "good");
+        putContent(base() + ending, "good");
     }
     {
         const FileSizeLimit limit(diskSize);
@@ -183,7 +176,7 @@ void TestFullDisk::fullDiskLeavesTheFormerFiles()
         QSKIP("only root may make a small disk");
     }
     for (const QString& ending : form.endings) {
-        put(base() + ending, "good");
+        putContent(base() + ending, "good");
     }
     form.save(base());
     QByteArrayList contents;
@@ -242,8 +235,8 @@ void TestFullDisk::fullSecondFileLeavesTheFirstAsItWas()
         signal.iSamples[k] = 1.0;  // "2.500000", 9 bytes a line
         signal.qSamples[k] = -1.0; // "-2.500000", 10 bytes a line
     }
-    put(base() + ".i", "good");
-    put(base() + ".q", "good");
+    putContent(base() + ".i", "good");
+    putContent(base() + ".q", "good");
     {
         const FileSizeLimit limit(57000);
         writeIQTextFiles(signal, base());
@@ -257,7 +250,7 @@ void TestFullDisk::placesThatTakeNothingGoUnnoticed()
     QFETCH(QByteArray, name);
     const Form& form = forms[name];
     form.save(folder->filePath("missing/signal"));
-    put(folder->filePath("file"), "good");
+    putContent(folder->filePath("file"), "good");
     form.save(folder->filePath("file/signal"));
     QCOMPARE(contentOf(folder->filePath("file")), QByteArray("good"));
     for (const QString& ending : form.endings) {
@@ -275,7 +268,7 @@ void TestFullDisk::writableFileInAFolderThatIsNotIsWritten()
     QFETCH(QByteArray, name);
     const Form& form = forms[name];
     for (const QString& ending : form.endings) {
-        put(base() + ending, "former");
+        putContent(base() + ending, "former");
         QCOMPARE(chmod(QFile::encodeName(base() + ending).constData(), 0666), 0);
     }
     QCOMPARE(chmod(QFile::encodeName(folder->path()).constData(), 0555), 0);
@@ -298,7 +291,7 @@ void TestFullDisk::fileThatMayNotBeWrittenStays()
     const Form& form = forms[name];
     QCOMPARE(chmod(QFile::encodeName(folder->path()).constData(), 0777), 0);
     for (const QString& ending : form.endings) {
-        put(base() + ending, "good");
+        putContent(base() + ending, "good");
         QCOMPARE(chmod(QFile::encodeName(base() + ending).constData(), 0444), 0);
     }
     {
@@ -364,7 +357,7 @@ void TestFullDisk::linkIsFollowed()
     QFETCH(QByteArray, name);
     const Form& form = forms[name];
     for (const QString& ending : form.endings) {
-        put(folder->filePath("real" + ending), "former");
+        putContent(folder->filePath("real" + ending), "former");
         QVERIFY(QFile::link("real" + ending, base() + ending));
     }
     form.save(base());

@@ -94,9 +94,7 @@ QByteArray TestKilledProgram::config() const
 
 void TestKilledProgram::put(const QByteArray& text) const
 {
-    QFile file(folder->filePath("saving_program/Notchbench.cfg"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(text), qint64{text.size()});
+    putContent(folder->filePath("saving_program/Notchbench.cfg"), text);
 }
 
 void TestKilledProgram::start(QProcess& program, const char* scenario) const

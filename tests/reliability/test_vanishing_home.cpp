@@ -2,6 +2,7 @@
 // in its place: no word, no end, and the next try saves again.
 #include "app/main_window.h"
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 #include "kit/fresh_home.h"
 #include "kit/window_driver.h"
 #include "setup/config_file.h"
@@ -9,17 +10,6 @@
 #include <QTemporaryDir>
 
 #include <memory>
-
-namespace {
-
-void put(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64{bytes.size()});
-}
-
-} // namespace
 
 class TestVanishingHome : public QObject
 {
@@ -81,7 +71,7 @@ void TestVanishingHome::programGoesOnWithoutItsHomeAndSavesInANewOne()
 void TestVanishingHome::fileInPlaceOfTheHomeIsLeftAlone()
 {
     QVERIFY(QDir(home).removeRecursively());
-    put(home, "good");
+    putContent(home, "good");
     changeSeedAndClose("43");
     QFile file(home);
     QVERIFY(file.open(QIODevice::ReadOnly));

@@ -286,11 +286,7 @@ void TestConfigFile::init()
 
 MeasurementSetup TestConfigFile::load(const QByteArray& text)
 {
-    QFile file(path());
-    if (!file.open(QIODevice::WriteOnly) || file.write(text) != text.size()) {
-        qFatal("no test file");
-    }
-    file.close();
+    putContent(path(), text);
     return loadConfig(path());
 }
 

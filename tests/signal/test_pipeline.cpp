@@ -2,6 +2,7 @@
 // operations for the bits.
 #include "base/parallel.h"
 #include "files/signal_input.h"
+#include "kit/file_content.h"
 #include "kit/same_bits.h"
 #include "kit/thread_count.h"
 #include "setup/measurement_setup.h"
@@ -314,13 +315,10 @@ void TestPipeline::compensationNeedsItsCheckBox()
 void TestPipeline::sinxCompensationDoesNotTouchFiles()
 {
     QTemporaryDir dir;
-    QFile file(dir.filePath("flat.pmc"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("4\n0 0.5 1\n1 0.5 1\n2 0.5 1\n3 0.5 1\n");
-    file.close();
     MeasurementSetup setup = smallSetup(PhaseLaw::Seeded);
     setup.customSource = SignalSource::MagnitudePhaseFile;
-    setup.phaseMagFile = file.fileName();
+    setup.phaseMagFile = dir.filePath("flat.pmc");
+    putContent(setup.phaseMagFile, "4\n0 0.5 1\n1 0.5 1\n2 0.5 1\n3 0.5 1\n");
     setup.sinxCompensation = true;
     setup.calculateSignal();
     QCOMPARE(setup.signal.magnitude, QVector<double>(4, 1.0));
@@ -329,13 +327,11 @@ void TestPipeline::sinxCompensationDoesNotTouchFiles()
 void TestPipeline::magnitudeFileDrivesThePipeline()
 {
     QTemporaryDir dir;
-    QFile file(dir.filePath("line.pmc"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("4\n3 0.0 2.0\n"); // one line, one bin above the carrier, phase 0
-    file.close();
     MeasurementSetup setup;
     setup.customSource = SignalSource::MagnitudePhaseFile;
-    setup.phaseMagFile = file.fileName();
+    setup.phaseMagFile = dir.filePath("line.pmc");
+    // One line, one bin above the carrier, phase 0.
+    putContent(setup.phaseMagFile, "4\n3 0.0 2.0\n");
     setup.calculateSignal();
     // 2/sqrt(4) = 1 turning once over the four samples; a constant envelope.
     const double expectedI[] = {1, 0, -1, 0};
@@ -351,14 +347,11 @@ void TestPipeline::oddLengthFromAFileGoesTheSameWay()
 {
     QTemporaryDir dir;
     for (const int length : {1, 3, 5, 7, 1001}) {
-        QFile file(dir.filePath("odd.pmc"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::number(length) + "\n0 0.1 1.0\n");
-        file.close();
         MeasurementSetup setup;
         addNotch(setup, -3, 3, -20.0);
         setup.customSource = SignalSource::MagnitudePhaseFile;
-        setup.phaseMagFile = file.fileName();
+        setup.phaseMagFile = dir.filePath("odd.pmc");
+        putContent(setup.phaseMagFile, QByteArray::number(length) + "\n0 0.1 1.0\n");
         setup.calculateSignal();
         SignalData expected(static_cast<quint32>(length));
         expected.phase[0] = 0.1;
@@ -379,13 +372,13 @@ void TestPipeline::sampleFilesDriveThePipeline()
     setup.iFile = dir.filePath("i.wav");
     setup.qFile = dir.filePath("q.wav");
     for (const QString& path : {setup.iFile, setup.qFile}) {
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
+        QByteArray words;
         for (int k = 0; k < 64; ++k) { // 14 bits, the lower byte first
             const int word = k * (path == setup.iFile ? 2731 : 5987) % 16384;
-            file.putChar(static_cast<char>(word & 0xFF));
-            file.putChar(static_cast<char>(word >> 8));
+            words.append(static_cast<char>(word & 0xFF));
+            words.append(static_cast<char>(word >> 8));
         }
+        putContent(path, words);
     }
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 64);
@@ -400,13 +393,10 @@ void TestPipeline::sampleFilesDriveThePipeline()
 void TestPipeline::zeroSpectrumHasNoCrestFactor()
 {
     QTemporaryDir dir;
-    QFile file(dir.filePath("zero.pmc"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("8\n");
-    file.close();
     MeasurementSetup setup;
     setup.customSource = SignalSource::MagnitudePhaseFile;
-    setup.phaseMagFile = file.fileName();
+    setup.phaseMagFile = dir.filePath("zero.pmc");
+    putContent(setup.phaseMagFile, "8\n");
     setup.calculateSignal();
     QCOMPARE(setup.signal.length, 8);
     QVERIFY(std::isnan(setup.crestFactor));

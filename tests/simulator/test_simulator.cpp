@@ -3,6 +3,7 @@
 #include "fake_program.h"
 #include "scpi_client.h"
 
+#include "kit/file_content.h"
 #include "simulator/simulator.h"
 
 #include <QTemporaryDir>
@@ -190,12 +191,10 @@ void TestSimulator::theMicrowaveGeneratorHasItsOwnAddress()
 void TestSimulator::aFileIsPlayed()
 {
     QTemporaryDir folder;
-    QFile file(folder.filePath("carrier.wv"));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("{CLOCK:1000}{WAVEFORM-9:#" + QByteArray::fromHex("0010000000100000") + "}");
-    file.close();
     SimulatorOptions options = quietOptions();
-    options.waveformFile = file.fileName();
+    options.waveformFile = folder.filePath("carrier.wv");
+    putContent(options.waveformFile,
+               "{CLOCK:1000}{WAVEFORM-9:#" + QByteArray::fromHex("0010000000100000") + "}");
     Simulator simulator(options);
     QVERIFY(start(simulator));
     ScpiClient analyzer;

@@ -1,5 +1,6 @@
 // The reader of waveform files: what the program writes, and every way a file can be wrong.
 #include "files/waveform_output.h"
+#include "kit/file_content.h"
 #include "simulator/wv_file.h"
 
 #include <QTemporaryDir>
@@ -19,12 +20,9 @@ private slots:
 private:
     QString fileOf(const QByteArray& content)
     {
-        QFile file(folder.filePath("case.wv"));
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-            qFatal("no file can be written");
-        }
-        file.write(content);
-        return file.fileName();
+        const QString path = folder.filePath("case.wv");
+        putContent(path, content);
+        return path;
     }
 
     QTemporaryDir folder;

@@ -2,6 +2,7 @@
 #include "fit/dialogs/load_trace_dialog.h"
 #include "fit/dialogs/trace_widget.h"
 #include "kit/background_jobs.h"
+#include "kit/file_content.h"
 #include "kit/heartbeat.h"
 #include "kit/instrumented.h"
 #include "kit/window_driver.h"
@@ -94,11 +95,9 @@ void TestLoadTraceDialog::cleanup()
 
 QString TestLoadTraceDialog::writeTrace(const QByteArray& content)
 {
-    QFile file(folder->filePath(QStringLiteral("trace.txt")));
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
-        qFatal("no room for the test's file");
-    }
-    return file.fileName();
+    const QString path = folder->filePath(QStringLiteral("trace.txt"));
+    putContent(path, content);
+    return path;
 }
 
 // From -15 dB at the low end to -5 dB at the high end.
