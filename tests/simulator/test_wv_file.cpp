@@ -20,7 +20,7 @@ private slots:
 private:
     QString fileOf(const QByteArray& content)
     {
-        const QString path = folder.filePath("case.wv");
+        QString path = folder.filePath("case.wv");
         putContent(path, content);
         return path;
     }

@@ -95,7 +95,7 @@ void TestLoadTraceDialog::cleanup()
 
 QString TestLoadTraceDialog::writeTrace(const QByteArray& content)
 {
-    const QString path = folder->filePath(QStringLiteral("trace.txt"));
+    QString path = folder->filePath(QStringLiteral("trace.txt"));
     putContent(path, content);
     return path;
 }
