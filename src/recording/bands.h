@@ -18,7 +18,7 @@ struct LineRange
     int last;
 };
 
-// Those within a band, its ends included, which fit into an int.
+// Those within a band, its ends included. Their numbers have to fit into an int.
 LineRange linesIn(FrequencyBand band, double spacing);
 
 using Bands = QVector<FrequencyBand>;
